@@ -1,0 +1,73 @@
+#pragma once
+
+// The one place of what outlives a call, and the ways to change it for a while.
+
+#include <hdf5.h>
+
+#include <cstdio>
+#include <utility>
+
+#include "orvio/orv_types.h"
+
+class ORVBlock;
+class OH5ReaderPool;
+
+namespace orvio {
+
+class WalkGuard;
+
+/// Scale-offset switches of the numeric writes.
+struct Compression {
+  int g_nCompressionOn = 0;
+  int g_nCompressionDigits = -1;
+};
+
+/// Everything in this library that outlives a call. One thread at a time; see the header of ORVFiler. There is no
+/// other variable of this kind: a check of the object files fails on one.
+struct ProcessState {
+  int g_nWriterVersion = 1;        ///< `_ORVVersion` written; see ORVSetCurrentWriterVersion
+  unsigned g_nReadAccess = 0;      ///< flags of the next open by a write helper; 0 is read-only
+  hid_t g_hLastFile = -1;          ///< last file opened for a group lookup; only written
+  Compression compression;         ///< see OH5SetCompression
+  int g_nResultOverwriteMode = 0;  ///< not 0: an existing result block may be written into
+
+  OH5ReaderPool* reader_pool = nullptr;  ///< made at the first request, never destroyed
+
+  ORVBlock* g_pCurrentBlock = nullptr;  ///< block of the running group walk
+  char g_szCurrentName[257] = {};       ///< name of the deepest group passed on the way to it
+
+  WalkGuard* walk_guard = nullptr;  ///< bounds of the running group walk
+
+  void (*error_handler)(int, const char*) = nullptr;       ///< takes the calls of ORVErrorDefultHandler when set
+  FILE* error_stream = stderr;                             ///< else its target; null drops the texts
+  ORVMessageCallBack extended_variable_message = nullptr;  ///< second and third message callback,
+  ORVMessageCallBack fetch_message = nullptr;              ///< set together with the filer's own
+  char last_error[512] = {};                               ///< see ORVGetLastErrorText
+  char status_text[64] = {};                               ///< see ORVGetStatusText
+  hid_t group_access = -1;                                 ///< access lists that refuse external links;
+  hid_t dataset_access = -1;                               ///< HDF5 closes them at exit
+};
+
+ProcessState& process();
+
+/// Gives a switch another value for the life of the scope.
+template <class T>
+class [[nodiscard]] Swapped {
+ public:
+  Swapped(T& place, T now) : place_(place), before_(std::exchange(place, std::move(now))) {}
+  ~Swapped() { place_ = std::move(before_); }
+  Swapped(const Swapped&) = delete;
+  Swapped& operator=(const Swapped&) = delete;
+
+ private:
+  T& place_;
+  T before_;
+};
+
+/// Composes the text of a failure. It goes nowhere but into ORVGetLastErrorText.
+[[gnu::format(printf, 1, 2)]] void SetLastError(const char* format, ...);
+
+/// The same, with the general failure as answer, for `return Fail(...)`.
+[[nodiscard, gnu::format(printf, 1, 2)]] int Fail(const char* format, ...);
+
+}  // namespace orvio

@@ -1,0 +1,48 @@
+#pragma once
+
+// The frame around every exported operation: HDF5 is silent inside, and no exception leaves.
+
+#include <hdf5.h>
+
+namespace orvio::h5 {
+
+/// Keeps HDF5 from printing its error stack and puts the host's setting back. A host may have set its handler
+/// through either generation of HDF5's interface, and only that one can ask for it.
+class QuietHdf5 {
+ public:
+  QuietHdf5() noexcept;
+  ~QuietHdf5();
+  QuietHdf5(const QuietHdf5&) = delete;
+  QuietHdf5& operator=(const QuietHdf5&) = delete;
+
+ private:
+  unsigned is_v2_ = 1;
+  H5E_auto1_t func1_ = nullptr;
+  H5E_auto2_t func2_ = nullptr;
+  void* data_ = nullptr;
+  bool known_ = false;
+};
+
+/// Runs the body of an exported operation. An exception, out of memory above all, becomes `failure`: what grows
+/// with a file's data may fail to allocate, and hosts are not built for exceptions.
+template <class Answer, class Body>
+Answer Entry(Answer failure, Body&& body) noexcept {
+  const QuietHdf5 quiet;
+  try {
+    return body();
+  } catch (...) {
+    return failure;
+  }
+}
+
+/// The same for an operation without an answer.
+template <class Body>
+void EntryVoid(Body&& body) noexcept {
+  const QuietHdf5 quiet;
+  try {
+    body();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the operation has no way to tell
+  }
+}
+
+}  // namespace orvio::h5

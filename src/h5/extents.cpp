@@ -1,0 +1,38 @@
+// Extents of dataspaces.
+
+#include "h5/extents.h"
+
+#include <algorithm>
+
+#include "h5/handle.h"
+
+namespace orvio::h5 {
+
+std::optional<Extents> ExtentsOf(hid_t space) {
+  Extents extents;
+  const hssize_t points = H5Sget_simple_extent_npoints(space);
+  extents.rank = H5Sget_simple_extent_ndims(space);
+  if (points < 0 || extents.rank < 0 || extents.rank > H5S_MAX_RANK) return std::nullopt;
+  extents.points = static_cast<hsize_t>(points);
+  if (extents.rank > 0 && H5Sget_simple_extent_dims(space, extents.dims, nullptr) < 0) return std::nullopt;
+  return extents;
+}
+
+std::optional<Extents> ExtentsOfDataset(hid_t dataset) {
+  const Space space(H5Dget_space(dataset));
+  return space ? ExtentsOf(space.get()) : std::nullopt;
+}
+
+std::optional<std::uint64_t> Product(int rank, const hsize_t* dims) {
+  std::uint64_t product = 1;
+  for (int i = 0; i < rank; ++i) {
+    if (__builtin_mul_overflow(product, static_cast<std::uint64_t>(dims[i]), &product)) return std::nullopt;
+  }
+  return product;
+}
+
+bool HasZero(int rank, const hsize_t* dims) {
+  return rank > 0 && std::any_of(dims, dims + rank, [](hsize_t dim) { return dim == 0; });
+}
+
+}  // namespace orvio::h5

@@ -1,0 +1,28 @@
+#pragma once
+
+// Ranks and extents of dataspaces, and products of them that cannot wrap.
+
+#include <hdf5.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace orvio::h5 {
+
+/// Extents of a stored dataset or attribute. A space without elements has 0 points.
+struct Extents {
+  int rank = 0;
+  hsize_t dims[H5S_MAX_RANK] = {};
+  hsize_t points = 0;
+};
+
+/// Nothing when HDF5 cannot tell.
+std::optional<Extents> ExtentsOf(hid_t space);
+std::optional<Extents> ExtentsOfDataset(hid_t dataset);
+
+/// Product of the first `rank` entries, 1 for a rank below 1; nothing when it does not fit 64 bits.
+std::optional<std::uint64_t> Product(int rank, const hsize_t* dims);
+
+bool HasZero(int rank, const hsize_t* dims);
+
+}  // namespace orvio::h5

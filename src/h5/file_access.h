@@ -1,0 +1,61 @@
+#pragma once
+
+// The one door to files, groups and datasets: every open of the library comes through here.
+
+#include <string>
+
+#include "h5/disk_names.h"
+#include "h5/handle.h"
+
+namespace orvio::h5 {
+
+/// Opens a regular file with the flags of H5Fopen. A pipe or a device would hang or invent data: neither opens.
+File OpenFile(const char* name, unsigned flags);
+
+/// Makes a file, truncating what is there.
+File CreateFile(const char* name);
+
+/// Whether the name is that of a regular file that starts as an HDF5 file does.
+bool IsHdf5File(const char* name);
+
+/// Whether something stands under that name, readable or not.
+bool FileExists(const char* name);
+
+/// Opens a group or object. Links into other files are refused on every level of the path. `access` is an access
+/// list of the caller, or 0 for that of the library.
+Group OpenGroup(hid_t loc, const char* name, hid_t access = H5P_DEFAULT);
+Object OpenObject(hid_t loc, const char* name, hid_t access = H5P_DEFAULT);
+
+/// Opens a dataset whose values lie in the file itself: raw data in other files and virtual datasets are refused.
+Dataset OpenDataset(hid_t loc, const char* name);
+
+Group CreateGroup(hid_t loc, const char* name);
+Group OpenOrCreateGroup(hid_t loc, const char* name);
+
+/// Whether a link of that name is there, wherever it leads.
+bool LinkExists(hid_t loc, const char* name);
+
+/// Absolute path of an object; empty when it has none or one of 3000 bytes and more.
+std::string NameOf(hid_t object);
+
+/// Number of links of a group; -1 on failure.
+hssize_t CountLinks(hid_t group);
+
+/// Name of the link with a 0-based index, by name; empty when there is none or when it does not fit `width` bytes.
+std::string LinkName(hid_t group, hsize_t index, size_t width = disk::kNameWidth);
+
+/// A file open for writing. Ends with Finish on the good way; on every other the file is closed all the same.
+class WriteFile {
+ public:
+  explicit WriteFile(File file) : file_(std::move(file)) {}
+  explicit operator bool() const { return static_cast<bool>(file_); }
+  hid_t get() const { return file_.get(); }
+
+  /// Flushes and closes. `status` if that was a failure already, else 1 when the flush or the close fails.
+  [[nodiscard]] int Finish(int status);
+
+ private:
+  File file_;
+};
+
+}  // namespace orvio::h5

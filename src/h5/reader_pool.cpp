@@ -1,0 +1,80 @@
+// The reader pool.
+
+#include "h5/reader_pool.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "filer/process_state.h"
+#include "h5/status.h"
+
+OH5ReaderPool& OH5ReaderPool::Get() {
+  OH5ReaderPool*& pool = orvio::process().reader_pool;
+  if (!pool) pool = new OH5ReaderPool;  // lives as long as the process: a host may read until the very end
+  return *pool;
+}
+
+/// A path with backslashes and the same path with slashes are one file.
+std::string OH5ReaderPool::KeyOf(const char* file) {
+  std::string key = file;
+  std::ranges::replace(key, '\\', '/');
+  return key;
+}
+
+IOH5Reader* OH5ReaderPool::Request(const char* file, unsigned flags) {
+  const std::string key = KeyOf(file);
+  const auto kept = open_.find(key);
+  if (kept != open_.end() && kept->second) return kept->second;
+  auto reader = std::make_unique<OH5Reader>(key.c_str(), flags);
+  const auto mark = keep_open_.find(key);
+  if (mark != keep_open_.end() && mark->second == 1 && limit_ != 0) Keep(key, reader.get());
+  return reader.release();
+}
+
+int OH5ReaderPool::Release(IOH5Reader*& reader) {
+  if (!reader) return orvio::kFail;
+  if (!Holds(reader)) {
+    delete reader;
+  } else if (open_.size() > limit_) {
+    RemoveOldest();
+  }
+  reader = nullptr;
+  return orvio::kOk;
+}
+
+void OH5ReaderPool::KeepOpen(const char* file, int keep) { keep_open_[KeyOf(file)] = keep; }
+
+bool OH5ReaderPool::Holds(const IOH5Reader* reader) const {
+  return std::ranges::any_of(open_, [reader](const auto& entry) { return entry.second == reader; });
+}
+
+void OH5ReaderPool::Keep(const std::string& key, IOH5Reader* reader) {
+  youngest_ = age_.insert_after(youngest_, reader);
+  open_[key] = reader;
+}
+
+void OH5ReaderPool::Remove(IOH5Reader* reader) {
+  std::erase_if(open_, [reader](const auto& entry) { return entry.second == reader; });
+  age_.remove(reader);
+  youngest_ = age_.before_begin();
+  for (auto next = age_.begin(); next != age_.end(); ++next) youngest_ = next;
+  delete reader;
+}
+
+void OH5ReaderPool::RemoveOldest() {
+  if (!age_.empty()) Remove(age_.front());
+}
+
+void OH5ReaderPool::RemovePath(const char* file) {
+  const auto kept = open_.find(KeyOf(file));
+  if (kept != open_.end()) Remove(kept->second);
+}
+
+void OH5ReaderPool::RemoveReader(const IOH5Reader* reader) {
+  const auto kept = std::ranges::find_if(open_, [reader](const auto& entry) { return entry.second == reader; });
+  if (kept != open_.end()) Remove(kept->second);
+}
+
+void OH5ReaderPool::Clear() {
+  while (!age_.empty()) RemoveOldest();
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+// Where all readers come from and go back to.
+
+#include <forward_list>
+#include <map>
+#include <string>
+
+#include "orvio/oh5_reader.h"
+
+/// Hands out readers by file path and can keep up to a limit of them open between requests. Only files that are
+/// marked stay open; no operation of the library marks one, so a reader lives from request to release.
+class OH5ReaderPool {
+ public:
+  /// The pool of the process, made at the first call.
+  static OH5ReaderPool& Get();
+
+  /// A reader for a file; the caller gives it back with Release. One that failed to open is answered all the
+  /// same: its file id is negative. A kept reader is answered whatever `flags` is asked.
+  IOH5Reader* Request(const char* file, unsigned flags);
+
+  /// Takes a reader back and clears the pointer. 1 when there is none.
+  int Release(IOH5Reader*& reader);
+
+  /// Marks (1) or unmarks (0) a file whose reader may stay open.
+  void KeepOpen(const char* file, int keep);
+
+  /// Removal of readers, for files that are about to be replaced. Each closes what it removes.
+  void RemovePath(const char* file);
+  void RemoveReader(const IOH5Reader* reader);
+  void RemoveOldest();
+  void Clear();
+
+  size_t GetNumOpen() const { return open_.size(); }
+
+ private:
+  static constexpr size_t kMaxOpen = 5;
+
+  static std::string KeyOf(const char* file);
+  bool Holds(const IOH5Reader* reader) const;
+  void Keep(const std::string& key, IOH5Reader* reader);
+  void Remove(IOH5Reader* reader);
+
+  size_t limit_ = kMaxOpen;
+  std::map<std::string, IOH5Reader*> open_;
+  std::forward_list<IOH5Reader*> age_;  // oldest first
+  std::forward_list<IOH5Reader*>::iterator youngest_ = age_.before_begin();
+  std::map<std::string, int> keep_open_;
+};

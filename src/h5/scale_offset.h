@@ -1,0 +1,18 @@
+#pragma once
+
+// When the scale-offset filter may be trusted with data.
+
+#include <hdf5.h>
+
+#include "h5/data_type.h"
+
+namespace orvio::h5 {
+
+/// Whether the filter gives these values back. It answers success for values that it then cannot restore: not
+/// finite ones, and ranges that need the full width of the type once they are scaled by the decimal digits.
+bool ScaleOffsetKeeps(const TypeRow& row, const void* data, hsize_t count, int digits);
+
+/// Whether a dataset's creation list names the filter.
+bool HasScaleOffset(hid_t dataset);
+
+}  // namespace orvio::h5
