@@ -73,18 +73,16 @@ void OH5GetLinkTarget(hid_t loc, const char* name, char* buffer, const H5L_info1
   buffer[0] = '\0';
   orvio::h5::EntryVoid([&] {
     H5L_info1_t fetched = {};
-    if (!info && name) {
-      if (H5Lget_info1(loc, name, &fetched, H5P_DEFAULT) < 0) return;
-      info = &fetched;
-    }
-    if (!info || info->type == H5L_TYPE_HARD) {
+    if (!info && name && H5Lget_info1(loc, name, &fetched, H5P_DEFAULT) < 0) return;
+    const H5L_info1_t* link = info ? info : name ? &fetched : nullptr;
+    if (!link || link->type == H5L_TYPE_HARD) {
       (void)H5Iget_name(loc, buffer, kPathWidth);  // an object without a name has an empty one
       return;
     }
     std::string target;
     std::string file;
-    if (!name || info->u.val_size >= kPathWidth) return;
-    if (orvio::h5::ReadLinkTarget(loc, name, *info, target, file) && target.size() < kPathWidth) {
+    if (!name || link->u.val_size >= kPathWidth) return;
+    if (orvio::h5::ReadLinkTarget(loc, name, *link, target, file) && target.size() < kPathWidth) {
       std::memcpy(buffer, target.c_str(), target.size() + 1);
     }
   });

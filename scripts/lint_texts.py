@@ -1,0 +1,91 @@
+#!/usr/bin/env python3
+"""Looks at the sources as texts, for scripts/lint.
+
+- A word that is stored in files is spelled once, in src/h5/disk_names.h; nowhere else in src/ does it stand in quotes.
+- A comment that begins with QUIRK: names the test that pins it, 'Pinned by Suite.Test', and that test exists.
+- No source of the library is longer than 400 lines.
+"""
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+DISK_NAMES = ROOT / "src/h5/disk_names.h"
+LONGEST = 400
+SUFFIXES = {".h", ".cpp"}
+TEST = re.compile(r"\b(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\)")
+LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
+
+
+def sources(*folders):
+    for folder in folders:
+        yield from sorted(path for path in (ROOT / folder).rglob("*") if path.suffix in SUFFIXES)
+
+
+def code_lines(path):
+    """Numbered lines without their // comments and without #include lines."""
+    for number, line in enumerate(path.read_text().splitlines(), 1):
+        if not line.lstrip().startswith(("#include", "//")):
+            yield number, re.sub(r'^((?:[^"/]|"(?:[^"\\]|\\.)*"|/(?!/))*)//.*', r"\1", line)
+
+
+def disk_words():
+    if not DISK_NAMES.exists():
+        return set()
+    return {word for _, line in code_lines(DISK_NAMES) for word in LITERAL.findall(line) if word}
+
+
+def repeated_disk_words():
+    words = disk_words()
+    for path in sources("src"):
+        if path == DISK_NAMES:
+            continue
+        for number, line in code_lines(path):
+            for word in words.intersection(LITERAL.findall(line)):
+                yield path, number, f'"{word}" is a word of the file format: use orvio::disk'
+
+
+def comment_blocks(path):
+    """Runs of comment lines as (number of the first line, text)."""
+    first, texts = 0, []
+    for number, line in enumerate(path.read_text().splitlines() + [""], 1):
+        match = re.match(r"\s*///?<? ?(.*)", line) or re.match(r".*?\s//[/<]* ?(QUIRK:.*)", line)
+        if match:
+            first = first if texts else number
+            texts.append(match[1].strip())
+        elif texts:
+            yield first, " ".join(texts)
+            texts = []
+
+
+def unpinned_quirks():
+    tests = {f"{suite}.{name}" for path in sources("tests") for suite, name in TEST.findall(path.read_text())}
+    for path in sources("include", "src", "programs"):
+        for number, text in comment_blocks(path):
+            for quirk in re.split(r"(?=QUIRK:)", text):
+                if quirk.startswith("QUIRK:") and "Pinned by" not in quirk:
+                    yield path, number, "a quirk that names no test: 'Pinned by Suite.Test'"
+            for pins in re.findall(r"Pinned by ((?:\w+\.\w+(?:, and |, | and )?)+)", text):
+                for pin in re.findall(r"\w+\.\w+", pins):
+                    if pin not in tests:
+                        yield path, number, f"pinned by {pin}, a test that does not exist"
+            if re.search(r"Pinned by (?!\w+\.\w+)", text):
+                yield path, number, "'Pinned by' without a Suite.Test behind it"
+
+
+def long_sources():
+    for path in sources("src"):
+        length = len(path.read_text().splitlines())
+        if length > LONGEST:
+            yield path, LONGEST + 1, f"{length} lines: split it by what its parts do"
+
+
+def main():
+    faults = [*repeated_disk_words(), *unpinned_quirks(), *long_sources()]
+    for path, number, text in faults:
+        print(f"{path.relative_to(ROOT)}:{number}: {text}")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
