@@ -1,0 +1,159 @@
+// orv info: what a file holds.
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "commands/commands.h"
+#include "commands/table.h"
+#include "reading/file_model.h"
+
+namespace orvio::program {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string VersionText(const ORVFileVersion& version) {
+  return fmt::format("{}.{}.{}", version.m_major, version.m_minor, version.m_patch);
+}
+
+Json ToJson(const VariableInfo& variable) {
+  return {{"name", variable.name},
+          {"key", variable.key},
+          {"class", variable.class_word},
+          {"shape", variable.shape},
+          {"components", variable.components}};
+}
+
+Json ToJson(const StateInfo& state) { return {{"state", state.state}, {"index", state.index}}; }
+
+Json ToJson(const ElementInfo& element) {
+  return {{"type", element.type},
+          {"count", element.count},
+          {"nodes_per_element", element.nodes_per_element},
+          {"dimension", element.dimension},
+          {"part_type", element.part_type},
+          {"node_type", element.node_type}};
+}
+
+Json ToJson(const ResultInfo& result) {
+  Json json = {{"section", result.section},           {"entity", result.entity},       {"variable", result.variable},
+               {"element_values", result.is_element}, {"complex", result.is_complex},  {"type", result.value_type},
+               {"components", result.components},     {"count_min", result.count_min}, {"count_max", result.count_max}};
+  if (result.is_element) json["layers"] = result.layers;
+  if (result.section == "state") json["states"] = result.states;
+  return json;
+}
+
+template <class T>
+Json ListToJson(const std::vector<T>& list) {
+  Json json = Json::array();
+  for (const T& item : list) json.push_back(ToJson(item));
+  return json;
+}
+
+void PrintJson(const FileModel& model) {
+  const Json json = {{"file", model.path},
+                     {"format_version", VersionText(model.version)},
+                     {"states", ListToJson(model.states)},
+                     {"variables", ListToJson(model.variables)},
+                     {"results", ListToJson(model.results)},
+                     {"elements", ListToJson(model.elements)}};
+  fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+}
+
+/// "1-51", "3", "11-13, 20".
+std::string Ranges(const std::vector<int>& states) {
+  std::vector<std::string> ranges;
+  for (std::size_t first = 0; first < states.size();) {
+    std::size_t last = first;
+    while (last + 1 < states.size() && states[last + 1] == states[last] + 1) ++last;
+    ranges.push_back(first == last ? fmt::format("{}", states[first])
+                                   : fmt::format("{}-{}", states[first], states[last]));
+    first = last + 1;
+  }
+  return fmt::format("{}", fmt::join(ranges, ", "));
+}
+
+std::string Counts(const ResultInfo& result) {
+  if (result.count_min == result.count_max) return fmt::format("{}", result.count_max);
+  return fmt::format("{}-{}", result.count_min, result.count_max);
+}
+
+/// Long lists are cut in the middle; --json has them whole.
+void PrintStates(const std::vector<StateInfo>& states) {
+  constexpr std::size_t kShown = 60, kFirst = 40, kLast = 10;
+  Table table({"state", "index values"});
+  for (std::size_t i = 0; i < states.size(); ++i) {
+    if (states.size() > kShown && i == kFirst) {
+      table.Add({"...", fmt::format("({} more)", states.size() - kFirst - kLast)});
+      i = states.size() - kLast;
+    }
+    table.Add({fmt::format("{}", states[i].state), fmt::format("{}", fmt::join(states[i].index, "  "))});
+  }
+  table.Print(fmt::format("States ({})", states.size()));
+}
+
+void PrintVariables(const std::vector<VariableInfo>& variables) {
+  constexpr std::size_t kShown = 12;
+  Table table({"variable", "shape", "class", "components"});
+  for (const VariableInfo& variable : variables) {
+    const std::size_t shown = variable.components.size() > kShown ? kShown : variable.components.size();
+    std::string components = fmt::format(
+        "{}", fmt::join(variable.components.begin(), variable.components.begin() + static_cast<long>(shown), " "));
+    if (shown < variable.components.size()) components += fmt::format(" ... ({})", variable.components.size());
+    table.Add({variable.name, variable.shape, variable.class_word.empty() ? "-" : variable.class_word, components});
+  }
+  table.Print(fmt::format("Variables ({})", variables.size()));
+}
+
+void PrintResults(const std::vector<ResultInfo>& results) {
+  Table table({"result", "of", "count", "components", "type", "where"});
+  for (const ResultInfo& result : results) {
+    const std::string layers = result.is_element ? fmt::format(" x {} layers", result.layers) : "";
+    const std::string where = result.section == "state" ? "states " + Ranges(result.states) : result.section;
+    table.Add({result.variable, result.entity, Counts(result) + layers, fmt::format("{}", result.components),
+               (result.is_complex ? "complex " : "") + result.value_type, where});
+  }
+  table.Print(fmt::format("Results ({})", results.size()));
+}
+
+void PrintElements(const std::vector<ElementInfo>& elements) {
+  Table table({"elements", "count", "nodes each", "dimension"});
+  for (const ElementInfo& element : elements) {
+    table.Add({element.type, fmt::format("{}", element.count), fmt::format("{}", element.nodes_per_element),
+               element.dimension < 0 ? "-" : fmt::format("{}", element.dimension)});
+  }
+  table.Print(fmt::format("Elements ({} types)", elements.size()));
+}
+
+void PrintText(const FileModel& model) {
+  fmt::print("{}\nformat version {}\n", model.path, VersionText(model.version));
+  PrintElements(model.elements);
+  PrintVariables(model.variables);
+  PrintResults(model.results);
+  PrintStates(model.states);
+}
+
+}  // namespace
+
+void AddInfoCommand(CLI::App& app) {
+  auto file = std::make_shared<std::string>();
+  auto json = std::make_shared<bool>(false);
+  CLI::App* command = app.add_subcommand("info", "Tell what a result file holds");
+  command->add_option("file", *file, "Result file")->required();
+  command->add_flag("--json", *json, "Print JSON");
+  command->callback([file, json] {
+    const FileModel model = ReadFileModel(*file);
+    if (*json) {
+      PrintJson(model);
+    } else {
+      PrintText(model);
+    }
+  });
+}
+
+}  // namespace orvio::program

@@ -1,0 +1,24 @@
+// Columns of text for people.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace orvio::program {
+
+/// Rows under a heading, each column as wide as its widest cell. Columns of numbers stand to the right.
+class Table {
+ public:
+  explicit Table(std::vector<std::string> heading) : heading_(std::move(heading)) {}
+
+  void Add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+
+  /// Prints to standard output below a title, or without one when it is empty.
+  void Print(const std::string& title) const;
+
+ private:
+  std::vector<std::string> heading_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+}  // namespace orvio::program

@@ -1,0 +1,146 @@
+// orv values: the values of a variable at a state.
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <cmath>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+#include "commands/commands.h"
+#include "commands/csv.h"
+#include "commands/table.h"
+#include "reading/value_table.h"
+#include "trouble.h"
+
+namespace orvio::program {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr long long kMaxIdRange = 100'000'000;
+
+/// "5", or "7-12".
+void AppendIds(const std::string& text, std::vector<long long>& ids) {
+  long long first = 0, last = 0;
+  const char* end = text.data() + text.size();
+  auto parsed = std::from_chars(text.data(), end, first);
+  last = first;
+  if (parsed.ec == std::errc() && parsed.ptr != end && *parsed.ptr == '-') {
+    parsed = std::from_chars(parsed.ptr + 1, end, last);
+  }
+  if (parsed.ec != std::errc() || parsed.ptr != end || last < first || last - first > kMaxIdRange) {
+    throw CLI::ValidationError("--ids", "\"" + text + "\" is no id and no range of ids such as 7-12");
+  }
+  for (long long id = first; id <= last; ++id) ids.push_back(id);
+}
+
+/// The shortest text that reads back as the same value.
+std::string ValueText(const ValueTable& table, std::size_t row, std::size_t column) {
+  return std::visit([&](const auto& values) { return fmt::format("{}", values[row * table.columns.size() + column]); },
+                    table.values);
+}
+
+/// JSON has no word for values that are not finite.
+Json ValueJson(const ValueTable& table, std::size_t row, std::size_t column) {
+  return std::visit(
+      [&](const auto& values) -> Json {
+        const auto value = values[row * table.columns.size() + column];
+        if (!std::isfinite(value)) return fmt::format("{}", value);
+        return value;
+      },
+      table.values);
+}
+
+std::vector<std::string> Heading(const ValueTable& table) {
+  std::vector<std::string> heading = {"id"};
+  if (table.has_layers) heading.emplace_back("layer");
+  heading.insert(heading.end(), table.columns.begin(), table.columns.end());
+  return heading;
+}
+
+std::vector<std::string> Row(const ValueTable& table, std::size_t row) {
+  std::vector<std::string> cells = {fmt::format("{}", table.ids[row])};
+  if (table.has_layers) cells.push_back(fmt::format("{}", table.layers[row]));
+  for (std::size_t column = 0; column < table.columns.size(); ++column) cells.push_back(ValueText(table, row, column));
+  return cells;
+}
+
+void PrintText(const std::vector<ValueTable>& tables) {
+  for (const ValueTable& table : tables) {
+    Table text(Heading(table));
+    for (std::size_t row = 0; row < table.ids.size(); ++row) text.Add(Row(table, row));
+    text.Print(tables.size() > 1 ? table.entity : "");
+  }
+}
+
+/// With several blocks the entity type is the first column.
+void PrintCsv(const std::vector<ValueTable>& tables) {
+  const auto line = [&](const std::string& entity, std::vector<std::string> fields) {
+    if (tables.size() > 1) fields.insert(fields.begin(), entity);
+    PrintCsvLine(fields);
+  };
+  for (const ValueTable& table : tables) {
+    line("entity", Heading(table));
+    for (std::size_t row = 0; row < table.ids.size(); ++row) line(table.entity, Row(table, row));
+  }
+}
+
+Json ToJson(const ValueTable& table) {
+  Json rows = Json::array();
+  for (std::size_t row = 0; row < table.ids.size(); ++row) {
+    Json values = Json::array();
+    for (std::size_t column = 0; column < table.columns.size(); ++column)
+      values.push_back(ValueJson(table, row, column));
+    Json entry = {{"id", table.ids[row]}};
+    if (table.has_layers) entry["layer"] = table.layers[row];
+    entry["values"] = std::move(values);
+    rows.push_back(std::move(entry));
+  }
+  return {{"entity", table.entity},
+          {"variable", table.variable},
+          {"state", table.state},
+          {"columns", table.columns},
+          {"rows", std::move(rows)}};
+}
+
+void PrintJson(const std::string& file, const std::vector<ValueTable>& tables) {
+  Json json = {{"file", file}, {"blocks", Json::array()}};
+  for (const ValueTable& table : tables) json["blocks"].push_back(ToJson(table));
+  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+}
+
+struct Options {
+  ValueRequest request;
+  int state = 0;
+  std::vector<std::string> ids;
+  bool csv = false, json = false;
+};
+
+void Run(Options& options, bool has_state) {
+  if (has_state) options.request.state = options.state;
+  for (const std::string& id : options.ids) AppendIds(id, options.request.ids);
+  const std::vector<ValueTable> tables = ReadValueTables(options.request);
+  if (options.json) return PrintJson(options.request.file, tables);
+  options.csv ? PrintCsv(tables) : PrintText(tables);
+}
+
+}  // namespace
+
+void AddValuesCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("values", "Print the values of a variable at a state");
+  command->add_option("file", options->request.file, "Result file")->required();
+  command->add_option("--var", options->request.variable, "Variable, as orv info names it")->required();
+  CLI::Option* state = command->add_option("--state", options->state, "State from 1; 0 or none for constant values");
+  command->add_option("--component", options->request.component, "Component by name or by number from 1");
+  command->add_option("--entity", options->request.entity, "Only values of this entity or element type");
+  command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")->delimiter(',');
+  CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
+  command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
+  command->callback([options, state] { Run(*options, state->count() > 0); });
+}
+
+}  // namespace orvio::program

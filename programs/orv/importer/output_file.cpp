@@ -1,0 +1,70 @@
+// Output under a working name.
+
+#include "importer/output_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "trouble.h"
+
+namespace orvio::program {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path FolderOf(const fs::path& path) { return path.has_parent_path() ? path.parent_path() : fs::path("."); }
+
+/// Makes an empty file of its own next to the final one, so that the change of name stays inside one file system.
+std::string MakeWorkingFile(const fs::path& path) {
+  const std::string pattern = (FolderOf(path) / ("." + path.filename().string() + ".XXXXXX")).string();
+  std::vector<char> name(pattern.begin(), pattern.end());
+  name.push_back('\0');
+  const int file = mkstemp(name.data());
+  if (file < 0) {
+    throw Trouble(path.string(), std::string("cannot be created: ") + std::strerror(errno),
+                  "choose a folder that exists and that you may write to");
+  }
+  const mode_t mask = umask(0);
+  umask(mask);
+  (void)fchmod(file, 0666 & ~mask);  // as any new file has it; the private mode of a temporary one also works
+  close(file);
+  return name.data();
+}
+
+bool SyncToDisk(const std::string& path) {
+  const int file = open(path.c_str(), O_RDONLY);
+  if (file < 0) return false;
+  const bool synced = fsync(file) == 0;
+  return close(file) == 0 && synced;
+}
+
+}  // namespace
+
+OutputFile::OutputFile(fs::path path) : path_(std::move(path)) {
+  std::error_code error;
+  if (fs::exists(path_, error) && !fs::is_regular_file(path_, error)) {
+    throw Trouble(path_.string(), "is not a file", "choose another name for the output");
+  }
+  working_ = MakeWorkingFile(path_);
+}
+
+OutputFile::~OutputFile() {
+  if (!committed_) (void)unlink(working_.c_str());  // nothing more can be done about a file that will not go
+}
+
+void OutputFile::Commit() {
+  if (!SyncToDisk(working_) || std::rename(working_.c_str(), path_.c_str()) != 0) {
+    throw Trouble(path_.string(), std::string("cannot be written: ") + std::strerror(errno),
+                  "check the free space and your permissions in its folder");
+  }
+  committed_ = true;
+  (void)SyncToDisk(FolderOf(path_).string());  // makes the name durable where the file system supports it
+}
+
+}  // namespace orvio::program

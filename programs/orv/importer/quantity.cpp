@@ -1,0 +1,86 @@
+// Naming and classing of results.
+
+#include "importer/quantity.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace orvio::program {
+namespace {
+
+constexpr int kVectorComponent = 2;
+constexpr int kTensorComponent = 4;
+
+/// Results that have a usual name or class; all others keep their names.
+struct KnownResult {
+  std::string_view result;
+  std::string_view name;
+  std::string_view class_word;
+};
+
+constexpr KnownResult kKnownResults[] = {
+    {"DISP", "Translational_Displacement", "CLASS_LENGTH"},
+    {"STRESS", "STRESS", "CLASS_STRESS"},
+    {"TOSTRAIN", "TOSTRAIN", "CLASS_STRAIN"},
+    {"MESTRAIN", "MESTRAIN", "CLASS_STRAIN"},
+};
+
+/// Words that end a walk through the groups of a file: no group of ours may have such a name.
+constexpr std::string_view kReserved[] = {"orvblock", "header", "data", "index", ".", "..", ""};
+
+/// A name that can stand in a path.
+std::string GroupName(std::string name) {
+  std::ranges::replace(name, '/', '_');
+  if (std::ranges::find(kReserved, name) != std::end(kReserved)) name += "_";
+  return name;
+}
+
+std::vector<const frd::Component*> Stored(const frd::Result& result) {
+  std::vector<const frd::Component*> stored;
+  for (const frd::Component& component : result.components) {
+    if (component.stored) stored.push_back(&component);
+  }
+  return stored;
+}
+
+int TensorRank(const std::vector<const frd::Component*>& components) {
+  const auto all_of = [&](int type) {
+    return std::ranges::all_of(components, [type](const frd::Component* c) { return c->type == type; });
+  };
+  if (components.size() == 3 && all_of(kVectorComponent)) return 1;
+  if (components.size() == 6 && all_of(kTensorComponent)) return 2;
+  return 0;
+}
+
+Quantity Describe(const frd::Result& result, bool is_complex) {
+  const auto* known = std::ranges::find(kKnownResults, std::string_view(result.name), &KnownResult::result);
+  const bool is_known = known != std::end(kKnownResults);
+  const auto stored = Stored(result);
+  Quantity quantity;
+  quantity.name = (is_complex ? "Complex_" : "") + GroupName(is_known ? std::string(known->name) : result.name);
+  quantity.class_word = is_known ? std::string(known->class_word) : std::string();
+  quantity.tensor_rank = TensorRank(stored);
+  for (const frd::Component* component : stored) quantity.components.push_back(component->name);
+  return quantity;
+}
+
+}  // namespace
+
+Quantity CoordinateQuantity() { return {"COORDINATE", "CLASS_LENGTH", 1, {"X", "Y", "Z"}}; }
+
+const Quantity& QuantityTable::Find(const frd::Result& result, bool is_complex, bool& is_new) {
+  Quantity wanted = Describe(result, is_complex);
+  const std::string plain = wanted.name;
+  for (int variant = 1;; ++variant) {
+    if (variant > 1) wanted.name = plain + "_" + std::to_string(variant);
+    if (used_in_state_.contains(wanted.name)) continue;
+    const auto [entry, inserted] = quantities_.try_emplace(wanted.name, wanted);
+    const Quantity& known = entry->second;
+    if (known.components != wanted.components || known.tensor_rank != wanted.tensor_rank) continue;
+    used_in_state_.insert(wanted.name);
+    is_new = inserted;
+    return known;
+  }
+}
+
+}  // namespace orvio::program
