@@ -18,7 +18,10 @@ std::string CsvField(const std::string& text) {
 
 void PrintCsvLine(const std::vector<std::string>& fields) {
   std::string line;
-  for (std::size_t i = 0; i < fields.size(); ++i) line += (i > 0 ? "," : "") + CsvField(fields[i]);
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (i > 0) line += ',';
+    line += CsvField(fields[i]);
+  }
   fmt::print("{}\n", line);
 }
 

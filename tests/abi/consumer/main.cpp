@@ -2,6 +2,7 @@
 #include <orvio/orvio.h>
 
 int main() {
-  ORVFiler filer;
-  return filer.InitReader("no such file") == 0 ? 1 : 0;
+  ORVFiler filer("no such file");
+  int states = -1;
+  return ReadNumState(filer.GetFilePath(), &states) == 1 && states == 0 ? 0 : 1;
 }
