@@ -152,7 +152,7 @@ int ORVBlock::OH5Read_FLOAT(hid_t loc, const char* name, int rank, hsize_t* dims
 }
 
 int ORVBlock::OH5Read_CHAR(hid_t loc, const char* name, int rank, hsize_t* dims, int size, char* buffer) {
-  if (rank < 0 || rank >= H5S_MAX_RANK || size < 1) return kFail;
+  if (rank < 0 || rank >= H5S_MAX_RANK || size < 1 || (rank > 0 && !dims)) return kFail;
   hsize_t with_size[H5S_MAX_RANK] = {};
   if (rank > 0) std::copy_n(dims, rank, with_size);
   with_size[rank] = static_cast<hsize_t>(size);

@@ -1,0 +1,115 @@
+// Writing of an element connectivity block, in the order of the format page. The unit tables of the float parameters
+// and the incremental flag are read from other writers' files; this library never writes them.
+
+#include <string>
+
+#include "block/block_write.h"
+#include "entity/connectivity.h"
+#include "filer/process_state.h"
+#include "h5/disk_names.h"
+#include "h5/entry.h"
+#include "h5/file_access.h"
+#include "h5/group_paths.h"
+#include "h5/header_io.h"
+#include "h5/status.h"
+#include "h5/text_field.h"
+#include "orvio/oh5_io.h"
+#include "orvio/orv_ele_connectivity.h"
+
+using namespace orvio;
+
+int ORVEleConnectivity::WriteHeader(hid_t header) {
+  h5::HeaderWriter out(header);
+  out.integer(disk::block, m_BlkKey);
+  out.text(disk::blocktype, disk::connectivities);
+  out.text(disk::etypelem, m_etypelem);
+  out.text(disk::etyppart, m_etyppart);
+  out.text(disk::etypnode, m_etypnode);
+  out.integer(disk::nele, m_nele);
+  out.integer(disk::npele, m_npele);
+  if (m_ndim != kUnknownDim) out.integer(disk::ndim, m_ndim);
+  out.integer(disk::nbint, m_nbint);
+  out.integer(disk::nbfloat, m_nbfloat);
+  out.integer(disk::nindex, m_nindex);
+  // Readers build the generic entity types from it: without one, every element type stands for itself.
+  if (process().g_nWriterVersion > ORV_VERSION_1_2) out.text(disk::etyp, *m_etyp ? m_etyp : m_etypelem);
+  return out.status();
+}
+
+int ORVEleConnectivity::WriteData(hid_t data) {
+  if (m_nele < 1 || m_npele < 1 || m_nbint < 0 || m_nbfloat < 0) return kFail;
+  const hsize_t one[] = {static_cast<hsize_t>(m_nele)};
+  const hsize_t rows[] = {one[0], static_cast<hsize_t>(m_npele)};
+  const hsize_t int_rows[] = {one[0], static_cast<hsize_t>(m_nbint)};
+  const hsize_t float_rows[] = {one[0], static_cast<hsize_t>(m_nbfloat)};
+  // QUIRK: only the last write tells; one before it may fail without a word. Solvers leave out element or part ids by
+  // a null buffer and go on at 0; they would stop at any other answer. Pinned by
+  // ConnectivityWrite.ReportsOnlyTheLastDataset.
+  (void)OH5Write_INT(data, disk::idele, 1, one, m_ideleType, m_idele);
+  (void)OH5Write_INT(data, disk::pid, 1, one, m_pidType, m_pid);
+  int status = OH5Write_INT(data, disk::ic, 2, rows, m_icType, m_ic);
+  if (m_nbint != 0) status = OH5Write_INT(data, disk::iparam, 2, int_rows, m_iparamType, m_iparam);
+  if (m_nbfloat != 0) status = OH5Write_FLOAT(data, disk::fparam, 2, float_rows, m_fparamType, m_fparam);
+  return status;
+}
+
+int ORVEleConnectivity::WriteIndex(hid_t index) {
+  if (index < 0 || m_nindex < 1) return kFail;
+  return WriteIndexComm(index, static_cast<hsize_t>(m_nindex), 0, 1, m_indexidentType, m_indexident, m_indexvalType,
+                        m_indexval);
+}
+
+namespace {
+
+/// The file and its "connectivities", of a state or of the constant section. In a state that is there the group is
+/// made when it is missing; a state is never made.
+struct Home {
+  h5::WriteFile file{h5::File()};
+  h5::Group connectivities;
+};
+
+Home OpenInState(const char* path, int state) {
+  hid_t file = H5I_INVALID_HID;
+  hid_t section = H5I_INVALID_HID;
+  hid_t state_group = H5I_INVALID_HID;
+  if (OH5OpenStateGroup(path, state - 1, &file, &section, &state_group, false) != kOk) return {};
+  Home home;
+  home.file = h5::WriteFile(h5::File(file));
+  const h5::Group opened_section(section);
+  const h5::Group opened_state(state_group);
+  home.connectivities = h5::OpenOrCreateGroup(opened_state.get(), disk::connectivities);
+  return home;
+}
+
+Home OpenInConstant(const char* path) {
+  Home home;
+  home.file = h5::WriteFile(h5::OpenFile(path, process().g_nReadAccess));
+  if (home.file) {
+    home.connectivities = h5::OpenGroup(home.file.get(), h5::GroupPath(h5::kConnectivities).c_str());
+  }
+  return home;
+}
+
+/// Writes the block below `parent` if its name is free there.
+[[nodiscard]] int WriteNew(ORVEleConnectivity& block, hid_t parent, int state, int mode) {
+  const std::string name(Content(block.m_etypelem));
+  if (h5::LinkExists(parent, name.c_str())) return kFail;
+  BlockParts parts(parent, name.c_str(), mode);
+  if (!parts) return kFail;
+  return parts.Close(WriteStages(block, parts, state != 0 ? mode : mode & ~ORV_WRITE_INDEX));
+}
+
+}  // namespace
+
+int ORVEleConnectivity::WriteBlock(const char* path, int state, int mode) {
+  if (!path) return kFail;
+  return h5::Entry(kFail, [&] {
+    const WriteAccess access;
+    process().g_hLastFile = H5I_INVALID_HID;
+    Home home = state < 1 ? OpenInConstant(path) : OpenInState(path, state);
+    if (!home.connectivities) return kFail;
+    int status = WriteNew(*this, home.connectivities.get(), state, mode);
+    if (!home.connectivities.Close() && status == kOk) status = kFail;
+    return home.file.Finish(status);
+  });
+}
