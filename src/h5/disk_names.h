@@ -42,6 +42,10 @@ inline constexpr char mbunit[] = "mbunit", mdunit[] = "mdunit", ubid[] = "ubid",
 inline constexpr char udid[] = "udid", udexp[] = "udexp", cname[] = "cname", cid[] = "cid";
 inline constexpr char subscr[] = "subscr", subscnt[] = "subscnt", subsoffs[] = "subsoffs", vmap[] = "vmap";
 
+// Words of the class of a variable
+inline constexpr char CLASS_STRESS[] = "CLASS_STRESS", CLASS_STRAIN[] = "CLASS_STRAIN";
+inline constexpr char CLASS_LENGTH[] = "CLASS_LENGTH", CLASS_ANGLE[] = "CLASS_ANGLE";
+
 // Words that stand in place of an empty name, and prefixes inside names
 inline constexpr char ZONE[] = "ZONE", FRAME[] = "FRAME", TIMESERIES1[] = "TIMESERIES1";
 inline constexpr char LOADCASE_[] = "LOADCASE_", state_[] = "state";

@@ -1,0 +1,44 @@
+#pragma once
+
+// What the variable that is associated with a result block tells about the components of its values.
+
+#include <optional>
+#include <vector>
+
+#include "orvio/orv_ext_var.h"
+#include "orvio/orv_result.h"
+#include "orvio/orv_variable.h"
+
+namespace orvio {
+
+/// Consecutive components of a value.
+struct ComponentRun {
+  int count;
+  int offset;
+
+  bool FitsInto(std::int64_t components) const {
+    return count > 0 && offset >= 0 && std::int64_t{count} + offset <= components;
+  }
+};
+
+/// The answers of a block's association. A block without one knows of no component.
+class ResultDefinition {
+ public:
+  explicit ResultDefinition(const ORVResult& block) : variable_(block.m_variable) {}
+
+  /// The components of the variable of that name.
+  std::optional<ComponentRun> FindRun(const char* name) const;
+  /// The handle with an internal id, or with an external one; null when there is none.
+  ORVExtVar* FindHandle(int id, bool by_iid) const;
+  /// Appends external id and measure of each handle.
+  void AppendTypes(std::vector<int>& eids, std::vector<int>& types) const;
+  /// Adds the stored components of the variable of that name as inputs. False when there is none.
+  bool FillDependent(const char* name, ORVDependentVar& dependent) const;
+  /// The variable if it has the tables of its components, which hosts fill; else null.
+  ORVVariable* VariableWithTables() const;
+
+ private:
+  ORVVariable* variable_;
+};
+
+}  // namespace orvio

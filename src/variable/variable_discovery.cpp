@@ -1,0 +1,112 @@
+// The walk over the variables of a file. One scratch variable is read over and over: its header gives the counts, the
+// tables are made, its data fill them, and a copy takes them over.
+
+#include "variable/variable_discovery.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "h5/disk_names.h"
+#include "h5/entry.h"
+#include "h5/extents.h"
+#include "h5/file_access.h"
+#include "h5/status.h"
+#include "orvio/orv_variable.h"
+#include "variable/variable_buffers.h"
+
+namespace orvio {
+namespace {
+
+/// Elements of a dataset that are there, and not only claimed by its extents: a dataset of any extents may have no
+/// bytes at all, and would be read as zeros. Nothing is stored in less than a byte unless it was compressed, and no
+/// variable is so large that it would have to be.
+std::uint64_t StoredElements(hid_t data, const char* name) {
+  const h5::Dataset dataset = h5::LinkExists(data, name) ? h5::OpenDataset(data, name) : h5::Dataset();
+  const auto extents = dataset ? h5::ExtentsOfDataset(dataset.get()) : std::nullopt;
+  return extents ? std::min<std::uint64_t>(extents->points, H5Dget_storage_size(dataset.get())) : 0;
+}
+
+StoredExtents StoredExtentsIn(hid_t data) {
+  StoredExtents stored;
+  for (const char* column : {disk::cname, disk::cid, disk::mbunit, disk::mdunit, disk::subscnt, disk::subsoffs}) {
+    stored.components = std::max(stored.components, StoredElements(data, column));
+  }
+  stored.label_bytes = StoredElements(data, disk::subscr);
+  stored.map_values = StoredElements(data, disk::vmap);
+  return stored;
+}
+
+/// The scratch variable of a walk, and where its copies go.
+class VariableScan : public ORVVariable {
+ public:
+  explicit VariableScan(std::vector<ORVVariable*>& found) : found_(found) {}
+  VariableScan(const VariableScan&) = delete;
+  VariableScan& operator=(const VariableScan&) = delete;
+  ~VariableScan() override { FreeBuffers(*this); }
+
+  /// What a variable lacks must not be that of the one before it.
+  int ReadHeader(hid_t header, int flags) override {
+    Forget();
+    return ORVVariable::ReadHeader(header, flags);
+  }
+
+  _ORVAction HeaderWasRead(int status) {
+    if (status != kOk || m_ncoo == 0) return ORV_ACTION_SKIP;
+    const StoredExtents stored = NeedsStoredExtents(*this) ? StoredExtentsOfThis() : StoredExtents();
+    return AllocateBuffers(*this, stored) ? ORV_ACTION_CONTINUE : ORV_ACTION_SKIP;
+  }
+
+  _ORVAction DataWereRead(int status) {
+    if (status == kOk && m_ncoo != 0) {
+      auto copy = std::make_unique<ORVVariable>(*this);
+      found_.push_back(copy.get());
+      copy.release();  // NOLINT(bugprone-unused-return-value): the list has it now, and the tables with it
+      ReSetBlock(ORV_READ_DATA);
+    }
+    Forget();
+    return ORV_ACTION_CONTINUE;
+  }
+
+  bool out_of_memory = false;
+
+ private:
+  void Forget() {
+    FreeBuffers(*this);
+    ReSetBlock(ORV_READ_HEADER);
+    m_lenb = m_lend = 0;
+  }
+
+  /// The datasets stand beside the header in the single layout, in "data" in the split one.
+  StoredExtents StoredExtentsOfThis() const {
+    const bool single = GetBlkVersion() == ORV_BLK_VERSION_SINGLE;
+    const h5::Group data =
+        h5::OpenGroup(GetH5Reader()->GetFileId(), single ? m_BlkPath.c_str() : (m_BlkPath + "/" + disk::data).c_str());
+    return data ? StoredExtentsIn(data.get()) : StoredExtents();
+  }
+
+  std::vector<ORVVariable*>& found_;
+};
+
+/// The walk runs inside HDF5's iteration: no exception may leave.
+_ORVAction TakeVariable(int status, int stage, void* /*name*/, void* block) {
+  auto& scan = *static_cast<VariableScan*>(static_cast<ORVBlock*>(block));
+  scan.out_of_memory = true;
+  const _ORVAction answer = h5::Entry(ORV_ACTION_STOP, [&] {
+    const _ORVAction next = stage == ORV_READ_HEADER ? scan.HeaderWasRead(status) : scan.DataWereRead(status);
+    scan.out_of_memory = false;
+    return next;
+  });
+  return answer;
+}
+
+}  // namespace
+
+int ReadVariables(const char* file, std::vector<ORVVariable*>& variables) {
+  return h5::Entry(kFail, [&] {
+    VariableScan scan(variables);
+    const int status = scan.IterateBlock(file, 0, ORV_READ_HEADER | ORV_READ_DATA, TakeVariable);
+    return scan.out_of_memory ? kFail : status;
+  });
+}
+
+}  // namespace orvio
