@@ -204,6 +204,9 @@ class ORVIO_EXPORT ORVResult : public ORVBlock {
   /// Measure of the block's values as a whole: 0 scalar, 50 vector, 51 and 55 tensor. Needs tables of a host.
   int GetBlockComponentType(int index);
   int GetVariableComputeTypeFrmIId(int id, bool byIID);  ///< measure of a handle
+  /// Kind of motion that the name of the variable stands for: 1 displacement, 2 velocity, 3 acceleration, else 0. The
+  /// name is that of the associated variable, or the block's own without one.
+  int GetVariableType();
   /// Measure and component count to read for a result type: of the first measure of a whole value from its position on.
   /// 1 when there is none.
   int GetResultTypeToReadAllComponent(int type, _ORVComputeType& computeType, int& nCmp, int& outType);

@@ -105,6 +105,11 @@ std::string LinkName(hid_t group, hsize_t index, size_t width) {
   return name;
 }
 
+size_t LinkNameLength(hid_t group, hsize_t index) {
+  const ssize_t length = H5Lget_name_by_idx(group, ".", H5_INDEX_NAME, H5_ITER_INC, index, nullptr, 0, GroupAccess());
+  return length < 0 ? 0 : static_cast<size_t>(length);
+}
+
 int WriteFile::Finish(int status) {
   const bool flushed = file_ && H5Fflush(file_.get(), H5F_SCOPE_GLOBAL) >= 0;
   const bool closed = file_.Close();

@@ -44,6 +44,9 @@ hssize_t CountLinks(hid_t group);
 /// Name of the link with a 0-based index, by name; empty when there is none or when it does not fit `width` bytes.
 std::string LinkName(hid_t group, hsize_t index, size_t width = disk::kNameWidth);
 
+/// Length of that name; 0 when there is none.
+size_t LinkNameLength(hid_t group, hsize_t index);
+
 /// A file open for writing. Ends with Finish on the good way; on every other the file is closed all the same.
 class WriteFile {
  public:

@@ -31,7 +31,7 @@ bool HasYear(const FileHeader& header) {
 bool TakeNumber(std::string_view& text, int& number) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
   const bool negative = text.starts_with('-');
-  if (text.starts_with('+')) text.remove_prefix(1);
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error == std::errc::invalid_argument) return false;
   if (error == std::errc::result_out_of_range) {

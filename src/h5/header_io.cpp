@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "h5/entry.h"
 #include "h5/status.h"
 #include "orvio/oh5_io.h"
 
@@ -36,7 +37,9 @@ void Field::SetAbsent(std::int64_t number) const {
 HeaderReader::HeaderReader(IOH5Reader* reader, hid_t header)
     : reader_(reader), header_(header), status_(reader ? kOk : kFail) {}
 
-bool HeaderReader::Has(const char* name) const { return H5Aexists(header_, name) > 0; }
+bool HeaderReader::Has(const char* name) const {
+  return Entry(false, [&] { return H5Aexists(header_, name) > 0; });
+}
 
 void HeaderReader::required(const char* name, Field member) {
   if (ok()) status_ = member.Read(*reader_, header_, name);

@@ -197,7 +197,7 @@ void OH5Reader::ListGroupLinks(hid_t group, std::vector<std::string>& names, std
   const hssize_t count = h5::CountLinks(group);
   for (hssize_t i = 0; i < count; ++i) {
     const auto index = static_cast<hsize_t>(i);
-    const std::string name = h5::LinkName(group, index);
+    const std::string name = h5::LinkName(group, index, h5::LinkNameLength(group, index) + 1);
     H5O_info1_t info = {};
     info.type = H5O_TYPE_UNKNOWN;  // stays for a link that leads nowhere
     // Opened by name and not asked for by position: that call would follow links into other files.

@@ -65,14 +65,17 @@ Dataset CreateGrowing(const Growth& growth, hid_t type) {
 }
 
 /// How an existing dataset grows. Without `extent` numbers grow by one along the second axis, of which rank 1 has
-/// none; texts always grow by what is written.
-void Enlarge(const Growth& growth, hsize_t* dims) {
+/// none; texts always grow by what is written. False when an extent would wrap around.
+bool Enlarge(const Growth& growth, hsize_t* dims) {
   if (growth.row && !growth.extent) {
     if (growth.rank > 1) dims[1] += 1;
-    return;
+    return true;
   }
   const hsize_t* by = growth.row ? growth.extent : growth.count;
-  for (int i = 0; i < growth.rank; ++i) dims[i] += by[i];
+  for (int i = 0; i < growth.rank; ++i) {
+    if (__builtin_add_overflow(dims[i], by[i], &dims[i])) return false;
+  }
+  return true;
 }
 
 Dataset OpenGrowing(const Growth& growth, hsize_t* dims) {
@@ -99,8 +102,9 @@ Dataset OpenGrowing(const Growth& growth, hsize_t* dims) {
     return Dataset();
   }
   std::copy_n(stored->dims, stored->rank, dims);
-  Enlarge(growth, dims);
-  return dataset;
+  if (Enlarge(growth, dims)) return dataset;
+  (void)WriteFailed(growth);
+  return Dataset();
 }
 
 /// The selected element count must be that of the memory space, which is `count`.
@@ -151,8 +155,7 @@ int WriteGrowing(const Growth& growth) {
   if (!exists) dataset = CreateGrowing(growth, type.get());
   if (!dataset) return WriteFailed(growth);
   if (exists && !IsExtendable(dataset.get())) return WriteFailed(growth);
-  if (exists && HasScaleOffset(dataset.get()) && growth.row &&
-      !ScaleOffsetKeeps(*growth.row, growth.data, *points, process().compression.g_nCompressionDigits)) {
+  if (exists && growth.row && !StoredFilterKeeps(dataset.get(), *growth.row, growth.data, *points)) {
     return WriteFailed(growth);
   }
   return WriteSelected(std::move(dataset), growth, dims, type.get());

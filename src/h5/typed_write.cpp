@@ -99,8 +99,7 @@ int WriteOverNumbers(const Write& write, const TypeRow& row) {
   if (stored->rank > std::max(write.rank, 0) || !BufferCovers(*stored, write)) {
     return Fail("%s::\n\t \"%s\" can not reduce original size", write.who, write.name);
   }
-  if (HasScaleOffset(dataset.get()) &&
-      !ScaleOffsetKeeps(row, write.data, stored->points, process().compression.g_nCompressionDigits)) {
+  if (!StoredFilterKeeps(dataset.get(), row, write.data, stored->points)) {
     return Fail("%s::\n\t Failed to write ::\"%s\"", write.who, write.name);
   }
   return WriteAndClose(std::move(dataset), write, row.native());

@@ -5,7 +5,9 @@
 
 #include "h5/entry.h"
 #include "h5/status.h"
+#include "h5/text_field.h"
 #include "result/result_definition.h"
+#include "variable/variable_type.h"
 
 using namespace orvio;
 
@@ -108,6 +110,8 @@ int ORVResult::GetBlockComponentType(int index) {
     return m_ncoo == 6 ? kSixComponents : kNone;
   });
 }
+
+int ORVResult::GetVariableType() { return FindVariableType(Content(m_variable ? m_variable->m_varnam : m_etypvar)); }
 
 int ORVResult::GetVariableComputeTypeFrmIId(int id, bool byIID) {
   return h5::Entry(kNone, [&] {

@@ -226,4 +226,14 @@ TEST_F(ComponentTypes, CountWhatToReadFromTheTypeOnwards) {
   EXPECT_EQ(count, 1);
 }
 
+TEST_F(ComponentTypes, KindOfMotionComesFromTheAssociatedVariableFirst) {
+  block_.SetEntityAndVarName("NODE", "accel");
+  EXPECT_EQ(block_.GetVariableType(), 0);  // the variable is named "V"
+  block_.m_variable = nullptr;
+  EXPECT_EQ(block_.GetVariableType(), 3);
+  VariableWithHandles velocity("VELO", 3);
+  block_.m_variable = velocity.get();
+  EXPECT_EQ(block_.GetVariableType(), 2);
+}
+
 }  // namespace
