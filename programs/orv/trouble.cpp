@@ -1,4 +1,4 @@
-// The library's own words about a failure.
+// Words about a failure.
 
 #include "trouble.h"
 
@@ -9,12 +9,24 @@
 
 namespace orvio::program {
 
+namespace {
+
+/// Names come from files: a line end in one would make two lines of a message, and worse could reach a terminal.
+std::string OneLine(std::string text) {
+  const auto is_control = [](unsigned char c) { return std::iscntrl(c) != 0; };
+  std::ranges::replace_if(text, is_control, ' ');
+  return text;
+}
+
+}  // namespace
+
+Trouble::Trouble(const std::string& file, const std::string& what, const std::string& advice)
+    : std::runtime_error(OneLine(file + ": " + what + "; " + advice)) {}
+
 std::string LibraryText(const std::string& otherwise) {
-  std::string text = ORVGetLastErrorText();
-  std::ranges::replace_if(
-      text, [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+  std::string text = OneLine(ORVGetLastErrorText());
   const auto is_double_blank = [](char a, char b) { return a == ' ' && b == ' '; };
-  text.erase(std::ranges::unique(text, is_double_blank).begin(), text.end());
+  text.erase(std::unique(text.begin(), text.end(), is_double_blank), text.end());
   return text.empty() ? otherwise : text;
 }
 

@@ -46,8 +46,9 @@ void PrintCsv(const std::vector<ElementTable>& tables) {
     if (tables.size() > 1) fields.insert(fields.begin(), type);
     PrintCsvLine(fields);
   };
+  std::vector<std::string> heading;
   for (const ElementTable& table : tables) {
-    line("type", Heading(table));
+    if (heading != Heading(table)) line("type", heading = Heading(table));
     for (std::size_t row = 0; row < table.ids.size(); ++row) line(table.type, Row(table, row));
   }
 }

@@ -23,6 +23,11 @@ void Import(const FrdImportOptions& options, bool quiet) {
   if (!IsFrdName(options.input.string())) {
     throw Trouble(options.input.string(), "is of a kind that cannot be imported", "give a .frd or .frd.gz file");
   }
+  // The output would take the place of its own input.
+  std::error_code error;
+  if (std::filesystem::equivalent(options.input, options.output, error)) {
+    throw Trouble(options.output.string(), "is the file to import", "choose another name for the output");
+  }
   const FrdImportSummary summary = ImportFrd(options);
   if (quiet) return;
   fmt::print(stderr, "{}: {} nodes, {} elements, {} states, {} variables\n", options.output.string(), summary.nodes,

@@ -82,8 +82,9 @@ void PrintCsv(const std::vector<ValueTable>& tables) {
     if (tables.size() > 1) fields.insert(fields.begin(), entity);
     PrintCsvLine(fields);
   };
+  std::vector<std::string> heading;
   for (const ValueTable& table : tables) {
-    line("entity", Heading(table));
+    if (heading != Heading(table)) line("entity", heading = Heading(table));
     for (std::size_t row = 0; row < table.ids.size(); ++row) line(table.entity, Row(table, row));
   }
 }

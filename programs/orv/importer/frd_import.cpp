@@ -137,15 +137,18 @@ class Translation {
     }
   }
 
-  /// Writes what was collected of one state and empties it.
+  /// Writes what was collected of one state and empties it. A state without any value leaves nothing to write, and
+  /// does not count: the next one takes its number.
   void WriteState(std::vector<frd::Result>& state) {
+    std::erase_if(state, [](const frd::Result& result) { return result.ids.empty() || result.values.empty(); });
+    if (state.empty()) return;
     const frd::Result& first = state.front();
     const StateIndex index{++summary_.states, first.value, first.step ? first.step->step : 0};
     progress_.Show(reader_.fraction(), fmt::format("state {}", index.state));
     quantities_.BeginState();
     std::vector<bool> joined(state.size(), false);
     for (std::size_t i = 0; i < state.size(); ++i) {
-      if (joined[i] || state[i].ids.empty() || state[i].values.empty()) continue;
+      if (joined[i]) continue;
       frd::Result* imaginary = FindImaginaryPart(state, i, joined);
       WriteResult(index, state[i], imaginary);
     }

@@ -3,6 +3,7 @@
 #include "importer/quantity.h"
 
 #include <algorithm>
+#include <cctype>
 #include <iterator>
 
 namespace orvio::program {
@@ -43,6 +44,9 @@ std::vector<const frd::Component*> Stored(const frd::Result& result) {
   return stored;
 }
 
+/// The solver writes contact openings, slips and pressures with the component types of a tensor, which they are not.
+bool IsTensorInNameOnly(const frd::Result& result) { return result.name == "CONTACT" || result.name == "CONTACTI"; }
+
 int TensorRank(const std::vector<const frd::Component*>& components) {
   const auto all_of = [&](int type) {
     return std::ranges::all_of(components, [type](const frd::Component* c) { return c->type == type; });
@@ -59,9 +63,15 @@ Quantity Describe(const frd::Result& result, bool is_complex) {
   Quantity quantity;
   quantity.name = (is_complex ? "Complex_" : "") + GroupName(is_known ? std::string(known->name) : result.name);
   quantity.class_word = is_known ? std::string(known->class_word) : std::string();
-  quantity.tensor_rank = TensorRank(stored);
+  quantity.tensor_rank = IsTensorInNameOnly(result) ? 0 : TensorRank(stored);
   for (const frd::Component* component : stored) quantity.components.push_back(component->name);
   return quantity;
+}
+
+/// Names that differ in case only are one name to the readers of a result file.
+std::string Folded(std::string name) {
+  std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return name;
 }
 
 }  // namespace
@@ -73,11 +83,13 @@ const Quantity& QuantityTable::Find(const frd::Result& result, bool is_complex, 
   const std::string plain = wanted.name;
   for (int variant = 1;; ++variant) {
     if (variant > 1) wanted.name = plain + "_" + std::to_string(variant);
-    if (used_in_state_.contains(wanted.name)) continue;
-    const auto [entry, inserted] = quantities_.try_emplace(wanted.name, wanted);
+    const std::string key = Folded(wanted.name);
+    if (used_in_state_.contains(key)) continue;
+    const auto [entry, inserted] = quantities_.try_emplace(key, wanted);
     const Quantity& known = entry->second;
-    if (known.components != wanted.components || known.tensor_rank != wanted.tensor_rank) continue;
-    used_in_state_.insert(wanted.name);
+    const bool is_same = known.name == wanted.name && known.components == wanted.components;
+    if (!is_same || known.tensor_rank != wanted.tensor_rank) continue;
+    used_in_state_.insert(key);
     is_new = inserted;
     return known;
   }

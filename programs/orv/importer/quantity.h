@@ -34,7 +34,7 @@ class QuantityTable {
   const Quantity& Find(const frd::Result& result, bool is_complex, bool& is_new);
 
  private:
-  std::map<std::string, Quantity> quantities_;
+  std::map<std::string, Quantity> quantities_;  ///< by their names in lower case
   std::set<std::string> used_in_state_;
 };
 

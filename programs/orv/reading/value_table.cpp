@@ -7,9 +7,10 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 #include <unordered_map>
+#include <unordered_set>
 
+#include "reading/stored_size.h"
 #include "reading/words.h"
 #include "trouble.h"
 
@@ -19,11 +20,14 @@ namespace {
 std::string Place(int state) { return state == 0 ? "the constant section" : fmt::format("state {}", state); }
 
 /// The names that a state does have, for the message about one that it has not.
-std::string NamesOf(const std::vector<ORVResult>& blocks) {
+std::string NamesOf(const std::vector<ORVResult>& blocks, bool with_entity) {
   std::vector<std::string> names;
-  for (const ORVResult& block : blocks) names.push_back(TextOf(block.m_etypvar));
+  for (const ORVResult& block : blocks) {
+    if (block.m_nent == 0) continue;
+    names.push_back(TextOf(block.m_etypvar) + (with_entity ? " of " + TextOf(block.m_etyp) : ""));
+  }
   std::ranges::sort(names);
-  names.erase(std::ranges::unique(names).begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
   return names.empty() ? "nothing" : fmt::format("{}", fmt::join(names, ", "));
 }
 
@@ -32,11 +36,15 @@ std::vector<ORVResult> FindBlocks(const ValueRequest& request, int state) {
   std::vector<ORVResult> found;
   for (const ORVResult& block : all) {
     const bool named = SameWord(TextOf(block.m_etypvar), request.variable);
-    if (named && (request.entity.empty() || SameWord(TextOf(block.m_etyp), request.entity))) found.push_back(block);
+    const bool is_empty = block.m_nent == 0;
+    if (named && !is_empty && (request.entity.empty() || SameWord(TextOf(block.m_etyp), request.entity)))
+      found.push_back(block);
   }
   if (found.empty()) {
-    throw Trouble(request.file, fmt::format("{} has no values of \"{}\"", Place(state), request.variable),
-                  fmt::format("stored there: {}", NamesOf(all)));
+    const bool any_entity = request.entity.empty();
+    const std::string of_entity = any_entity ? "" : fmt::format(" of \"{}\"", request.entity);
+    throw Trouble(request.file, fmt::format("{} has no values of \"{}\"{}", Place(state), request.variable, of_entity),
+                  fmt::format("stored there: {}", NamesOf(all, !any_entity)));
   }
   return found;
 }
@@ -55,9 +63,11 @@ std::vector<std::string> Labels(const std::vector<VariableInfo>& variables, cons
   const auto components = static_cast<std::size_t>(block.m_ncoo);
   const auto known = std::ranges::find_if(
       variables, [&](const VariableInfo& variable) { return SameWord(variable.name, TextOf(block.m_etypvar)); });
-  if (known != variables.end() && known->components.size() == components) return known->components;
-  std::vector<std::string> labels;
-  for (std::size_t i = 0; i < components; ++i) labels.push_back(fmt::format("C{}", i + 1));
+  const bool fits = known != variables.end() && known->components.size() == components;
+  std::vector<std::string> labels = fits ? known->components : std::vector<std::string>(components);
+  for (std::size_t i = 0; i < components; ++i) {
+    if (labels[i].empty()) labels[i] = fmt::format("C{}", i + 1);
+  }
   return labels;
 }
 
@@ -73,17 +83,14 @@ int ChooseComponent(const ValueRequest& request, const std::vector<std::string>&
                 fmt::format("its components are {}", fmt::join(labels, ", ")));
 }
 
-/// A damaged header can announce any count. No values are read for more entities than the file could hold: even the
-/// best compressed dataset has some bytes per thousand values.
 void CheckSize(const std::string& file, const ORVResult& block) {
-  constexpr double kValuesPerByte = 1000;
-  std::error_code error;
-  const auto bytes = static_cast<double>(std::filesystem::file_size(file, error));
   const double layers = block.IsElementResult() ? static_cast<double>(block.m_numl) : 1;
-  const double values = static_cast<double>(block.m_nent) * static_cast<double>(block.m_ncoo) * std::max(layers, 1.0);
-  if (block.m_nent < 0 || block.m_ncoo < 1 || block.m_numl < 0 || values > bytes * kValuesPerByte) {
-    throw Trouble(file, fmt::format("block {} has impossible counts", block.GetBlkPath()), "the file is damaged");
-  }
+  const double parts = block.IsComplexBlk() ? 2 : 1;
+  const double values = static_cast<double>(block.m_nent) * static_cast<double>(block.m_ncoo) * layers * parts;
+  const bool is_possible = block.m_nent >= 1 && block.m_ncoo >= 1 && layers >= 1;
+  if (is_possible && HoldsValues(file, block, "res", values)) return;
+  throw Trouble(file, fmt::format("block {} does not hold what its header announces", block.GetBlkPath()),
+                "the file is damaged");
 }
 
 struct RawBlock {
@@ -179,10 +186,10 @@ ValueTable ReadTable(const ValueRequest& request, const std::vector<VariableInfo
 }
 
 void CheckIds(const ValueRequest& request, const std::vector<ValueTable>& tables) {
+  std::unordered_set<long long> known;
+  for (const ValueTable& table : tables) known.insert(table.ids.begin(), table.ids.end());
   for (const long long id : request.ids) {
-    const bool known = std::ranges::any_of(
-        tables, [id](const ValueTable& table) { return std::ranges::find(table.ids, id) != table.ids.end(); });
-    if (known) continue;
+    if (known.contains(id)) continue;
     throw Trouble(request.file, fmt::format("\"{}\" has no value at id {}", request.variable, id),
                   "leave out --ids to see which there are");
   }

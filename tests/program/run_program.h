@@ -1,0 +1,168 @@
+#pragma once
+
+// Runs the program orv as a shell would, and keeps what it answers.
+
+#include <fcntl.h>
+#include <linux/capability.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/orv_test.h"
+#include "support/raw_file.h"
+
+namespace orv_test {
+
+/// The circumstances of a run.
+struct Surroundings {
+  std::string standard_output;     ///< a file to write standard output to, such as "/dev/full"; empty: it is captured
+  std::string folder;              ///< where the program stands; empty: where the test stands
+  long largest_file = -1;          ///< no file can grow beyond it, as on a full disk; -1: no limit
+  bool keeps_permissions = false;  ///< a super-user obeys the permissions of files and folders too
+};
+
+struct ProgramRun {
+  int exit_code = -1;  ///< minus the number of the signal that ended the program
+  std::string out, err;
+  double seconds = 0;
+};
+
+namespace run_program_details {
+
+inline constexpr int kCannotStart = 127;
+
+/// In the child, between fork and exec: only calls that are safe there.
+[[noreturn]] inline void BecomeProgram(char* const* arguments, const Surroundings& surroundings, int out, int err) {
+  const bool to_file = !surroundings.standard_output.empty();
+  if (to_file) out = open(surroundings.standard_output.c_str(), O_WRONLY);
+  dup2(out, STDOUT_FILENO);
+  dup2(err, STDERR_FILENO);
+  if (!surroundings.folder.empty() && chdir(surroundings.folder.c_str()) != 0) _exit(kCannotStart);
+  if (surroundings.largest_file >= 0) {
+    const auto size = static_cast<rlim_t>(surroundings.largest_file);
+    const rlimit limit{size, size};
+    std::signal(SIGXFSZ, SIG_IGN);  // writes beyond the limit then fail, as on a full disk
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  if (surroundings.keeps_permissions && geteuid() == 0) {
+    if (prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE) != 0) _exit(kCannotStart);
+    if (prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH) != 0) _exit(kCannotStart);
+  }
+  execvp(arguments[0], arguments);
+  _exit(kCannotStart);
+}
+
+/// Reads both pipes until the other side has closed them.
+inline void Collect(int out, int err, ProgramRun& run) {
+  std::array<pollfd, 2> pipes = {pollfd{out, POLLIN, 0}, pollfd{err, POLLIN, 0}};
+  std::string* const texts[] = {&run.out, &run.err};
+  for (int open_pipes = 2; open_pipes > 0;) {
+    if (poll(pipes.data(), pipes.size(), -1) < 0 && errno != EINTR) throw std::runtime_error("poll failed");
+    for (size_t i = 0; i < pipes.size(); ++i) {
+      if (pipes[i].fd < 0 || pipes[i].revents == 0) continue;
+      char buffer[65536];
+      const ssize_t got = read(pipes[i].fd, buffer, sizeof buffer);
+      if (got > 0) {
+        texts[i]->append(buffer, static_cast<size_t>(got));
+      } else if (got == 0 || errno != EINTR) {
+        pipes[i].fd = -1;
+        --open_pipes;
+      }
+    }
+  }
+}
+
+}  // namespace run_program_details
+
+/// Runs any program of the search path. The time limit of the test ends what hangs.
+inline ProgramRun RunCommand(const std::string& command, const std::vector<std::string>& arguments,
+                             const Surroundings& surroundings = {}) {
+  std::vector<char*> words = {const_cast<char*>(command.c_str())};
+  for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+  words.push_back(nullptr);
+  int out[2] = {}, err[2] = {};
+  if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+  const auto start = std::chrono::steady_clock::now();
+  const pid_t child = fork();
+  if (child < 0) throw std::runtime_error("no process");
+  if (child == 0) run_program_details::BecomeProgram(words.data(), surroundings, out[1], err[1]);
+  close(out[1]);
+  close(err[1]);
+  ProgramRun run;
+  run_program_details::Collect(out[0], err[0], run);
+  close(out[0]);
+  close(err[0]);
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  run.exit_code = WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+  run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  return run;
+}
+
+/// Runs orv.
+inline ProgramRun RunOrv(const std::vector<std::string>& arguments, const Surroundings& surroundings = {}) {
+  return RunCommand(ORVIO_PROGRAM, arguments, surroundings);
+}
+
+/// Names in a folder, hidden ones included, in order.
+inline std::vector<std::string> NamesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+/// A test of the program, with a folder of its own for the files it needs.
+class ProgramTest : public OrvTest {
+ protected:
+  std::string WriteFile(const std::string& name, std::string_view bytes) const {
+    std::ofstream(TempPath(name), std::ios::binary) << bytes;
+    return TempPath(name);
+  }
+
+  /// Answers the path of the file made, which is a failure of the test when there is none.
+  std::string Import(const std::string& result, const std::vector<std::string>& options = {}) const {
+    const std::string path = TempPath("imported.orv");
+    std::vector<std::string> arguments = {"import", "--quiet", result, path};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const ProgramRun run = RunOrv(arguments);
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, "");
+    return path;
+  }
+};
+
+/// What a run that fails owes its caller: exit code 2, nothing on standard output, and one line on standard error
+/// that names the file and tells `what`.
+inline void ExpectTrouble(const ProgramRun& run, const std::string& file, const std::string& what) {
+  EXPECT_EQ(run.exit_code, 2);
+  EXPECT_EQ(run.out, "");
+  const std::string opening = "orv: " + file + ": ";
+  EXPECT_EQ(run.err.substr(0, opening.size()), opening) << run.err;
+  EXPECT_NE(run.err.find(what), std::string::npos) << "not told: " << what << "\nbut: " << run.err;
+  EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+  EXPECT_TRUE(!run.err.empty() && run.err.back() == '\n') << run.err;
+  // What, and behind a semicolon what to do.
+  const size_t advice = run.err.rfind("; ");
+  EXPECT_TRUE(advice != std::string::npos && advice + 3 < run.err.size()) << run.err;
+  const auto is_control = [](unsigned char c) { return c < ' ' && c != '\n'; };
+  EXPECT_TRUE(std::none_of(run.err.begin(), run.err.end(), is_control)) << run.err;
+}
+
+}  // namespace orv_test
