@@ -39,7 +39,7 @@ Swapped<int> UseWriterVersion(const ORVContainer& container) {
 std::vector<std::string> LinksBelow(const std::string& block_path, const std::vector<std::string>& names) {
   std::vector<std::string> paths;
   paths.reserve(names.size());
-  for (const std::string& name : names) paths.push_back(block_path + "/" + name);
+  for (const std::string& name : names) paths.emplace_back(block_path).append("/").append(name);
   return paths;
 }
 

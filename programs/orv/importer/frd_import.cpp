@@ -22,15 +22,14 @@ namespace {
 
 /// Element types of a .frd file under their usual names, in the order in which they are written.
 struct TypeRow {
-  int frd_type;
   const char* name;
+  int frd_type;
   int dimension;
 };
 
-constexpr TypeRow kTypes[] = {
-    {1, "HEXA8", 3}, {2, "PENTA6", 3}, {3, "TETRA4", 3}, {4, "HEXA20", 3}, {5, "PENTA15", 3}, {6, "TETRA10", 3},
-    {7, "TRIA3", 2}, {8, "TRIA6", 2},  {9, "QUAD4", 2},  {10, "QUAD8", 2}, {11, "LINE2", 1},  {12, "LINE3", 1},
-};
+constexpr TypeRow kTypes[] = {{"HEXA8", 1, 3},   {"PENTA6", 2, 3},  {"TETRA4", 3, 3}, {"HEXA20", 4, 3},
+                              {"PENTA15", 5, 3}, {"TETRA10", 6, 3}, {"TRIA3", 7, 2},  {"TRIA6", 8, 2},
+                              {"QUAD4", 9, 2},   {"QUAD8", 10, 2},  {"LINE2", 11, 1}, {"LINE3", 12, 1}};
 
 /// Results with the same set name, state number and step are of one state. Their value does not tell: double modes
 /// have equal frequencies.
