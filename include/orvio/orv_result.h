@@ -216,7 +216,7 @@ class ORVIO_EXPORT ORVResult : public ORVBlock {
   // ---- Names of items
 
   int GetAttributeName(_ORVBlockAtt att, char* out);
-  /// Full path of an item as a file of that version has it, without a leading slash.
+  /// Full path of an item as a file of that version has it, without a leading slash. `out` has room for 1024 bytes.
   int GetAttributePath(int sections, _ORVBlockAtt att, int state, char* out, _ORVVersion version);
   int GetDatasetNames(int sections, std::vector<std::string>& names);
   int GetDatasetInfoFromBlock(_ORVBlockAtt att, std::string& name, _ORVDataType& type, void** ptr, int& rank,

@@ -118,18 +118,27 @@ int ORVBlock::IterateBlock(const char* file, int state, int stages, ORVIteration
   });
 }
 
+namespace {
+
+/// Type and filters of one dataset, below "orvblock" where the block's group has it.
+int FindDatasetInfo(IOH5Reader& reader, hid_t group, const std::string& name, _ORVDataType& type,
+                    std::vector<int>* filters) {
+  const h5::Group part = h5::OpenGroup(group, disk::orvblock);
+  int rank = 0;
+  hsize_t dims[H5S_MAX_RANK];
+  hsize_t total = 0;
+  return reader.GetDatasetInfo(part ? part.get() : group, name, rank, dims, total, type, filters);
+}
+
+}  // namespace
+
 int ORVBlock::ReadDatasetFilterIds(const char* file, int state, const std::string& name, std::vector<int>& ids) {
   return h5::Entry(kFail, [&] {
     const ReaderLease reader(*this, file);
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));
-    if (!group) return kFail;
-    const h5::Group part = h5::OpenGroup(group.get(), disk::orvblock);
-    int rank = 0;
-    hsize_t dims[H5S_MAX_RANK];
-    hsize_t total = 0;
     _ORVDataType type = ORV_UNKNOWN_TYPE;
-    return reader->GetDatasetInfo(part ? part.get() : group.get(), name, rank, dims, total, type, &ids);
+    return group ? FindDatasetInfo(*reader, group.get(), name, type, &ids) : kFail;
   });
 }
 
@@ -140,14 +149,9 @@ int ORVBlock::ReadDatasetFileDataType(const char* file, int state, const std::ve
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));
     if (!group) return kFail;
-    const h5::Group part = h5::OpenGroup(group.get(), disk::orvblock);
     for (const std::string& name : names) {
-      int rank = 0;
-      hsize_t dims[H5S_MAX_RANK];
-      hsize_t total = 0;
       _ORVDataType type = ORV_UNKNOWN_TYPE;
-      const hid_t place = part ? part.get() : group.get();
-      const bool found = reader->GetDatasetInfo(place, name, rank, dims, total, type, nullptr) == kOk;
+      const bool found = FindDatasetInfo(*reader, group.get(), name, type, nullptr) == kOk;
       types.push_back(found ? type : ORV_UNKNOWN_TYPE);
     }
     return kOk;
