@@ -11,11 +11,11 @@ namespace orvio {
 namespace {
 
 constexpr _OH5BlockKeyMap kBlockKeys[] = {
-    {10, disk::system_},
-    {20, disk::indices},
+    {kSystemKey, disk::system_},
+    {kSimulationTypeKey, disk::indices},
     {kVariableKey, disk::variables},  // "variable" in files of major version 2 and later
-    {32, disk::variablegroup},
-    {40, disk::text},
+    {kVariableGroupKey, disk::variablegroup},
+    {kTextKey, disk::text},
     {100, disk::parts},
     {200, disk::attributes},
     {250, disk::identifiers},
@@ -33,7 +33,7 @@ constexpr _OH5BlockKeyMap kBlockKeys[] = {
     {2100, disk::activflags},
 };
 
-constexpr std::int64_t kConstantKeys[] = {10, 20, kVariableKey, 32};
+constexpr std::int64_t kConstantKeys[] = {kSystemKey, kSimulationTypeKey, kVariableKey, kVariableGroupKey};
 
 /// 2150 has no type group, so no path can be formed for it; its section is fixed all the same.
 constexpr std::int64_t kMultistateKeys[] = {ORV_RESULT_MULTI_ENTITY, ORV_RESULT_MULTI_ENTITY_COMPLEX,

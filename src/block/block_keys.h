@@ -9,7 +9,11 @@
 namespace orvio {
 
 inline constexpr std::int64_t kNoKey = -1;
+inline constexpr std::int64_t kSystemKey = 10;
+inline constexpr std::int64_t kSimulationTypeKey = 20;
 inline constexpr std::int64_t kVariableKey = 30;
+inline constexpr std::int64_t kVariableGroupKey = 32;
+inline constexpr std::int64_t kTextKey = 40;
 inline constexpr std::int64_t kConnectivityKey = 300;
 
 /// Row of a key; null when the key has no type group.

@@ -5,11 +5,11 @@
 #include "entity/connectivity.h"
 
 #include <cstdint>
-#include <initializer_list>
 #include <string>
 
 #include "block/block_keys.h"
 #include "block/reader_lease.h"
+#include "h5/dataset_reader.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
 #include "h5/file_access.h"
@@ -94,47 +94,7 @@ int ORVEleConnectivity::ReadHeader(hid_t header, int mode) {
 
 namespace {
 
-using Shape = std::initializer_list<std::int64_t>;
-
-/// Reads the datasets of a block, one per line, in the order of the lines. Once a line has failed the later ones do
-/// nothing; status() is then 1. The extents in the file must be those of `shape`, so no count from a header reaches
-/// past what the file holds.
-class DatasetReader {
- public:
-  DatasetReader(IOH5Reader* reader, hid_t loc) : reader_(reader), loc_(loc), status_(reader ? kOk : kFail) {}
-
-  /// A text or a float in place of an integer is refused: the caller has sized the buffer by the kind it knows.
-  void integers(const char* name, _ORVDataType type, void* buffer, Shape shape) {
-    Read(name, ORVBlock::IsORVIntType(type), type, buffer, shape);
-  }
-  void floats(const char* name, _ORVDataType type, void* buffer, Shape shape) {
-    Read(name, type == ORV_FLOAT || type == ORV_DOUBLE, type, buffer, shape);
-  }
-
-  /// Whether an optional dataset is asked for, by its buffer, and there.
-  bool wants(const char* name, const void* buffer) const {
-    return status_ == kOk && buffer && h5::LinkExists(loc_, name);
-  }
-
-  [[nodiscard]] int status() const { return status_; }
-
- private:
-  void Read(const char* name, bool right_kind, _ORVDataType type, void* buffer, Shape shape) {
-    if (status_ != kOk) return;
-    hsize_t dims[2] = {};
-    int rank = 0;
-    bool positive = true;
-    for (const std::int64_t extent : shape) {
-      positive = positive && extent > 0;
-      dims[rank++] = static_cast<hsize_t>(extent);
-    }
-    status_ = right_kind && positive ? reader_->ReadDatasetAll(loc_, name, rank, dims, type, buffer) : kFail;
-  }
-
-  IOH5Reader* reader_;
-  hid_t loc_;
-  int status_;
-};
+using h5::DatasetReader;
 
 /// Sum of unit counts that were read. False for a negative count or a sum beyond `int`: no table has such a size.
 bool Sum(_ORVDataType type, const void* counts, std::int64_t size, std::int64_t& sum) {

@@ -32,7 +32,13 @@ inline constexpr char nbfloat[] = "nbfloat", ncoo[] = "ncoo", numl[] = "numl", n
 inline constexpr char zoneid[] = "zoneid", fswitch[] = "fswitch", dmpswitch[] = "dmpswitch", series[] = "series";
 inline constexpr char varnam[] = "varnam", varkey[] = "varkey", varclass[] = "varclass", type[] = "type";
 inline constexpr char rank[] = "rank", idtrans[] = "idtrans", lenb[] = "lenb", lend[] = "lend";
+inline constexpr char nvar[] = "nvar", cnt[] = "cnt", offs[] = "offs";
 inline constexpr char subslen[] = "subslen", lvmap[] = "lvmap", tensor[] = "tensor";
+inline constexpr char title[] = "title", sys[] = "sys", solver_name[] = "solver_name";
+inline constexpr char solver_vers[] = "solver_vers", cdate[] = "cdate", ctime[] = "ctime", mdate[] = "mdate";
+inline constexpr char mtime[] = "mtime", nbunit[] = "nbunit", ndunit[] = "ndunit", cversion[] = "cversion";
+inline constexpr char lenudb[] = "lenudb", etyptext[] = "etyptext", nlines[] = "nlines", length[] = "length";
+inline constexpr char etypprop[] = "etypprop", nbid[] = "nbid", nbstring[] = "nbstring";
 
 // Datasets
 inline constexpr char res[] = "res", entid[] = "entid", idele[] = "idele", eloc[] = "eloc", fid[] = "fid";
@@ -41,6 +47,9 @@ inline constexpr char pid[] = "pid", ic[] = "ic", iparam[] = "iparam", fparam[] 
 inline constexpr char mbunit[] = "mbunit", mdunit[] = "mdunit", ubid[] = "ubid", ubexp[] = "ubexp";
 inline constexpr char udid[] = "udid", udexp[] = "udexp", cname[] = "cname", cid[] = "cid";
 inline constexpr char subscr[] = "subscr", subscnt[] = "subscnt", subsoffs[] = "subsoffs", vmap[] = "vmap";
+inline constexpr char ubtyp[] = "ubtyp", ubnam[] = "ubnam", ubcon[] = "ubcon", ubshift[] = "ubshift";
+inline constexpr char udnam[] = "udnam", udscal[] = "udscal", ndbunit[] = "ndbunit", udbid[] = "udbid";
+inline constexpr char udbexp[] = "udbexp", etypindex[] = "etypindex", line[] = "line", cparam[] = "cparam";
 
 // Words of the class of a variable
 inline constexpr char CLASS_STRESS[] = "CLASS_STRESS", CLASS_STRAIN[] = "CLASS_STRAIN";

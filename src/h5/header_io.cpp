@@ -16,7 +16,7 @@ int Field::Read(IOH5Reader& reader, hid_t header, const char* name) const {
   if (type_ != ORV_CHAR) return reader.ReadAttributeValue(header, name, 0, nullptr, type_, member_);
   Text text = {};
   if (reader.ReadAttributeValue(header, name, 0, nullptr, ORV_CHAR, text) != kOk) return kFail;
-  Assign(*static_cast<Text*>(member_), Content(text));
+  AssignField(static_cast<char*>(member_), size_, Content(text));
   return kOk;
 }
 
@@ -29,7 +29,7 @@ void Field::SetAbsent(std::int64_t number) const {
       *static_cast<int*>(member_) = static_cast<int>(number);
       break;
     default:
-      Assign(*static_cast<Text*>(member_), "");
+      AssignField(static_cast<char*>(member_), size_, "");
       break;
   }
 }
@@ -68,10 +68,6 @@ bool HeaderReader::attempted(const char* name, Field member) {
   return ok() && Has(name) && member.Read(*reader_, header_, name) == kOk;
 }
 
-void HeaderReader::strip(Text& text) {
-  if (ok()) StripTrailingBlanks(text);
-}
-
 void HeaderWriter::integer(const char* name, std::int64_t value) {
   if (ok()) status_ = OH5write_ATTRIBUTE(header_, name, nullptr, ORV_LONG, 0, &value);
 }
@@ -80,13 +76,14 @@ void HeaderWriter::integer32(const char* name, int value) {
   if (ok()) status_ = OH5write_ATTRIBUTE(header_, name, nullptr, ORV_INT, 0, &value);
 }
 
-void HeaderWriter::text(const char* name, const char* value) {
+void HeaderWriter::text(const char* name, const char* value, std::size_t width) {
   if (!ok()) return;
   char field[disk::kTextWidth];
-  std::fill_n(field, sizeof field, ' ');
-  const std::string_view content = Content(value);
+  width = std::min(width, sizeof field);
+  std::fill_n(field, width, ' ');
+  const std::string_view content = Content(value, width);
   std::copy_n(content.data(), content.size(), field);
-  status_ = OH5write_ATTRIBUTE(header_, name, nullptr, ORV_CHAR, sizeof field, field);
+  status_ = OH5write_ATTRIBUTE(header_, name, nullptr, ORV_CHAR, width, field);
 }
 
 void HeaderWriter::attempted(const char* name, std::int64_t value) {

@@ -9,12 +9,13 @@
 
 namespace orvio::h5 {
 
-/// A member of a block that a header line fills: a 64-bit or 32-bit integer or a fixed text.
+/// A member of a block that a header line fills: a 64-bit or 32-bit integer or a fixed text of any width.
 class Field {
  public:
-  Field(std::int64_t& member) : type_(ORV_LONG), member_(&member) {}  // NOLINT(google-explicit-constructor)
-  Field(int& member) : type_(ORV_INT), member_(&member) {}            // NOLINT(google-explicit-constructor)
-  Field(Text& member) : type_(ORV_CHAR), member_(member) {}           // NOLINT(google-explicit-constructor)
+  Field(std::int64_t& member) : type_(ORV_LONG), member_(&member), size_(0) {}  // NOLINT(google-explicit-constructor)
+  Field(int& member) : type_(ORV_INT), member_(&member), size_(0) {}            // NOLINT(google-explicit-constructor)
+  template <std::size_t N>
+  Field(char (&member)[N]) : type_(ORV_CHAR), member_(member), size_(N) {}  // NOLINT(google-explicit-constructor)
 
   /// Reads the attribute into the member; a failed read leaves the member alone.
   [[nodiscard]] int Read(IOH5Reader& reader, hid_t header, const char* name) const;
@@ -24,6 +25,7 @@ class Field {
  private:
   _ORVDataType type_;
   void* member_;
+  std::size_t size_;  ///< bytes of a text member, its terminator included
 };
 
 /// Reads a block header, one attribute per line, in the order of the lines. Once a line has failed the later ones
@@ -43,7 +45,11 @@ class HeaderReader {
   void defaulted(const char* name, Field member, std::int64_t absent = 0);
   void tolerated(const char* name, Field member, std::int64_t absent = 0);
   bool attempted(const char* name, Field member);
-  void strip(Text& text);  ///< trailing blanks; does nothing after a failure
+  /// Takes the trailing blanks off; does nothing after a failure.
+  template <std::size_t N>
+  void strip(char (&text)[N]) {
+    if (ok()) StripTrailingBlanks(text, N);
+  }
   bool ok() const { return status_ == 0; }
   [[nodiscard]] int status() const { return status_; }
 
@@ -60,9 +66,10 @@ class HeaderWriter {
  public:
   explicit HeaderWriter(hid_t header) : header_(header) {}
 
-  void integer(const char* name, std::int64_t value);    ///< stored with 64 bits
-  void integer32(const char* name, int value);           ///< stored with 32 bits
-  void text(const char* name, const char* value);        ///< 256 bytes, blank padded
+  void integer(const char* name, std::int64_t value);  ///< stored with 64 bits
+  void integer32(const char* name, int value);         ///< stored with 32 bits
+  /// Blank padded, 256 bytes or another width.
+  void text(const char* name, const char* value, std::size_t width = disk::kTextWidth);
   void attempted(const char* name, std::int64_t value);  ///< as integer; a failure does not count
   bool ok() const { return status_ == 0; }
   [[nodiscard]] int status() const { return status_; }
