@@ -2,6 +2,7 @@
 
 #include "orvio/orv_block.h"
 
+class ORVExtVar;
 class ORVVariable;
 class ORVVariableGrp;
 struct ORVDependentVar;
@@ -137,6 +138,11 @@ class ORVIO_EXPORT ORVResult : public ORVBlock {
   bool HasSeriesName(const char* name);  ///< without regard to case; false for null and for a block without a series
   /// Whether the series holds "LOADCASE_", and the number that starts at its tenth character.
   bool IsLoadCaseSeriesName(int& loadCase);
+  /// Whether the block's values are those of a variable, by its key (or its name where it has none), or of a group, by
+  /// the name of the group or the identity of a member. False for a block without a definition.
+  bool IsKeyOrVariableAvailable(const char* identity);
+  /// The handle of that name; null when there is none.
+  ORVExtVar* GetExtVariableFrmCmp(const char* name);
   /// The tail of the block's path from its type group on; 1 with the text left alone when there is none.
   int GetRelativePathFromResultGroup(std::string& path);
   _ORVResultLocation GetResultLocationType() const { return m_location; }

@@ -7,7 +7,7 @@
 
 #include "orvio/orv_ext_var.h"
 #include "orvio/orv_result.h"
-#include "orvio/orv_variable.h"
+#include "orvio/orv_variable_grp.h"
 
 namespace orvio {
 
@@ -21,15 +21,21 @@ struct ComponentRun {
   }
 };
 
-/// The answers of a block's association. A block without one knows of no component.
+/// The answers of a block's association: of its variable, or else of its group. A block without one knows of no
+/// component.
 class ResultDefinition {
  public:
-  explicit ResultDefinition(const ORVResult& block) : variable_(block.m_variable) {}
+  explicit ResultDefinition(const ORVResult& block)
+      : variable_(block.m_variable), group_(block.m_variable ? nullptr : block.m_variableGrp) {}
 
-  /// The components of the variable of that name.
+  /// Whether this is the definition of that identity: a variable's key, or name where it has none; the same of a member
+  /// of a group; or the name of the group.
+  bool HasIdentity(const char* identity) const;
+  /// The components of the variable of that name; in a group, of the member with that identity.
   std::optional<ComponentRun> FindRun(const char* name) const;
   /// The handle with an internal id, or with an external one; null when there is none.
   ORVExtVar* FindHandle(int id, bool by_iid) const;
+  ORVExtVar* FindHandle(const char* name) const;
   /// Appends external id and measure of each handle.
   void AppendTypes(std::vector<int>& eids, std::vector<int>& types) const;
   /// Adds the stored components of the variable of that name as inputs. False when there is none.
@@ -39,6 +45,7 @@ class ResultDefinition {
 
  private:
   ORVVariable* variable_;
+  ORVVariableGrp* group_;
 };
 
 }  // namespace orvio
