@@ -126,6 +126,7 @@ enum _ORVBlockAtt : int {
   ORV_ATT_ZONEID = 25,
   ORV_ATT_IPARAM = 26,
   ORV_ATT_FPARAM = 27,
+  ORV_ATT_CPARAM = 29,
   ORV_ATT_NSTATE = 30,
 };
 

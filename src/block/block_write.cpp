@@ -48,4 +48,17 @@ int WriteStages(ORVBlock& block, const BlockParts& parts, int what) {
   return status;
 }
 
+int WriteIntoFixedGroup(ORVBlock& block, const char* file, h5::OH5GroupId group, int what) {
+  h5::WriteFile opened(h5::OpenFile(file, H5F_ACC_RDWR));
+  h5::Group home = opened ? h5::OpenGroup(opened.get(), h5::GroupPath(group).c_str()) : h5::Group();
+  if (!home) return kFail;
+  int status = kFail;
+  {
+    BlockParts parts(home.get(), nullptr, what);
+    if (parts) status = parts.Close(WriteStages(block, parts, what));
+  }
+  if (!home.Close() && status == kOk) status = kFail;
+  return opened.Finish(status);
+}
+
 }  // namespace orvio

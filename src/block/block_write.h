@@ -6,6 +6,7 @@
 
 #include "filer/process_state.h"
 #include "h5/file_access.h"
+#include "h5/group_paths.h"
 #include "orvio/orv_block.h"
 
 namespace orvio {
@@ -61,5 +62,9 @@ class BlockParts {
 /// Calls WriteHeader, WriteData and WriteIndex as `what` selects, each only if the step before succeeded: data
 /// under the block's own compression, the index without any. 0 when nothing was selected.
 [[nodiscard]] int WriteStages(ORVBlock& block, const BlockParts& parts, int what);
+
+/// Writes a block without a name of its own into a group that the file has from the start, such as "./post/constant/
+/// indices". 1 when file or group cannot be opened.
+[[nodiscard]] int WriteIntoFixedGroup(ORVBlock& block, const char* file, h5::OH5GroupId group, int what);
 
 }  // namespace orvio
