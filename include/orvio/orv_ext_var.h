@@ -7,8 +7,63 @@
 
 #include "orvio/orv_types.h"
 
+#include "orvio/orv_variable.h"
+
+class ORVFiler;
+class ORVResult;
 class ORVUnit;
-class ORVVariable;
+
+/// Measure of a computed component; a stored one has 0. Those with a name in the tables of measures are made by the
+/// library, the others by hosts. The library computes none of them.
+enum _ORVComputeType : int {
+  ORV_COMPUTE_NONE = 0,               ///< a scalar, or a stored component
+  ORV_COMPUTE_MAGNITUDE = 50,         ///< "Magnitude"; also a vector as a whole
+  ORV_COMPUTE_THREE_COMPONENTS = 51,  ///< a rank 2 block of three components
+  ORV_COMPUTE_PLANE_FIRST = 52,       ///< "First Princ." of three components
+  ORV_COMPUTE_PLANE_SECOND = 53,      ///< "Second Princ." of three components
+  ORV_COMPUTE_SIX_COMPONENTS = 55,    ///< a block of six components
+  ORV_COMPUTE_VON_MISES = 56,
+  ORV_COMPUTE_FIRST_PRINCIPAL = 57,
+  ORV_COMPUTE_SECOND_PRINCIPAL = 58,
+  ORV_COMPUTE_THIRD_PRINCIPAL = 59,
+  ORV_COMPUTE_TRESCA = 60,
+  ORV_COMPUTE_MEAN = 63,
+  ORV_COMPUTE_PRESSURE = 64,
+  ORV_COMPUTE_DETERMINANT = 65,
+  ORV_COMPUTE_EQUIVALENT = 66,
+};
+
+/// One computed measure: what it is, how many components it needs, and the end of its name.
+struct ORVExtVarEntry {
+  int m_computeType;
+  int m_minComponents;
+  const char* m_name;
+};
+
+/// The measures of one shape of variables. A host's table stays the host's.
+struct ORVExtVarType {
+  _ORVVarType m_varType;
+  int m_count;
+  const ORVExtVarEntry* m_pEntries;  ///< m_count of them
+};
+
+/// What a host is told when the measures of a variable are chosen.
+struct ORVFilerExtendComputedTypeCallBackData {
+  ORVFiler* m_pFiler;
+  int m_reason;  ///< always 1
+  ORVResult* m_pResult;
+  ORVVariable* m_pVariable;
+};
+
+/// Answers the measures of a variable, which stay the host's; null for none. `client` is what SetFilerCallBackClient
+/// was given.
+typedef ORVExtVarType* (*ORVExtendComputedTypeCallBack)(void* client, ORVFilerExtendComputedTypeCallBackData& data);
+
+extern "C" {
+/// Gives a filer measures for solvers of one family: six for every tensor, in an order of their own. Clears the client
+/// pointer. Nothing for null.
+ORVIO_EXPORT void ORVSetCMXStressComputedType(ORVFiler* filer);
+}
 
 /// Inputs of a computed component: stored components of one variable.
 struct ORVIO_EXPORT ORVDependentVar {

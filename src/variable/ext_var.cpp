@@ -3,6 +3,8 @@
 #include "orvio/orv_ext_var.h"
 
 #include <algorithm>
+#include <iterator>
+#include <map>
 #include <memory>
 
 #include "h5/entry.h"
@@ -40,6 +42,27 @@ ORVExtVar* FindExtVar(const std::vector<ORVExtVar*>& handles, ExtVarKey key, int
 
 ORVExtVar* FindExtVar(const std::vector<ORVExtVar*>& handles, std::string_view name) {
   return FirstThat(handles, [&](const ORVExtVar& handle) { return EqualIgnoringCase(handle.GetName(), name); });
+}
+
+ORVExtVar* AddHandle(std::unique_ptr<ORVExtVar> handle, std::vector<ORVExtVar*>& owner, ORVVariable& variable) {
+  std::vector<ORVExtVar*>& handles = variable.m_extVars;
+  if (handles.size() == handles.capacity()) handles.reserve(2 * handles.size() + 1);
+  owner.push_back(handle.get());
+  handles.push_back(handle.get());  // cannot fail: there is room
+  return handle.release();
+}
+
+/// The handles are walked and not the positions: only a damaged file has millions of those.
+std::vector<int> StoredIids(const std::vector<ORVExtVar*>& handles, int first, std::int64_t count) {
+  std::map<int, int> iid_at;
+  for (const ORVExtVar* handle : handles) {
+    const bool placed = handle && handle->GeIndex() != -1 && handle->GeIndex() >= first &&
+                        handle->GeIndex() < std::int64_t{first} + count;
+    if (placed) iid_at.emplace(handle->GeIndex(), handle->GetIID());
+  }
+  std::vector<int> iids;
+  std::ranges::transform(iid_at, std::back_inserter(iids), [](const auto& entry) { return entry.second; });
+  return iids;
 }
 
 }  // namespace orvio

@@ -2,6 +2,8 @@
 
 // The one search over handles of components.
 
+#include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -20,5 +22,12 @@ ORVExtVar* FindExtVar(const std::vector<ORVExtVar*>& handles, ExtVarKey key, int
 
 /// The same by name, without regard to case.
 ORVExtVar* FindExtVar(const std::vector<ORVExtVar*>& handles, std::string_view name);
+
+/// Puts a handle into the list that owns it and into that of its variable.
+ORVExtVar* AddHandle(std::unique_ptr<ORVExtVar> handle, std::vector<ORVExtVar*>& owner, ORVVariable& variable);
+
+/// Internal ids of the handles of stored components from position `first` on, `count` positions long: in order of the
+/// position, for each the first handle there. A position without one gives nothing.
+std::vector<int> StoredIids(const std::vector<ORVExtVar*>& handles, int first, std::int64_t count);
 
 }  // namespace orvio

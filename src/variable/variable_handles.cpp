@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 
 #include "h5/entry.h"
 #include "h5/status.h"
@@ -94,18 +93,11 @@ ORVUnit* ORVVariable::GetUnitPtr(int eid) {
   return unit == m_units.end() ? nullptr : *unit;
 }
 
-/// In order of the position, for each the first handle there. The handles are walked and not the positions: only a
-/// damaged file has millions of those.
 int ORVVariable::FillDependentForVarGrp(ORVDependentVar& dependent) {
   return h5::Entry(kFail, [&] {
-    std::map<int, int> iid_at;
-    for (const ORVExtVar* handle : m_extVars) {
-      const bool placed = handle && handle->GeIndex() >= 0 && handle->GeIndex() < m_ncoo;
-      if (placed) iid_at.emplace(handle->GeIndex(), handle->GetIID());
-    }
-    if (iid_at.empty()) return kFail;
-    std::ranges::transform(iid_at, std::back_inserter(dependent.m_iids),
-                           [](const auto& entry) { return entry.second; });
+    const std::vector<int> iids = StoredIids(m_extVars, 0, m_ncoo);
+    if (iids.empty()) return kFail;
+    dependent.m_iids.insert(dependent.m_iids.end(), iids.begin(), iids.end());
     dependent.m_pVariable = this;
     return kOk;
   });
