@@ -120,14 +120,18 @@ int ORVBlock::IterateBlock(const char* file, int state, int stages, ORVIteration
 
 namespace {
 
-/// Type and filters of one dataset, below "orvblock" where the block's group has it.
+/// Type and filters of one dataset: in the block's group or a part of it, where it is met first.
 int FindDatasetInfo(IOH5Reader& reader, hid_t group, const std::string& name, _ORVDataType& type,
                     std::vector<int>* filters) {
-  const h5::Group part = h5::OpenGroup(group, disk::orvblock);
   int rank = 0;
   hsize_t dims[H5S_MAX_RANK];
   hsize_t total = 0;
-  return reader.GetDatasetInfo(part ? part.get() : group, name, rank, dims, total, type, filters);
+  if (reader.GetDatasetInfo(group, name, rank, dims, total, type, filters) == kOk) return kOk;
+  for (const char* word : {disk::orvblock, disk::data, disk::index}) {
+    const h5::Group part = h5::LinkExists(group, word) ? h5::OpenGroup(group, word) : h5::Group();
+    if (part && reader.GetDatasetInfo(part.get(), name, rank, dims, total, type, filters) == kOk) return kOk;
+  }
+  return kFail;
 }
 
 }  // namespace

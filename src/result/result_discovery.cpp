@@ -1,0 +1,78 @@
+// The walk over the result blocks of a place. One scratch block is read over and over; what is kept is copied.
+
+#include "result/result_discovery.h"
+
+#include <cstring>
+#include <memory>
+
+#include "entity/entity_type_table.h"
+#include "filer/messages.h"
+#include "h5/entry.h"
+#include "h5/status.h"
+#include "h5/text_field.h"
+#include "orvio/orv_result.h"
+#include "result/result_kinds.h"
+
+namespace orvio {
+namespace {
+
+constexpr std::size_t kLongestToldPath = 511;
+
+/// The scratch block of a walk, and where its copies go.
+class ResultScan : public ORVResult {
+ public:
+  ResultScan(int block_type, std::vector<ORVResult*>& found) : ORVResult(block_type), found_(found) {}
+
+  /// What a block lacks must not be that of the one before it.
+  int ReadHeader(hid_t group, int flags) override {
+    ResetSection(ORV_READ_HEADER);
+    return ORVResult::ReadHeader(group, flags);
+  }
+
+  void HeaderWasRead(const char* group_name) {
+    const ResultKind* kind = FindResultKind(m_BlkKey);
+    if (!kind || kind->IsProperties()) return;
+    if (m_ncoo < 1) return TellOfComponents();
+    if (m_nent < 1) return;
+    auto copy = std::make_unique<ORVResult>(*this);
+    SetNumbers(*copy);
+    Assign(copy->m_subBlockName, Content(group_name));
+    found_.push_back(copy.get());
+    copy.release();  // NOLINT(bugprone-unused-return-value): the list has it now
+  }
+
+ private:
+  void TellOfComponents() const {
+    SendMessage(ORV_MESG_WARNING, "Invalid number of components in \"%.256s->%.256s\" result block (ncoo)", m_etyp,
+                m_etypvar);
+    const std::size_t length = m_BlkPath.size();
+    if (length > 0 && length <= kLongestToldPath) SendMessage(ORV_MESG_WARNING, "\tPath :-%s", m_BlkPath.c_str());
+  }
+
+  static void SetNumbers(ORVResult& block) {
+    const ORVEntityTypeMap* row = FindEntityType(Content(block.m_etyp));
+    if (!row) return;
+    block.m_entityType = static_cast<_ORVEntityType>(row->m_orvType);
+    block.m_baseEntityType = row->m_appType;
+  }
+
+  std::vector<ORVResult*>& found_;
+};
+
+/// The walk runs inside HDF5's iteration: no exception may leave. Whatever becomes of one block, the others are wanted.
+_ORVAction TakeResult(int status, int stage, void* name, void* block) {
+  h5::EntryVoid([&] {
+    auto& scan = *static_cast<ResultScan*>(static_cast<ORVBlock*>(block));
+    if (status == kOk && stage == ORV_READ_HEADER) scan.HeaderWasRead(static_cast<const char*>(name));
+  });
+  return ORV_ACTION_CONTINUE;
+}
+
+}  // namespace
+
+void DiscoverResults(const char* file, int state, int block_type, std::vector<ORVResult*>& results) {
+  ResultScan scan(block_type, results);
+  (void)scan.DiscoverBlock(file, state, ORV_READ_HEADER, TakeResult);  // a place that is not there holds no results
+}
+
+}  // namespace orvio

@@ -1,0 +1,77 @@
+#pragma once
+
+// The arrays that a value fetch fills: its own, which the holder of the answer gets in the end, or those that the holder
+// brought along.
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#include "h5/c_array.h"
+#include "orvio/orv_result_values.h"
+
+namespace orvio {
+
+template <class T>
+class FetchArrays {
+ public:
+  using Holder = ORVResultValuesBase<T, int>;
+
+  explicit FetchArrays(Holder& holder) : holder_(holder) {}
+
+  /// Room for the answer; both counts fit an int. False when memory runs out.
+  [[nodiscard]] bool Prepare(std::uint64_t values, std::uint64_t entities) {
+    if (holder_.m_capacity >= 1) return GrowThoseOfHolder(static_cast<int>(values));
+    own_values_ = ZeroedArray<T>(values);
+    if (holder_.m_wantIds) own_ids_ = ZeroedArray<int>(entities);
+    return own_values_ && (own_ids_ || !holder_.m_wantIds);
+  }
+
+  T* values() { return own_values_ ? own_values_.get() : holder_.m_values; }
+  int* ids() { return own_ids_ ? own_ids_.get() : holder_.m_ids; }
+
+  /// Hands the arrays to the holder, with the counts of what was read.
+  void Deliver(std::uint64_t values, std::uint64_t ids) {
+    holder_.m_idCount = static_cast<int>(ids);
+    holder_.m_valueCount = static_cast<int>(values);
+    if (own_ids_) holder_.m_ids = own_ids_.release();
+    if (own_values_) holder_.m_values = Shrunk(own_values_.release(), values);
+  }
+
+ private:
+  /// The array may move. On failure it stays as it was.
+  static T* Shrunk(T* array, std::uint64_t count) {
+    void* shrunk = std::realloc(array, count * sizeof(T));
+    return shrunk ? static_cast<T*>(shrunk) : array;
+  }
+
+  template <class U>
+  [[nodiscard]] static bool Resize(U*& array, int count) {
+    void* resized = std::realloc(array, static_cast<std::size_t>(count) * sizeof(U));
+    if (resized) array = static_cast<U*>(resized);
+    return resized != nullptr;
+  }
+
+  /// Arrays that are large enough stay where they are. Without ids being wanted their array stays behind the other
+  /// one; its room is noted then, for a later fetch that wants them.
+  [[nodiscard]] bool GrowThoseOfHolder(int needed) {
+    const int room = holder_.m_capacity;
+    const int capacity = std::max(needed, room);
+    if ((capacity > room || !holder_.m_values) && !Resize(holder_.m_values, capacity)) return false;
+    const bool ids_lag = holder_.m_spare >= 0 && holder_.m_spare < capacity;
+    if (holder_.m_wantIds && (capacity > room || ids_lag || !holder_.m_ids)) {
+      if (!Resize(holder_.m_ids, capacity)) return false;
+      holder_.m_spare = -1;
+    } else if (capacity > room && holder_.m_ids && !ids_lag) {
+      holder_.m_spare = room;
+    }
+    holder_.m_capacity = capacity;
+    return true;
+  }
+
+  Holder& holder_;
+  CArray<T> own_values_;
+  CArray<int> own_ids_;
+};
+
+}  // namespace orvio

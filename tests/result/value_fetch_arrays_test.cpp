@@ -1,0 +1,186 @@
+// The arrays of a value fetch: those of the caller, their growth, and counts that no array is made for.
+
+#include <climits>
+
+#include "result/value_fetch_test.h"
+
+namespace {
+
+using namespace orv_test;
+
+class ValueFetchArrays : public ValueFetchTest {
+ protected:
+  void Bring(int capacity, bool with_ids = true) {
+    values_.m_capacity = capacity;
+    values_.m_values = CCopy(Floats(static_cast<std::size_t>(capacity), -1));
+    if (with_ids) values_.m_ids = CCopy(Ints(static_cast<std::size_t>(capacity), -1));
+  }
+
+  /// Values of one component that take no room in the file.
+  void AddBare(const char* etyp, hsize_t nodes) {
+    file_.Add(kState1, {.etyp = etyp, .nent = 1}).file().integer("nent", static_cast<std::int64_t>(nodes));
+    file_.file().at(file_.Part(kState1, 1000, etyp, "SPEED", "data")).raw([&](hid_t here) {
+      const hsize_t shape[] = {nodes, 1};
+      const Id space(H5Screate_simple(2, shape, nullptr), "space");
+      const Id made(H5Dcreate2(here, "res", H5T_NATIVE_FLOAT, space.get(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT),
+                    "res");
+    });
+  }
+
+  /// Headers that claim more than there is.
+  ORVResult Claiming(std::int64_t nent) {
+    file_.Add(kState1, Nodes(1, "Liar", 8));
+    file_.file().at(file_.Part(kState1, 1000, "Liar", "SPEED", "header")).integer("nent", nent);
+    return Listed("Liar");
+  }
+};
+INSTANTIATE_TEST_SUITE_P(Layouts, ValueFetchArrays, ::testing::Values(Layout::kSplit, Layout::kSingle), NameOfLayout);
+
+TEST_P(ValueFetchArrays, OfTheCallerStayInPlaceWhereTheyAreLargeEnough) {
+  file_.Add(kState1, Nodes(2));
+  ORVResult nodes = Listed();
+  Bring(3);
+  float* const array = values_.m_values;
+  int* const ids = values_.m_ids;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_values, array);
+  EXPECT_EQ(values_.m_ids, ids);
+  EXPECT_EQ(values_.m_capacity, 3);
+  EXPECT_EQ(values_.values(), (Floats{11, 21}));
+  EXPECT_EQ(values_.ids(), (Ints{100, 200}));
+  EXPECT_EQ(array[2], -1);
+}
+
+TEST_P(ValueFetchArrays, OfTheCallerGrowToTheTotal) {
+  file_.Add(kState1, Nodes(2));
+  ORVResult nodes = Listed();
+  Bring(1);
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values_.m_capacity, 6);
+  EXPECT_EQ(values_.values(), (Floats{11, 12, 13, 21, 22, 23}));
+  EXPECT_EQ(values_.ids(), (Ints{100, 200}));
+}
+
+TEST_P(ValueFetchArrays, OfIdsGrowOnlyWhenIdsAreWanted) {
+  file_.Add(kState1, Nodes(3));
+  ORVResult nodes = Listed();
+  Bring(1);
+  int* const ids = values_.m_ids;
+  values_.m_wantIds = 0;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_capacity, 3);
+  EXPECT_EQ(values_.m_ids, ids);
+  EXPECT_EQ(*ids, -1);
+  values_.m_wantIds = 1;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_capacity, 3);
+  EXPECT_EQ(values_.ids(), (Ints{100, 200, 300}));
+  EXPECT_EQ(values_.m_spare, -1);
+}
+
+TEST_P(ValueFetchArrays, OfIdsKeepTrackOfTheirRoomThroughSeveralFetches) {
+  file_.Add(kState1, Nodes(3));
+  ORVResult nodes = Listed();
+  Bring(1);
+  values_.m_wantIds = 0;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values_.m_capacity, 9);
+  EXPECT_EQ(values_.m_spare, 1);
+  values_.m_wantIds = 1;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.ids(), (Ints{100, 200, 300}));
+}
+
+TEST_P(ValueFetchArrays, ThatTheCallerDidNotBringAreMade) {
+  file_.Add(kState1, Nodes(2));
+  ORVResult nodes = Listed();
+  values_.m_capacity = 5;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_capacity, 5);
+  EXPECT_EQ(values_.values(), (Floats{11, 21}));
+  EXPECT_EQ(values_.ids(), (Ints{100, 200}));
+}
+
+TEST_P(ValueFetchArrays, WithANegativeCapacityAreThoseOfTheFetch) {
+  file_.Add(kState1, Nodes(1));
+  ORVResult nodes = Listed();
+  values_.m_capacity = -5;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_capacity, -5);
+  EXPECT_EQ(values_.values(), (Floats{11}));
+}
+
+TEST_P(ValueFetchArrays, OfTheCallerStayWithItWhereNothingIsRead) {
+  ORVResult gone = Listed("Gone", 2);
+  Bring(1);
+  EXPECT_EQ(Fetch({&gone}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(values_.m_capacity, 2);
+  EXPECT_EQ(values_.m_valueCount, 0);
+  ASSERT_NE(values_.m_values, nullptr);
+  EXPECT_EQ(values_.m_values[0], -1);
+  EXPECT_EQ(gone.m_res, nullptr);
+}
+
+TEST_P(ValueFetchArrays, AreNotMadeForMoreThanAHostCanCount) {
+  ORVResult liar = Claiming(std::int64_t{INT_MAX} + 1);
+  EXPECT_EQ(Fetch({&liar}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(), (std::vector<Message>{{0, "Memory allocation failed for (No. Values 2147483648)"}}));
+  ExpectNoAnswer();
+}
+
+TEST_P(ValueFetchArrays, AreNotMadeForItThoughTheFileHoldsAsMuch) {
+  AddBare("Large", hsize_t{INT_MAX} + 1);
+  ORVResult large = ListedBlock(1000, "Large", "SPEED", 1, 1, speed_.get());
+  EXPECT_EQ(Fetch({&large}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(), (std::vector<Message>{{0, "Memory allocation failed for (No. Values 2147483648)"}}));
+}
+
+TEST_P(ValueFetchArrays, AreNotMadeForSumsThatNoNumberHolds) {
+  ORVResult liar = Claiming(INT64_MAX);
+  std::vector<ORVResult*> three(3, &liar);
+  EXPECT_EQ(Fetch(three, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(),
+            (std::vector<Message>{{0, "Memory allocation failed for (No. Values 9223372036854775807)"}}));
+}
+
+TEST_P(ValueFetchArrays, AreNotMadeOnTheWordOfAHeader) {
+  ORVResult liar = Claiming(500'000'000);
+  file_.Add(kState1, Nodes(1));
+  ORVResult nodes = Listed();
+  const Message refusal = {0, "Memory allocation failed for (No. Values 500000001)"};
+  EXPECT_EQ(Fetch({&nodes, &liar}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(), (std::vector<Message>{refusal}));
+  Bring(1);
+  EXPECT_EQ(Fetch({&nodes, &liar}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(), (std::vector<Message>{refusal, refusal}));
+  EXPECT_EQ(values_.m_capacity, 1);
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+}
+
+TEST_P(ValueFetchArrays, AreMadeForLargeBlocksThatTheFileHolds) {
+  // 17 million values that take no room in the file: 68 MB in memory.
+  AddBare("Node", 17'000'000);
+  ORVResult gone = Listed("Gone", 1000);  // adds values that are not there, but few
+  ORVResult nodes = ListedBlock(1000, "Node", "SPEED", 1, 1, speed_.get());
+  values_.m_wantIds = 0;
+  EXPECT_EQ(Fetch({&nodes, &gone}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_valueCount, 17'000'000);
+  EXPECT_EQ(values_.m_values[16'999'999], 0);
+}
+
+TEST_P(ValueFetchArrays, PassOverNegativeCountsOfADamagedHeader) {
+  file_.Add(kState1, Nodes(1));
+  ORVResult liar = Claiming(-1);
+  ORVResult nodes = Listed();
+  EXPECT_EQ(Fetch({&liar, &nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.values(), (Floats{11}));
+  ORVResult layers = ListedBlock(1100, "SHELL", "SPEED", 2, 3, speed_.get());
+  layers.m_numl = -1;
+  values_.DeleteAllocation(true);
+  values_.m_layer = -101;
+  EXPECT_EQ(Fetch({&layers, &nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.values(), (Floats{11}));
+}
+
+}  // namespace
