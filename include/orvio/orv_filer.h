@@ -3,13 +3,23 @@
 #include <string>
 #include <vector>
 
+#include "orvio/orv_definitions.h"
+#include "orvio/orv_entity_type.h"
+#include "orvio/orv_ext_var.h"
+#include "orvio/orv_index.h"
+#include "orvio/orv_properties.h"
 #include "orvio/orv_result.h"
+#include "orvio/orv_result_values.h"
+#include "orvio/orv_system.h"
 #include "orvio/orv_types.h"
+#include "orvio/orv_variable_grp.h"
 
 struct ORVContainer;
 
 /// The facade of the library: one object per file. It does nothing until told, and no file stays open between
-/// its operations. Status answers are 0 for success and 1 for failure unless told otherwise.
+/// its operations. Status answers are 0 for success and 1 for failure unless told otherwise. What was read belongs to
+/// the filer: the pointers and lists that it hands out live until it is cleared or destroyed. Lookups append to the
+/// caller's vector and empty it nowhere.
 ///
 /// Filers share the process-wide switches and the reader pool: use them from one thread.
 class ORVIO_EXPORT ORVFiler {
@@ -36,6 +46,10 @@ class ORVIO_EXPORT ORVFiler {
   int GetMajorVersion();
   bool IsMajorVersion(int major);
   int GetMajorWriteVersion();  ///< 1 without a write container
+  /// Texts of the unit system block: null until InitReader or ReadSystemBlock has read one.
+  const char* GetTitle();
+  const char* GetSolverName();
+  const char* GetSolverVersion();
   /// 0 without variables; else 1 for single-state results or properties, plus 2 for multi-state results.
   int GetAvailableDataset();
   /// True if 1 or 2 is set in `mask`, whatever the file holds.
@@ -46,6 +60,25 @@ class ORVIO_EXPORT ORVFiler {
   /// Reads a block of this file; see ORVBlock::ReadBlock.
   int ReadBlock(ORVBlock* block, int state, int stages);
 
+  // ---- Start-up
+
+  /// Reads what the filer must know to answer: variables and groups, headers of the results (of the multi-state
+  /// section, the constant section and the first state), the unit system, index types and properties, and gives every
+  /// component a handle. It reads no values. `nextId` is the next free id of a handle (below 1: 1) and is raised.
+  /// 0; 1 without variables or results; 18 without results where states or constants were to be skipped. A second
+  /// call clears first.
+  int InitReader(int& nextId);
+  /// Reads the headers of the multi-state results that InitReader was told to skip, or again with `force`. 1 when there
+  /// was nothing to do or nothing was found.
+  int ReadMultiStateBlocks(bool force);
+  int ReadSystemBlock();  ///< reads the unit system; 0 at once if it is there
+  /// Adds the results that only later states have: those of one state, of all from the second on (below 1), or with
+  /// `mode` 1 of all from `state` on. `added` counts those without a twin in the list. `nextId` is the next free id of a
+  /// handle; -1 for the one after the largest.
+  int UpdateContainer(int state, int& added, int nextId, int mode);
+  /// For a file that has grown: extents of the multi-state results are read anew, state indexes at their next demand.
+  void InitForReload();
+
   // ---- Messages and switches
 
   /// Receives the texts of all filers of the process; null silences them.
@@ -53,6 +86,146 @@ class ORVIO_EXPORT ORVFiler {
   static ORVMessageCallBack _m_pMessageFuc;
   /// Compression on with `digits` if `on` is not 0 and `digits` not negative; else off.
   static void SetGlobalCompressionParameters(int on, int digits);
+
+  // ---- Variables and handles
+
+  /// Binds each result to the variable, or group where the file has groups, of its name, and gives every component of
+  /// it a handle. `nextIID` is raised. `applicable` is 1 for single-state results, 2 for multi-state ones.
+  int AssociateVariables(std::vector<ORVResult*>& results, int& nextIID, int applicable);
+  std::vector<ORVVariable*>& GetVariables();
+  std::vector<ORVVariableGrp*>& GetVariableGroups();
+  ORVVariable* GetVariable(const char* name);          ///< the first of that name; null when there is none
+  ORVVariableGrp* GetVariableGroup(const char* name);  ///< the first of that name
+  /// Appends the first variable of each name, or key; 0 if any was found.
+  int GetVariableBlocks(std::vector<const char*>& names, std::vector<ORVVariable*>& out, bool byKey);
+  /// The part before the ':' of a variable's key, from the single-state results (1) or the multi-state ones (2).
+  int GetVariableKeyPrefix(std::string& out, int which);
+  ORVSimulationType* GetIndexTypes();  ///< null where there are none
+  ORVSystem* GetSystem();              ///< null where there is none; never reads
+
+  /// All handles, stored and computed, in the order of their making.
+  std::vector<ORVExtVar*>& GetExtVariables();
+  std::uint64_t GetNumExtVariables();
+  ORVExtVar* GetExtVariable(const char* name);        ///< the first of that name; null when there is none
+  ORVExtVar* GetExtVariable(int id, bool byIID);      ///< by internal id, or by external id
+  ORVVariable* GetVariableFrmID(int id, bool byIID);  ///< the first variable that has the handle
+  /// Makes handles under new names and types for `count` existing ones from `iids[start]` on. A name that a result of
+  /// the list `which` (1 single-state, 2 multi-state) goes by already is passed over. 0 if one was made.
+  ///
+  /// Pass k looks for a clash of `names[start + k]` and makes `names[k]` with `types[k]`.
+  int CopyCreateExtendedVariables(std::vector<int>& iids, std::uint64_t start, std::uint64_t count,
+                                  std::vector<const char*>& names, std::vector<int>& types, int which, bool copyUnit);
+  /// Chooses the computed measures of each variable from now on; null for the built-in tables.
+  void SetExtedComputedTypeCallBackHandler(ORVExtendComputedTypeCallBack handler);
+  void* SetFilerCallBackClient(void* client);  ///< answers the former one
+
+  /// Appends nothing: assigns the base units and derived units of the file to the vectors.
+  void GetUnitList(std::vector<ORVUnit*>& base, std::vector<ORVUnit*>& derived);
+
+  // ---- Results. `type` is a block key, -1 for any. `flags` chooses the list: 1 single-state and constant results,
+  // else 2 multi-state ones. An empty vector of types passes all; where names and types are all empty, nothing is found.
+
+  std::vector<ORVResult*>& GetResultList(int singleState);  ///< 0: the multi-state list, else the other
+  void GetResultBlks(std::vector<ORVResult*>& out, int type, int flags);
+  /// By entity type and key or variable name.
+  void GetResultBlks(std::vector<_ORVEntityType>& entities, std::vector<const char*>& names,
+                     std::vector<ORVResult*>& out, int type, int flags);
+  /// By base entity type and key or variable name.
+  void GetResultBlks(std::vector<int>& baseTypes, std::vector<const char*>& names, std::vector<ORVResult*>& out,
+                     int type, int flags);
+  /// By key or variable name, or with `exactName` by the variable's name alone.
+  void GetResultBlks(std::vector<const char*>& names, std::vector<ORVResult*>& out, int type, int flags,
+                     bool exactName);
+  /// By the name of the entity type, and key or variable name.
+  void GetResultBlksByName(std::vector<const char*>& typeNames, std::vector<const char*>& names,
+                           std::vector<ORVResult*>& out, int type, int flags);
+  void GetResultBlksByVariableNameFlag(std::vector<int>& baseTypes, std::vector<const char*>& names,
+                                       std::vector<ORVResult*>& out, int type, int flags, bool exactName);
+  /// By the name of a handle.
+  void GetResultBlksFrmCmp(std::vector<int>& baseTypes, std::vector<const char*>& components,
+                           std::vector<ORVResult*>& out, int type, int flags);
+  void GetResultBlksFrmCmp(std::vector<_ORVEntityType>& entities, std::vector<const char*>& components,
+                           std::vector<ORVResult*>& out, int type, int flags);
+  /// By the internal id of a handle.
+  void GetResultBlksFrmCmp(std::vector<_ORVEntityType>& entities, std::vector<int>& baseTypes, std::vector<int>& extIds,
+                           std::vector<ORVResult*>& out, int type, int flags);
+  /// Blocks of the same quantity and entity type (or base type) as `sample`, which is among them.
+  void GetResultBlksFrmResBlk(ORVResult& sample, std::vector<ORVResult*>& out, bool byEntityType);
+  void GetResultBlksFrmResBlkGivenZoneId(ORVResult& sample, std::vector<ORVResult*>& out, int zoneId,
+                                         bool byEntityType);
+  /// Reads the headers of the real-valued entity results below a group of the file. The blocks are the caller's:
+  /// ClearResultBlk.
+  void GetResultBlkFromPath(std::string& path, std::vector<ORVResult*>& out);
+  void ClearResultBlk(std::vector<ORVResult*>& results);  ///< deletes all and empties the vector
+  void GetNodeCoordinateBlocks(std::vector<ORVResult*>& out);
+  void GetNodeDisplacementBlocks(std::vector<ORVResult*>& out, bool withAcceleration);
+  /// Blocks of `in` that hold a state of a load case, by the index column "LOAD CASE".
+  void GetBlocksGivenLoadCase(int loadCase, std::vector<ORVResult*>& in, std::vector<ORVResult*>& out);
+  void GetBlocksGivenSeriesName(std::string& series, std::vector<ORVResult*>& in, std::vector<ORVResult*>& out);
+  void GetUniqueSeriesMultistateBlocks(std::vector<ORVResult*>& out);  ///< the first block of each series
+
+  bool IsAllResultBlockConstant();
+  bool IsLoadCaseSeriesMultiustateData();
+  bool IsComplexData(int flags);  ///< here 3 means both lists
+  bool IsOnlyStaticCoordinate();
+  bool HasConstantCoordinate(std::vector<_ORVEntityType>& entities, std::vector<int>& baseTypes, bool stateList);
+  bool HasStateCoordinate(std::vector<_ORVEntityType>& entities, std::vector<int>& baseTypes, bool stateList);
+  bool IsDisplacementAvailable(std::vector<_ORVEntityType>& entities, std::vector<int>& baseTypes, bool withVector,
+                               int flags);
+  bool IsAnyDoublePrecisionResult(int flags, int state);
+  bool IsResultValueInDoublePrecision(std::vector<ORVResult*>& results, int state);
+  bool HasDoublePrecisionNodeCoordinates();
+  bool IsAnyResultDatasetHasH5Filter(int filterId);  ///< asked once per filter and remembered
+
+  // ---- Values
+
+  /// Values of one quantity at one state, for the blocks that hold the request's `m_resultType`; see
+  /// ORVResultValuesBase.
+  int GetValues(ORVResultValuesBase<float, int>& values);
+  /// The same for given blocks. The quantity is a handle by internal id, or by external id where `resultType` is not
+  /// -1, or with both -1 a variable by its name. A computed handle delivers the stored components that it depends on. 0
+  /// when values were delivered; else 1, with the answer part of `values` left alone.
+  int GetValues(ORVResultValuesBase<float, int>& values, std::vector<ORVResult*>& blocks, int extId, int resultType,
+                const char* variable);
+  int GetValues(ORVResultValuesBase<double, int>& values, std::vector<ORVResult*>& blocks, int extId, int resultType,
+                const char* variable);
+  /// Reads blocks whole, each at its own path, with their index rows. `path` must be null.
+  int ReadValuesByBlockPath(std::vector<ORVResult*>& blocks, ORVFetchValuesWithIndex& values, const char* path);
+
+  // ---- State index. The tables belong to the filer and are read at first demand, or again with `force`; without
+  // states they are empty.
+
+  ORVIndexBase<int, float>* GetStateIndex(bool force);
+  ORVIndexBase<int, double>* GetStateIndexDP(bool force);
+  ORVIndexBase<int, float>* GetMultiStateIndex(bool force);
+  /// One column over all states. The answer is the number of states, 0 with nothing delivered. Arrays come from the C
+  /// allocator and are the caller's; vectors are appended to.
+  int GetIndexValues(ORVIndexBase<int, float>* index, int column, int** ids, float** vals);
+  int GetIndexValues(ORVIndexBase<int, float>* index, int column, float** vals);
+  int GetIndexValues(ORVIndexBase<int, float>* index, int column, std::vector<int>& ids, std::vector<float>& vals);
+  /// Delivers the elements at 0, `column`, 2 x `column` and so on of the whole table.
+  int GetIndexValues(ORVIndexBase<int, float>* index, int column, std::vector<float>& vals);
+  bool IsIndexExist(const char* name, int& column);  ///< position of an index type; false and -1 without it
+
+  // ---- Entity types
+
+  /// Gives a number to every name that the file uses for a family of elements. New ones take the host's numbers from
+  /// `firstAppType` to `lastAppType`; the answer is how many were used.
+  int CheckCreateGenericEntityTypes(int firstAppType, int lastAppType, int state);
+  void UpdateGenericTypes(int state);  ///< collects such names from the connectivities of a state, or of all (-1)
+  const std::vector<ORVGenericEntityNameMap*>& GetGenericTypes();
+  /// The family that holds an element type, by the host's number of the type. 0 when found.
+  int GetGenericAppTypeFrmBaseAppType(int baseAppType, _ORVEntityType ignored, std::string& genericName,
+                                      int& genericAppType, _ORVEntityType& genericType);
+  void GetAppTypesFrmGeneric(const char* generic, std::vector<int>& appTypes);
+  void GetORVTypesFrmGeneric(const char* generic, std::vector<_ORVEntityType>& types);
+  /// Looks for element types that the table lacks; the vector is a copy, so nothing comes back.
+  void GetUnknowEntTyps(int state, std::vector<ORVEntityTypeMap*> types);
+  void UpdateEntityType(std::vector<ORVResult*>& results);  ///< renews the numbers in result blocks
+  void UpdateFrameEntity();                                 ///< collects the frame types of the single-state results
+  bool IsFrameEntityName(std::string& name);
+  void GetFrameEntityNames(std::vector<const char*>& names);  ///< pointers into the filer's list
+  void GetFrameEntityNames(std::vector<std::string>& names);
 
   // ---- Writing
 
@@ -72,8 +245,20 @@ class ORVIO_EXPORT ORVFiler {
                                     std::uint64_t* block, std::uint64_t* extent);
 
  protected:
+  int ReadVariableBlks(std::vector<ORVVariableGrp*>& groups, std::vector<ORVVariable*>& variables);
+  int ReadSystemBlk(ORVSystem& system);
+  int ReadIndicesBlk(ORVSimulationType& types);
+  void ReadResultBlks(int state, std::vector<ORVResult*>& results);
+  void ReadPropertiesBlks(int state, std::vector<ORVProperties*>& properties);
+  void InitProperityBlockReading(int& nextId, bool force);
+  void ReadStateIndex(bool force);
+  void ReadMultiStateIndex(bool force);
   void ClearAll();  ///< frees all that was read
 
+ private:
+  int ReadResults(int& nextId);
+
+ protected:
   ORVContainer* m_pData;       ///< what was read
   ORVContainer* m_pWriteData;  ///< file made for writing; null otherwise
   int m_nSolverOutputKind;     ///< 0 unknown, 1 no, 2 yes

@@ -4,13 +4,21 @@
 
 #include <hdf5.h>
 
+#include "entity/generic_types.h"
+#include "entity/index_types.h"
+#include "entity/state_index_fill.h"
 #include "filer/container.h"
+#include "filer/process_state.h"
 #include "h5/handle.h"
 #include "h5/reader_pool.h"
 #include "h5/status.h"
+#include "orvio/orv_properties.h"
 #include "orvio/orv_result.h"
-#include "orvio/orv_variable.h"
+#include "orvio/orv_variable_grp.h"
+#include "unit/system_read.h"
+#include "unit/unit_tables.h"
 #include "variable/variable_buffers.h"
+#include "variable/variable_group_discovery.h"
 
 namespace orvio {
 
@@ -25,16 +33,50 @@ void Release(ORVContainer* container) {
   delete container;
 }
 
+ORVContainer& DataOf(ORVContainer* container) {
+  if (container) return *container;
+  ORVContainer*& nothing = process().no_data;
+  if (!nothing) nothing = new ORVContainer(nullptr);
+  return *nothing;
+}
+
+namespace {
+
+template <class T>
+void DeleteAll(std::vector<T*>& list) {
+  for (T* item : list) delete item;
+  list.clear();
+}
+
+template <class T>
+void DeleteWithBuffers(std::vector<T*>& list) {
+  for (T* item : list) FreeBuffers(*item);
+  DeleteAll(list);
+}
+
+template <class T>
+void DeleteWithBuffers(std::unique_ptr<T>& block) {
+  if (block) FreeBuffers(*block);
+  block.reset();
+}
+
+}  // namespace
+
 void ClearContainer(ORVContainer& container) {
-  for (ORVVariable* variable : container.variables) {
-    FreeBuffers(*variable);
-    delete variable;
-  }
-  container.variables.clear();
-  for (std::vector<ORVResult*>* results : {&container.single_results, &container.multi_results}) {
-    for (ORVResult* result : *results) delete result;
-    results->clear();
-  }
+  DeleteWithBuffers(container.system);
+  DeleteWithBuffers(container.index_types);
+  ClearStateIndexes(container);
+  DeleteAll(container.ext_vars);
+  DeleteWithBuffers(container.variables);
+  DeleteWithBuffers(container.variable_groups);
+  DeleteAll(container.single_results);
+  DeleteAll(container.multi_results);
+  DeleteAll(container.properties);
+  container.has_secured_node = false;
+  ClearUnitTable(container.base_units);
+  ClearUnitTable(container.derived_units);
+  ClearGenericTypes(container);
+  container.m_frameEntityNames.clear();
 }
 
 namespace {
@@ -68,8 +110,8 @@ ORVFileVersion* VersionOnDemand(ORVContainer& container) {
 
 int AvailableDatasets(const ORVContainer& container) {
   if (container.variables.empty()) return 0;
-  return (container.single_results.empty() ? 0 : kSinglestateData) |
-         (container.multi_results.empty() ? 0 : kMultistateData);
+  const bool has_single = !container.single_results.empty() || !container.properties.empty();
+  return (has_single ? kSinglestateData : 0) | (container.multi_results.empty() ? 0 : kMultistateData);
 }
 
 bool FileHasRootGroup(const char* file, const char* name) {

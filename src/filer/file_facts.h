@@ -16,6 +16,9 @@ inline constexpr int kMultistateData = 2;
 ORVContainer* Share(ORVContainer* container);
 /// One sharer less; the last one frees the container and all in it.
 void Release(ORVContainer* container);
+/// What a filer holds, for answers by reference: lists that stay empty for one that lack of memory left without a
+/// container.
+ORVContainer& DataOf(ORVContainer* container);
 /// Frees what was read from the file.
 void ClearContainer(ORVContainer& container);
 

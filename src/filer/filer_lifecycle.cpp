@@ -80,6 +80,12 @@ int ORVFiler::GetMajorWriteVersion() {
   return m_pWriteData && m_pWriteData->version ? m_pWriteData->version->m_major : 1;
 }
 
+const char* ORVFiler::GetTitle() { return GetSystem() ? GetSystem()->m_title : nullptr; }
+
+const char* ORVFiler::GetSolverName() { return GetSystem() ? GetSystem()->m_solverName : nullptr; }
+
+const char* ORVFiler::GetSolverVersion() { return GetSystem() ? GetSystem()->m_solverVers : nullptr; }
+
 int ORVFiler::GetAvailableDataset() { return m_pData ? AvailableDatasets(*m_pData) : 0; }
 
 bool ORVFiler::IsDatasetAvailable(int mask) { return (mask & (kSinglestateData | kMultistateData)) != 0; }

@@ -6,10 +6,13 @@
 
 #include <cstdio>
 #include <utility>
+#include <vector>
 
 #include "orvio/orv_types.h"
 
 class ORVBlock;
+struct ORVContainer;
+struct ORVEntityTypeMap;
 class OH5ReaderPool;
 
 namespace orvio {
@@ -37,6 +40,10 @@ struct ProcessState {
   char g_szCurrentName[257] = {};       ///< name of the deepest group passed on the way to it
 
   WalkGuard* walk_guard = nullptr;  ///< bounds of the running group walk
+
+  std::vector<ORVEntityTypeMap*>* g_entityTypeMap = nullptr;  ///< made at the first row, never destroyed
+
+  ORVContainer* no_data = nullptr;  ///< empty lists for a filer that has none; see DataOf
 
   void (*error_handler)(int, const char*) = nullptr;       ///< takes the calls of ORVErrorDefultHandler when set
   FILE* error_stream = stderr;                             ///< else its target; null drops the texts

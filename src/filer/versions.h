@@ -15,4 +15,7 @@ int NumberOfVersion(const ORVFileVersion& version);
 /// From this writer version on a block is one "orvblock" group, and variables have keys.
 inline constexpr int kFirstSingleLayoutVersion = ORV_VERSION_2_0;
 
+/// From this version of a file on properties blocks are looked for without being asked for.
+inline constexpr int kFirstVersionWithProperties = ORV_VERSION_2_2;
+
 }  // namespace orvio

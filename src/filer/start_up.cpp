@@ -1,0 +1,93 @@
+// The steps of a filer's start-up.
+
+#include "filer/start_up.h"
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <map>
+#include <string>
+
+#include "entity/generic_types.h"
+#include "filer/messages.h"
+#include "h5/text_field.h"
+#include "orvio/orv_properties.h"
+#include "orvio/orv_variable_grp.h"
+#include "result/result_discovery.h"
+
+namespace orvio {
+namespace {
+
+constexpr int kConstant = 0, kMultiState = -1, kFirstState = 1;  // state arguments
+constexpr char kSecuredNode[] = "SECURED_NODE";
+
+struct IgnoringCase {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const {
+    return std::ranges::lexicographical_compare(
+        a, b, {}, [](unsigned char c) { return std::tolower(c); }, [](unsigned char c) { return std::tolower(c); });
+  }
+};
+
+/// Variables by key, the first of each. Those without a key cannot be named by a group.
+std::map<std::string_view, ORVVariable*, IgnoringCase> ByKey(const std::vector<ORVVariable*>& variables) {
+  std::map<std::string_view, ORVVariable*, IgnoringCase> by_key;
+  for (ORVVariable* variable : variables) {
+    const std::string_view key = Content(variable->m_varkey);
+    if (!key.empty()) by_key.try_emplace(key, variable);
+  }
+  return by_key;
+}
+
+}  // namespace
+
+void ResolveGroupKeys(ORVContainer& data) {
+  const auto by_key = ByKey(data.variables);
+  for (ORVVariableGrp* group : data.variable_groups) {
+    for (std::int64_t k = 0; k < group->m_nvar; ++k) {
+      const std::string_view key = Content(group->m_pKeys + static_cast<std::size_t>(k) * disk::kTextWidth);
+      const auto found = by_key.find(key);
+      if (found != by_key.end()) {
+        group->AppendVariable(found->second);
+      } else {
+        SendMessage(ORV_MESG_WARNING, "Unable to locate variable key \"%s\" in the \"%.255s\" variable group",
+                    std::string(key).c_str(), group->m_grpName);
+      }
+    }
+  }
+}
+
+void DiscoverAllResults(ORVContainer& data, const StartUpScope& scope) {
+  const char* file = data.path.c_str();
+  if (scope.multi_state) DiscoverResults(file, kMultiState, ORV_RESULT_MULTI_ENTITY, data.multi_results);
+  if (scope.constant) {
+    DiscoverResults(file, kConstant, ORV_RESULT_ENTITY, data.single_results);
+    DiscoverResults(file, kConstant, ORV_RESULT_ELEMENT, data.single_results);
+    for (ORVResult* result : data.single_results) result->SetConstantBlk(true);
+  }
+  if (scope.states) {  // those of the first state stand for all states
+    DiscoverResults(file, kFirstState, ORV_RESULT_ENTITY, data.single_results);
+    DiscoverResults(file, kFirstState, ORV_RESULT_ELEMENT, data.single_results);
+  }
+}
+
+bool HasSecuredNode(const std::vector<ORVProperties*>& properties) {
+  return std::ranges::any_of(properties, [](auto* p) { return EqualIgnoringCase(Content(p->m_etyp), kSecuredNode); });
+}
+
+int NextHandleId(const std::vector<ORVExtVar*>& handles) {
+  int largest = 0;
+  for (const ORVExtVar* handle : handles) largest = std::max(largest, handle->GetIID());
+  return largest < INT_MAX ? largest + 1 : INT_MAX;
+}
+
+void PrepareReload(ORVContainer& data) {
+  ClearGenericTypes(data);
+  for (ORVResult* result : data.multi_results) {
+    (void)result->ReadAttribute(data.path.c_str(), kConstant, ORV_READ_HEADER,
+                                ORV_ATT_NSTATE);  // unreadable: as it was
+  }
+  data.stale_indexes = {true, true, true};
+}
+
+}  // namespace orvio
