@@ -38,6 +38,7 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   orvio::program::AddImportCommand(app);
   orvio::program::AddInfoCommand(app);
+  orvio::program::AddStatesCommand(app);
   orvio::program::AddValuesCommand(app);
   orvio::program::AddElementsCommand(app);
   try {

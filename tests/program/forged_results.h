@@ -88,9 +88,24 @@ inline ForgedFile& AddElements(ForgedFile& file, const std::string& type, int di
       .dataset<std::int32_t>("ic", {ids.size(), nodes_each}, nodes);
 }
 
+/// A variable of one component that has no label.
+inline void AddUnlabelledVariable(ForgedFile& file, const std::string& name) {
+  file.at("/post/constant/variable/" + name + "/orvblock")
+      .integer("block", 30)
+      .text("varnam", name)
+      .text("varkey", name);
+  file.integer("ncoo", 1).integer("rank", 0).integer("ndim", 3);
+}
+
+/// What the columns of the state index are, by their names alone.
+inline void AddIndexTypes(ForgedFile& file, const std::vector<std::string>& names) {
+  file.at("/post/constant/indices/orvblock").integer("block", 20);
+  file.integer("nindex", static_cast<std::int64_t>(names.size())).texts("etypindex", 256, {names.size()}, names);
+}
+
 /// Two states, two element types.
 ///
-///     constant  TEMP        2 nodes, float                      no variable of that name
+///     constant  TEMP        2 nodes, float                      its variable has no label
 ///     state 1   STRESS      SHELL 2 elements x 2 layers x 2 components, SOLID 1 x 1 x 2, float
 ///               WAVE        2 nodes x 2 components, complex double
 ///               ODD         4 nodes, float: not a number, both infinities, the smallest
@@ -99,6 +114,8 @@ inline void FillForgedResults(ForgedFile& file) {
   AddVariable(file, "STRESS", "CLASS_STRESS", 0, {"SXX", "S,Y"});
   AddVariable(file, "WAVE", "CLASS_LENGTH", 0, {"A", "B"});
   AddVariable(file, "ODD", "", 0, {"VALUE"});
+  AddUnlabelledVariable(file, "TEMP");
+  AddIndexTypes(file, {"TIME", "STEP"});
   AddElements(file, "SHELL", 2, 4, {11, 12}, {1, 2, 3, 4, 2, 5, 6, 3});
   AddElements(file, "SOLID", 3, 3, {21}, {7, 8, 9});
   AddNodalResult(file, "/post/constant/", "TEMP", 1000, 2, 1)

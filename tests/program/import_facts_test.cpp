@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "program/filer_imported_file.h"
 #include "program/imported_file.h"
 #include "program/run_program.h"
 
@@ -19,6 +20,20 @@ namespace {
 
 using namespace orv_test;
 using nlohmann::json;
+
+/// Who looks at a file.
+enum class Eye { kLibrary, kHdf5, kFilerByName, kFilerByHandle };
+
+std::unique_ptr<ImportedFile> OpenImported(Eye eye, const std::string& path) {
+  switch (eye) {
+    case Eye::kHdf5:
+      return std::make_unique<RawImportedFile>(path);
+    case Eye::kLibrary:
+      return std::make_unique<LibraryImportedFile>(path);
+    default:
+      return std::make_unique<FilerImportedFile>(path, eye == Eye::kFilerByHandle);
+  }
+}
 
 struct SolverResult {
   const char* file;
@@ -364,11 +379,14 @@ TEST_P(ImportFacts, ComeBackFromTheImportedFile) {
 std::string TestName(const testing::TestParamInfo<ImportFacts::ParamType>& info) {
   const auto& [result, eye] = info.param;
   const std::string name = std::filesystem::path(result.file).stem().stem();
-  return name + (eye == Eye::kLibrary ? "_by_the_library" : "_by_hdf5");
+  const char* const eyes[] = {"_by_the_library", "_by_hdf5", "_by_a_filer_and_names", "_by_a_filer_and_handles"};
+  return name + eyes[static_cast<int>(eye)];
 }
 
 INSTANTIATE_TEST_SUITE_P(Solver, ImportFacts,
-                         testing::Combine(testing::ValuesIn(kResults), testing::Values(Eye::kLibrary, Eye::kHdf5)),
+                         testing::Combine(testing::ValuesIn(kResults),
+                                          testing::Values(Eye::kLibrary, Eye::kHdf5, Eye::kFilerByName,
+                                                          Eye::kFilerByHandle)),
                          TestName);
 
 }  // namespace

@@ -122,14 +122,26 @@ TEST_P(ImportLayout, HasTheGroupsOfItsVersion) {
   tree.insert(tree.end(), {constant + "entityresults", constant + "entityresults/NODE"});
   AddBlock(tree, kCoordinate, result, {}, single());
   if (version == "2.1" || version == "2.2") tree.push_back(constant + "identifiers");
-  tree.insert(tree.end(), {constant + "indices", constant + "system"});
+  tree.push_back(constant + "indices");
+  if (single()) tree.push_back(constant + "indices/orvblock");
+  if (!single()) {
+    tree.insert(tree.end(),
+                {constant + "indices/data", constant + "indices/data/etypindex", constant + "indices/header"});
+  }
+  tree.push_back(constant + "system");
   if (!single()) tree.insert(tree.end(), {constant + "system/data", constant + "system/header"});
   tree.push_back(constant + "text");
   tree.push_back(constant + (single() ? "variable" : "variables"));
-  for (const char* name : {"COORDINATE", "Complex_Translational_Displacement", "PE", "STRESS"}) {
-    AddBlock(tree, Variable(name), variable, {}, single());
+  Lines names = {"COORDINATE", "Complex_Translational_Displacement", "PE", "STRESS"};
+  if (single()) names.insert(names.end(), {"VALUE", "STEP"});  // what the index types are
+  std::sort(names.begin(), names.end());
+  for (const std::string& name : names) AddBlock(tree, Variable(name), variable, {}, single());
+  if (single()) {
+    tree.push_back(constant + "variablegroup");
+    for (const char* name : {"COORDINATE", "Complex_Translational_Displacement", "INDEX", "PE", "STRESS"}) {
+      AddBlock(tree, constant + "variablegroup/" + name, {"cnt", "offs", "varkey"}, {}, true);
+    }
   }
-  if (single()) tree.push_back(constant + "variablegroup");
   tree.insert(tree.end(), {"/post/orvheader", "/post/orvheader/orvheader", "/post/singlestate"});
   const std::string states = "/post/singlestate/state00000000000";
   tree.insert(tree.end(), {states + "1", states + "1/entityresults", states + "1/entityresults/NODE"});

@@ -44,8 +44,14 @@ class ImportedFile {
   virtual std::vector<std::string> ResultNames(int state) = 0;  ///< 0: constant ones
   virtual NodalResult Result(int state, const std::string& name) = 0;
   virtual std::vector<ElementsOfType> Elements() = 0;
+  /// Those that values are stored of; what names the columns of the state index is left out.
   virtual std::vector<VariableDefinition> Variables() = 0;
 };
+
+/// Variables that name the columns of the state index, in the format versions that have them as such.
+inline bool NamesAnIndexColumn(const std::string& variable) {
+  return variable == "TIME" || variable == "FREQUENCY" || variable == "VALUE" || variable == "STEP";
+}
 
 inline std::string WithoutBlanks(std::string text) {
   text.erase(text.find_last_not_of(' ') + 1);
@@ -107,6 +113,7 @@ class RawImportedFile : public ImportedFile {
   std::vector<VariableDefinition> Variables() override {
     std::vector<VariableDefinition> all;
     for (const std::string& name : raw_.children("/post/constant/variable")) {
+      if (NamesAnIndexColumn(name)) continue;
       const std::string block = "/post/constant/variable/" + name + "/orvblock";
       VariableDefinition variable;
       variable.name = WithoutBlanks(raw_.attribute_text(block, "varnam"));
@@ -205,14 +212,16 @@ class LibraryImportedFile : public ImportedFile {
     int count = 0;
     Require(ORVVariable().ReadNumBlock(path_.c_str(), 0, &count) == 0, "number of variables");
     for (int i = 0; i < count; ++i) all.push_back(Variable(i));
+    std::erase_if(all, [](const VariableDefinition& variable) { return NamesAnIndexColumn(variable.name); });
     return all;
   }
 
- private:
+ protected:
   static void Require(bool fine, const std::string& what) {
     if (!fine) throw std::runtime_error("the library does not read: " + what);
   }
 
+ private:
   static std::vector<std::string>& Names() {
     static std::vector<std::string> names;
     return names;
@@ -254,13 +263,5 @@ class LibraryImportedFile : public ImportedFile {
 
   std::string path_;
 };
-
-/// Who looks at a file.
-enum class Eye { kLibrary, kHdf5 };
-
-inline std::unique_ptr<ImportedFile> OpenImported(Eye eye, const std::string& path) {
-  if (eye == Eye::kHdf5) return std::make_unique<RawImportedFile>(path);
-  return std::make_unique<LibraryImportedFile>(path);
-}
 
 }  // namespace orv_test

@@ -16,17 +16,18 @@ using testing::HasSubstr;
 
 class InfoCommand : public ProgramTest {
  protected:
-  static std::string TextOf(const std::string& path) {
+  /// `told` is what the library has to say of the file.
+  static std::string TextOf(const std::string& path, const std::string& told = "") {
     const ProgramRun run = RunOrv({"info", path});
     EXPECT_EQ(run.exit_code, 0) << run.err;
-    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.err, told);
     return run.out;
   }
 
-  static json JsonOf(const std::string& path) {
+  static json JsonOf(const std::string& path, const std::string& told = "") {
     const ProgramRun run = RunOrv({"info", path, "--json"});
     EXPECT_EQ(run.exit_code, 0) << run.err;
-    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.err, told);
     return json::parse(run.out);
   }
 };
@@ -43,10 +44,11 @@ elements  count  nodes each  dimension
 SHELL         2           4          2
 SOLID         1           3          3
 
-Variables (3)
+Variables (4)
 variable  shape   class         components
 ODD       scalar  -             VALUE
 STRESS    scalar  CLASS_STRESS  SXX S,Y
+TEMP      scalar  -
 WAVE      scalar  CLASS_LENGTH  A B
 
 Results (5)
@@ -58,9 +60,9 @@ STRESS  SHELL  2 x 2 layers           2  float           states 1-2
 STRESS  SOLID  1 x 1 layers           2  float           states 1
 
 States (2)
-state  index values
-    1  0.125  1
-    2  0.25  1
+state   TIME  STEP
+    1  0.125     1
+    2   0.25     1
 )");
 }
 
@@ -69,12 +71,16 @@ TEST_F(InfoCommand, TellsTheSameAsJson) {
   FillForgedResults(file);
   const std::string path = file.path();
   json expected = json::parse(R"({
-    "format_version": "2.0.0",
+    "format_version": "2.0.0", "title": "", "solver": "", "unit_system": "", "index": ["TIME", "STEP"],
     "states": [{"state": 1, "index": [0.125, 1]}, {"state": 2, "index": [0.25, 1]}],
     "variables": [
-      {"name": "ODD", "key": "ODD", "class": "", "shape": "scalar", "components": ["VALUE"]},
-      {"name": "STRESS", "key": "STRESS", "class": "CLASS_STRESS", "shape": "scalar", "components": ["SXX", "S,Y"]},
-      {"name": "WAVE", "key": "WAVE", "class": "CLASS_LENGTH", "shape": "scalar", "components": ["A", "B"]}],
+      {"name": "ODD", "key": "ODD", "class": "", "shape": "scalar", "components": ["VALUE"],
+       "computed": []},
+      {"name": "STRESS", "key": "STRESS", "class": "CLASS_STRESS", "shape": "scalar", "components": ["SXX", "S,Y"],
+       "computed": []},
+      {"name": "TEMP", "key": "TEMP", "class": "", "shape": "scalar", "components": [""], "computed": []},
+      {"name": "WAVE", "key": "WAVE", "class": "CLASS_LENGTH", "shape": "scalar", "components": ["A", "B"],
+       "computed": []}],
     "results": [
       {"section": "constant", "entity": "NODE", "variable": "TEMP", "element_values": false, "complex": false,
        "type": "float", "components": 1, "count_min": 2, "count_max": 2},
@@ -117,6 +123,20 @@ STRESS                      tensor  CLASS_STRESS  SXX SYY SZZ SXY SYZ SZX
 Translational_Displacement  vector  CLASS_LENGTH  D1 D2 D3
 VELO                        vector  -             V1 V2 V3
 
+Computed components (11)
+computed                              from
+COORDINATE_Magnitude                  COORDINATE
+STRESS_Von Mises                      STRESS
+STRESS_Tresca                         STRESS
+STRESS_Pressure                       STRESS
+STRESS_Mean                           STRESS
+STRESS_First Princ.                   STRESS
+STRESS_Second Princ.                  STRESS
+STRESS_Third Princ.                   STRESS
+STRESS_Determinant                    STRESS
+Translational_Displacement_Magnitude  Translational_Displacement
+VELO_Magnitude                        VELO
+
 Results (5)
 result                      of    count  components  type   where
 COORDINATE                  NODE   1939           3  float  constant
@@ -126,8 +146,8 @@ Translational_Displacement  NODE   1939           3  float  states 1-51
 VELO                        NODE   1939           3  float  states 1-51
 
 )");
-  EXPECT_THAT(text, HasSubstr("\n    1  1.2e-05  1\n"));
-  EXPECT_THAT(text, testing::EndsWith("\n   51  0.000612  1\n"));
+  EXPECT_THAT(text, HasSubstr("\nstate      TIME  STEP\n    1   1.2e-05     1\n"));
+  EXPECT_THAT(text, testing::EndsWith("\n   51  0.000612     1\n"));
   const json info = JsonOf(path);
   EXPECT_EQ(info["states"].size(), 51U);
   EXPECT_EQ(info["states"][50], json::parse(R"({"state": 51, "index": [0.000612, 1]})"));
@@ -165,7 +185,7 @@ TEST_F(InfoCommand, CutsALongListOfStatesInTheMiddle) {
   const std::string path = Import(WriteFile("long.frd", FrdRun(blocks)));
   const std::string text = TextOf(path);
   EXPECT_THAT(text, HasSubstr("States (61)\n"));
-  EXPECT_THAT(text, HasSubstr("40     40.5  1\n...    (11 more)\n52     52.5  1\n"));
+  EXPECT_THAT(text, HasSubstr("\n40     40.5       1\n...    (11 more)\n52     52.5       1\n"));
   EXPECT_EQ(JsonOf(path)["states"].size(), 61U);
 }
 
@@ -183,16 +203,23 @@ TEST_F(InfoCommand, TellsOfAFileWithoutAnyBlock) {
   const std::string path = file.path();
   json expected = {{"file", path},
                    {"format_version", "2.0.0"},
+                   {"title", ""},
+                   {"solver", ""},
+                   {"unit_system", ""},
+                   {"index", json::array()},
                    {"states", json::array()},
                    {"variables", json::array()},
                    {"results", json::array()},
                    {"elements", json::array()}};
-  EXPECT_EQ(JsonOf(path), expected);
-  EXPECT_THAT(TextOf(path), HasSubstr("States (0)\n"));
+  const std::string told = "orv: " + path + ": Unable to read variable blocks(/post/constant/variable)\n";
+  EXPECT_EQ(JsonOf(path, told), expected);
+  EXPECT_THAT(TextOf(path, told), HasSubstr("States (0)\n"));
 }
 
 TEST_F(InfoCommand, TellsOfMultiStateResults) {
   ForgedFile file;
+  AddUnlabelledVariable(file, "ENERGY");
+  AddIndexTypes(file, {"TIME"});
   file.at("/post/multistate/multientityresults/NODE/ENERGY/orvblock")
       .integer("block", 1050)
       .text("etyp", "NODE")
@@ -210,28 +237,37 @@ TEST_F(InfoCommand, TellsOfMultiStateResults) {
   EXPECT_EQ(results[0]["count_max"], 2);
 }
 
+/// The columns are counted in the first state, and the table of states ends where a row cannot be read.
 TEST_F(InfoCommand, LeavesAnImpossibleIndexOut) {
-  for (const std::int64_t columns : {std::int64_t{3}, std::int64_t{1} << 62, std::int64_t{-1}}) {
+  for (const std::int64_t columns : {std::int64_t{3}, std::int64_t{1} << 62}) {
     SCOPED_TRACE(columns);
     ForgedFile file;
     FillForgedResults(file);
-    file.at(std::string(kState2) + "elementresults/SHELL/STRESS/orvblock").integer("nindex", columns);
-    EXPECT_EQ(JsonOf(file.path())["states"],
-              json::parse(R"([{"state": 1, "index": [0.125, 1]}, {"state": 2, "index": []}])"));
+    file.at(std::string(kState1) + "elementresults/SHELL/STRESS/orvblock").integer("nindex", columns);
+    EXPECT_EQ(JsonOf(file.path())["states"], json::parse(R"([{"state": 1, "index": []}, {"state": 2, "index": []}])"));
   }
+  ForgedFile file;
+  FillForgedResults(file);
+  file.at(std::string(kState2) + "elementresults/SHELL/STRESS/orvblock").drop("indexval");
+  EXPECT_EQ(JsonOf(file.path())["states"],
+            json::parse(R"([{"state": 1, "index": [0.125, 1]}, {"state": 2, "index": []}])"));
 }
 
 TEST_F(InfoCommand, LeavesAVariableWithImpossibleCountsOut) {
   for (const char* name : {"ncoo", "subslen"}) {
     for (const std::int64_t count : {std::int64_t{1} << 62, std::int64_t{1} << 40, std::int64_t{-1}}) {
       SCOPED_TRACE(name + std::string(" ") + std::to_string(count));
+      if (count < 0 && std::string(name) == "subslen") continue;  // mended, and told when handles are made
       ForgedFile file;
       FillForgedResults(file);
       file.at("/post/constant/variable/STRESS/orvblock").integer(name, count);
-      const json variables = JsonOf(file.path())["variables"];
-      ASSERT_EQ(variables.size(), 2U);
+      const std::string missing = "orv: " + file.path() + ": Missing Variable definition \"STRESS\" for ";
+      const json variables =
+          JsonOf(file.path(), missing + "\"SHELL\" type\n" + missing + "\"SOLID\" type\n")["variables"];
+      ASSERT_EQ(variables.size(), 3U);
       EXPECT_EQ(variables[0]["name"], "ODD");
-      EXPECT_EQ(variables[1]["name"], "WAVE");
+      EXPECT_EQ(variables[1]["name"], "TEMP");
+      EXPECT_EQ(variables[2]["name"], "WAVE");
     }
   }
 }

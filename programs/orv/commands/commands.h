@@ -8,6 +8,7 @@ namespace orvio::program {
 void AddImportCommand(CLI::App& app);
 void AddElementsCommand(CLI::App& app);
 void AddInfoCommand(CLI::App& app);
+void AddStatesCommand(CLI::App& app);
 void AddValuesCommand(CLI::App& app);
 
 }  // namespace orvio::program

@@ -1,6 +1,7 @@
 // orv import: other programs' results become result files.
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <map>
 #include <memory>
@@ -18,6 +19,8 @@ const std::map<std::string, _ORVVersion> kVersions = {
 };
 
 bool IsFrdName(const std::string& name) { return name.ends_with(".frd") || name.ends_with(".frd.gz"); }
+
+std::string AllUnitSystems() { return fmt::format("{}", fmt::join(UnitSystemNames(), ", ")); }
 
 void Import(const FrdImportOptions& options, bool quiet) {
   if (!IsFrdName(options.input.string())) {
@@ -41,15 +44,21 @@ void Import(const FrdImportOptions& options, bool quiet) {
 void AddImportCommand(CLI::App& app) {
   auto options = std::make_shared<FrdImportOptions>();
   auto quiet = std::make_shared<bool>(false);
+  auto units = std::make_shared<std::string>();
   CLI::App* command = app.add_subcommand("import", "Translate a CalculiX result (.frd, .frd.gz) into a result file");
   command->add_option("result", options->input, "Result of the solver")->required();
   command->add_option("out", options->output, "Result file to write; one that exists is replaced when all went well")
       ->required();
   command->add_option("--format-version", options->version, "Version of the format to write: 1.0 to 2.2 (default 2.2)")
       ->transform(CLI::CheckedTransformer(kVersions));
+  command->add_option("--units", *units, "Units of the run, which the result does not tell: " + AllUnitSystems())
+      ->check(CLI::IsMember(UnitSystemNames()));
   command->add_flag("--partial", options->partial, "Take what is there of a run that broke off");
   command->add_flag("-q,--quiet", *quiet, "No summary");
-  command->callback([options, quiet] { Import(*options, *quiet); });
+  command->callback([options, quiet, units] {
+    if (!units->empty()) options->units = FindUnitSystem(*units);
+    Import(*options, *quiet);
+  });
 }
 
 }  // namespace orvio::program

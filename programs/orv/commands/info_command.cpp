@@ -25,7 +25,8 @@ Json ToJson(const VariableInfo& variable) {
           {"key", variable.key},
           {"class", variable.class_word},
           {"shape", variable.shape},
-          {"components", variable.components}};
+          {"components", variable.components},
+          {"computed", variable.computed}};
 }
 
 Json ToJson(const StateInfo& state) { return {{"state", state.state}, {"index", state.index}}; }
@@ -58,6 +59,10 @@ Json ListToJson(const std::vector<T>& list) {
 void PrintJson(const FileModel& model) {
   const Json json = {{"file", model.path},
                      {"format_version", VersionText(model.version)},
+                     {"title", model.title},
+                     {"solver", model.solver},
+                     {"unit_system", model.unit_system},
+                     {"index", model.index_names},
                      {"states", ListToJson(model.states)},
                      {"variables", ListToJson(model.variables)},
                      {"results", ListToJson(model.results)},
@@ -84,15 +89,22 @@ std::string Counts(const ResultInfo& result) {
 }
 
 /// Long lists are cut in the middle; --json has them whole.
-void PrintStates(const std::vector<StateInfo>& states) {
+void PrintStates(const std::vector<std::string>& names, const std::vector<StateInfo>& states) {
   constexpr std::size_t kShown = 60, kFirst = 40, kLast = 10;
-  Table table({"state", "index values"});
+  std::vector<std::string> heading = {"state"};
+  heading.insert(heading.end(), names.begin(), names.end());
+  Table table(heading);
   for (std::size_t i = 0; i < states.size(); ++i) {
     if (states.size() > kShown && i == kFirst) {
-      table.Add({"...", fmt::format("({} more)", states.size() - kFirst - kLast)});
+      std::vector<std::string> gap = {"...", fmt::format("({} more)", states.size() - kFirst - kLast)};
+      gap.resize(heading.size());
+      table.Add(gap);
       i = states.size() - kLast;
     }
-    table.Add({fmt::format("{}", states[i].state), fmt::format("{}", fmt::join(states[i].index, "  "))});
+    std::vector<std::string> row = {fmt::format("{}", states[i].state)};
+    for (const double value : states[i].index) row.push_back(fmt::format("{}", value));
+    row.resize(heading.size());
+    table.Add(row);
   }
   table.Print(fmt::format("States ({})", states.size()));
 }
@@ -108,6 +120,17 @@ void PrintVariables(const std::vector<VariableInfo>& variables) {
     table.Add({variable.name, variable.shape, variable.class_word.empty() ? "-" : variable.class_word, components});
   }
   table.Print(fmt::format("Variables ({})", variables.size()));
+}
+
+/// The measures that a host computes, by the names under which orv values takes them.
+void PrintComputed(const std::vector<VariableInfo>& variables) {
+  std::size_t count = 0;
+  Table table({"computed", "from"});
+  for (const VariableInfo& variable : variables) {
+    for (const std::string& name : variable.computed) table.Add({name, variable.name});
+    count += variable.computed.size();
+  }
+  if (count > 0) table.Print(fmt::format("Computed components ({})", count));
 }
 
 void PrintResults(const std::vector<ResultInfo>& results) {
@@ -132,10 +155,14 @@ void PrintElements(const std::vector<ElementInfo>& elements) {
 
 void PrintText(const FileModel& model) {
   fmt::print("{}\nformat version {}\n", model.path, VersionText(model.version));
+  if (!model.title.empty()) fmt::print("title {}\n", model.title);
+  if (!model.solver.empty()) fmt::print("solver {}\n", model.solver);
+  if (!model.unit_system.empty()) fmt::print("units {}\n", model.unit_system);
   PrintElements(model.elements);
   PrintVariables(model.variables);
+  PrintComputed(model.variables);
   PrintResults(model.results);
-  PrintStates(model.states);
+  PrintStates(model.index_names, model.states);
 }
 
 }  // namespace

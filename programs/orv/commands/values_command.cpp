@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <memory>
@@ -12,6 +13,8 @@
 #include "commands/commands.h"
 #include "commands/csv.h"
 #include "commands/table.h"
+#include "reading/result_file.h"
+#include "reading/state_selection.h"
 #include "reading/value_table.h"
 #include "trouble.h"
 
@@ -68,24 +71,49 @@ std::vector<std::string> Row(const ValueTable& table, std::size_t row) {
   return cells;
 }
 
+/// Which of state and entity type differ between tables, and so have to be shown.
+struct Differing {
+  explicit Differing(const std::vector<ValueTable>& tables) {
+    for (const ValueTable& table : tables) {
+      state = state || table.state != tables.front().state;
+      // Two blocks of one type in a state are told apart by their headings too.
+      const auto in_state = [&](const ValueTable& other) { return other.state == table.state; };
+      entity = entity || std::ranges::count_if(tables, in_state) > 1 || table.entity != tables.front().entity;
+    }
+  }
+
+  bool state = false, entity = false;
+};
+
+std::string Title(const ValueTable& table, const Differing& differing) {
+  const std::string state = differing.state ? fmt::format("state {}", table.state) : "";
+  const std::string entity = differing.entity ? table.entity : "";
+  return state + (state.empty() || entity.empty() ? "" : ", ") + entity;
+}
+
 void PrintText(const std::vector<ValueTable>& tables) {
+  const Differing differing(tables);
   for (const ValueTable& table : tables) {
     Table text(Heading(table));
     for (std::size_t row = 0; row < table.ids.size(); ++row) text.Add(Row(table, row));
-    text.Print(tables.size() > 1 ? table.entity : "");
+    text.Print(Title(table, differing));
   }
 }
 
-/// With several blocks the entity type is the first column.
+/// With several states or blocks the state and the entity type are the first columns.
 void PrintCsv(const std::vector<ValueTable>& tables) {
-  const auto line = [&](const std::string& entity, std::vector<std::string> fields) {
-    if (tables.size() > 1) fields.insert(fields.begin(), entity);
+  const Differing differing(tables);
+  const auto line = [&](const std::string& state, const std::string& entity, std::vector<std::string> fields) {
+    if (differing.entity) fields.insert(fields.begin(), entity);
+    if (differing.state) fields.insert(fields.begin(), state);
     PrintCsvLine(fields);
   };
   std::vector<std::string> heading;
   for (const ValueTable& table : tables) {
-    if (heading != Heading(table)) line("entity", heading = Heading(table));
-    for (std::size_t row = 0; row < table.ids.size(); ++row) line(table.entity, Row(table, row));
+    if (heading != Heading(table)) line("state", "entity", heading = Heading(table));
+    for (std::size_t row = 0; row < table.ids.size(); ++row) {
+      line(fmt::format("{}", table.state), table.entity, Row(table, row));
+    }
   }
 }
 
@@ -114,17 +142,22 @@ void PrintJson(const std::string& file, const std::vector<ValueTable>& tables) {
 }
 
 struct Options {
+  std::string file;
   ValueRequest request;
-  int state = 0;
+  std::string states = "0";
   std::vector<std::string> ids;
   bool csv = false, json = false;
 };
 
-void Run(Options& options, bool has_state) {
-  if (has_state) options.request.state = options.state;
+void Run(Options& options) {
   for (const std::string& id : options.ids) AppendIds(id, options.request.ids);
-  const std::vector<ValueTable> tables = ReadValueTables(options.request);
-  if (options.json) return PrintJson(options.request.file, tables);
+  ResultFile file(options.file);
+  std::vector<ValueTable> tables;
+  for (const int state : StatesOf(file, options.states)) {
+    for (ValueTable& table : ReadValueTables(file, options.request, state)) tables.push_back(std::move(table));
+  }
+  CheckIds(file, options.request, tables);
+  if (options.json) return PrintJson(options.file, tables);
   options.csv ? PrintCsv(tables) : PrintText(tables);
 }
 
@@ -132,16 +165,21 @@ void Run(Options& options, bool has_state) {
 
 void AddValuesCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("values", "Print the values of a variable at a state");
-  command->add_option("file", options->request.file, "Result file")->required();
-  command->add_option("--var", options->request.variable, "Variable, as orv info names it")->required();
-  CLI::Option* state = command->add_option("--state", options->state, "State from 1; 0 or none for constant values");
+  CLI::App* command = app.add_subcommand("values", "Print the values of a variable at states");
+  command->add_option("file", options->file, "Result file")->required();
+  command
+      ->add_option("--var", options->request.variable,
+                   "Variable by name or key, or component by the name of its handle, as orv info names them; a "
+                   "computed one gives the components that it is computed from")
+      ->required();
+  command->add_option("--states,--state", options->states,
+                      std::string(kStatesHelp) + ". 0 or none for constant values");
   command->add_option("--component", options->request.component, "Component by name or by number from 1");
   command->add_option("--entity", options->request.entity, "Only values of this entity or element type");
   command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")->delimiter(',');
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
-  command->callback([options, state] { Run(*options, state->count() > 0); });
+  command->callback([options] { Run(*options); });
 }
 
 }  // namespace orvio::program

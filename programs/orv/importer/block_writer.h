@@ -4,10 +4,12 @@
 #include <orvio/orvio.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "importer/quantity.h"
+#include "importer/unit_system.h"
 
 namespace orvio::program {
 
@@ -36,12 +38,22 @@ struct NodalValues {
   bool is_complex = false;
 };
 
+/// What a file tells of its origin beside its units.
+struct Origin {
+  std::string title, solver, solver_version;
+};
+
 /// A new result file. Every operation throws Trouble when the library does not answer success.
 class BlockWriter {
  public:
   /// `shown_as` is the name of the file in messages.
   BlockWriter(const std::string& path, std::string shown_as, _ORVVersion version);
 
+  /// From here on variables are written with their units.
+  void WriteUnitSystem(const UnitSystem& system, const Origin& origin);
+  /// What the columns of the state index mean.
+  void WriteIndexTypes(const std::vector<std::string>& names);
+  /// The variable, and in later versions the group of variables that results are found by.
   void WriteVariable(const Quantity& quantity);
   void WriteElements(ElementGroup& group);
   void WriteConstant(const Quantity& quantity, const NodalValues& values);
@@ -50,9 +62,15 @@ class BlockWriter {
 
  private:
   void Write(ORVBlock& block, int state, int what, const std::string& described_as);
+  void WriteVariableBlock(const Quantity& quantity);
+  void WriteGroup(const std::string& name, const std::vector<Quantity>& quantities);
+  /// Files up to version 1.2 have no groups of variables.
+  bool HasGroups() const { return version_ >= ORV_VERSION_2_0; }
 
   ORVFiler filer_;
   std::string shown_as_;
+  _ORVVersion version_;
+  bool has_units_ = false;
 };
 
 }  // namespace orvio::program

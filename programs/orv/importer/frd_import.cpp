@@ -47,6 +47,39 @@ bool IsImaginaryPartOf(const frd::Result& imaginary, const frd::Result& real) {
          std::ranges::equal(imaginary.components, real.components, same_name);
 }
 
+/// What the value of a state is. Harmonic results are marked as those of a time analysis; their imaginary parts tell.
+const char* IndexNameOf(const std::vector<frd::Result>& state) {
+  constexpr int kStatic = 0, kTime = 1, kModes = 2, kComplexModes = 3;
+  bool has_pair = false;
+  for (const frd::Result& real : state) {
+    has_pair =
+        has_pair || std::ranges::any_of(state, [&](const auto& other) { return IsImaginaryPartOf(other, real); });
+  }
+  const int type = state.front().analysis_type;
+  if (type == kModes || type == kComplexModes || has_pair) return "FREQUENCY";
+  return type == kStatic || type == kTime ? "TIME" : "VALUE";
+}
+
+constexpr char kNoStates[] = "TIME";  // name of the column in a file without states
+
+/// The text of a header line behind its word, as "Version 2.20" in "VERSION           Version 2.20".
+std::string TextBehind(const frd::Header& header, std::string_view word) {
+  for (const std::string& text : header.texts) {
+    if (!text.starts_with(word)) continue;
+    const std::size_t first = text.find_first_not_of(' ', word.size());
+    if (first != std::string::npos) return text.substr(first);
+  }
+  return {};
+}
+
+/// What the file tells of the run: its heading, which stands before the first line with a word, and the solver.
+Origin OriginOf(const frd::Header& header) {
+  Origin origin{header.case_name, TextBehind(header, "PGM"), TextBehind(header, "VERSION")};
+  const bool has_heading = !header.texts.empty() && !header.texts.front().starts_with("USER");
+  if (origin.title.empty() && has_heading) origin.title = header.texts.front();
+  return origin;
+}
+
 std::vector<float> Interleave(const std::vector<float>& real, const std::vector<float>& imaginary) {
   std::vector<float> pairs;
   pairs.reserve(real.size() * 2);
@@ -67,10 +100,12 @@ class Translation {
         progress_("importing") {}
 
   FrdImportSummary Run() {
-    (void)reader_.ReadHeader();  // heading and materials have no place in the output
+    const frd::Header header = reader_.ReadHeader();
+    if (options_.units) writer_.WriteUnitSystem(*options_.units, OriginOf(header));
     WriteNodes();
     WriteElements();
     WriteStates();
+    writer_.WriteIndexTypes({index_name_.empty() ? kNoStates : index_name_, "STEP"});
     output_.Commit();
     return summary_;
   }
@@ -142,6 +177,7 @@ class Translation {
     std::erase_if(state, [](const frd::Result& result) { return result.ids.empty() || result.values.empty(); });
     if (state.empty()) return;
     const frd::Result& first = state.front();
+    NoteIndexName(state);
     const StateIndex index{++summary_.states, first.value, first.step ? first.step->step : 0};
     progress_.Show(reader_.fraction(), fmt::format("state {}", index.state));
     quantities_.BeginState();
@@ -152,6 +188,13 @@ class Translation {
       WriteResult(index, state[i], imaginary);
     }
     state.clear();
+  }
+
+  /// The first index column has one name for all states.
+  void NoteIndexName(const std::vector<frd::Result>& state) {
+    const char* name = IndexNameOf(state);
+    if (index_name_.empty()) index_name_ = name;
+    if (index_name_ != name) index_name_ = "VALUE";
   }
 
   static frd::Result* FindImaginaryPart(std::vector<frd::Result>& state, std::size_t real, std::vector<bool>& joined) {
@@ -182,6 +225,7 @@ class Translation {
   BlockWriter writer_;
   Progress progress_;
   QuantityTable quantities_;
+  std::string index_name_;
   FrdImportSummary summary_;
 };
 

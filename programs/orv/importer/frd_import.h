@@ -4,6 +4,9 @@
 #include <orvio/orvio.h>
 
 #include <filesystem>
+#include <optional>
+
+#include "importer/unit_system.h"
 
 namespace orvio::program {
 
@@ -11,7 +14,8 @@ struct FrdImportOptions {
   std::filesystem::path input;
   std::filesystem::path output;
   _ORVVersion version = ORV_VERSION_2_2;
-  bool partial = false;  ///< take what is there of a run that broke off
+  std::optional<UnitSystem> units;  ///< none: the file tells no units
+  bool partial = false;             ///< take what is there of a run that broke off
 };
 
 /// What was written.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "frd/model.h"
+#include "importer/unit_system.h"
 
 namespace orvio::program {
 
@@ -17,10 +18,14 @@ struct Quantity {
   std::string class_word;  ///< "CLASS_STRESS" and so on, or empty
   int tensor_rank = 0;     ///< 0 for independent scalars, 1 for a vector, 2 for a symmetric tensor
   std::vector<std::string> components;
+  std::vector<Measure> measures;  ///< of the components; none beyond its end
 };
 
 /// Node coordinates.
 Quantity CoordinateQuantity();
+
+/// A column of the state index: "TIME", "STEP". The variables of a file have other names.
+Quantity IndexQuantity(const std::string& name);
 
 /// Names the quantities of a whole file. A result name whose components change gets a variable for each set of them,
 /// `SDV`, `SDV_2` and so on, because a variable has one list of components. Complex values are variables of their own:

@@ -1,4 +1,4 @@
-// What a result file holds, read through the library's blocks.
+// What a result file holds, as the library's filer tells it.
 #pragma once
 
 #include <orvio/orvio.h>
@@ -8,10 +8,13 @@
 
 namespace orvio::program {
 
+class ResultFile;
+
 struct VariableInfo {
   std::string name, key, class_word;
   std::string shape;  ///< "scalar", "vector", "tensor", "plane tensor"
   std::vector<std::string> components;
+  std::vector<std::string> computed;  ///< names of the measures that can be computed from the components
 };
 
 struct StateInfo {
@@ -39,7 +42,9 @@ struct ResultInfo {
 struct FileModel {
   std::string path;
   ORVFileVersion version;
-  std::vector<VariableInfo> variables;
+  std::string title, solver, unit_system;  ///< empty where the file does not tell
+  std::vector<std::string> index_names;    ///< columns of the index of a state
+  std::vector<VariableInfo> variables;     ///< those that only name index columns are left out
   std::vector<StateInfo> states;
   std::vector<ElementInfo> elements;
   std::vector<ResultInfo> results;
@@ -48,11 +53,8 @@ struct FileModel {
 /// Throws Trouble for a file that is no result file.
 FileModel ReadFileModel(const std::string& path);
 
-/// Variables alone, with their component names.
-std::vector<VariableInfo> ReadVariables(const std::string& path);
-
-/// Headers of the results of a state, of the constant section (0) or of all states (-1). The blocks know their paths.
-std::vector<ORVResult> ReadResultHeaders(const std::string& path, int state);
+/// What a variable of a filer is.
+VariableInfo DescribeVariable(ORVVariable& variable);
 
 /// Headers of the connectivity blocks of the constant section.
 std::vector<ORVEleConnectivity> ReadElementHeaders(const std::string& path);
@@ -60,8 +62,5 @@ std::vector<ORVEleConnectivity> ReadElementHeaders(const std::string& path);
 /// Opens the file for a moment: throws Trouble when it is missing, no file, damaged or no result file. Answers the
 /// number of states.
 int CheckResultFile(const std::string& path);
-
-/// Stored type of a block's values. ORV_UNKNOWN_TYPE when there are none.
-_ORVDataType ValueType(const std::string& path, const ORVResult& result);
 
 }  // namespace orvio::program

@@ -1,19 +1,16 @@
-// Values of one variable at one state, as rows to show.
+// Values of one variable or component at one state, as rows to show.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "reading/file_model.h"
+#include "reading/result_file.h"
 
 namespace orvio::program {
 
 struct ValueRequest {
-  std::string file;
-  std::string variable;
-  std::optional<int> state;    ///< 1-based; 0 or none: constant values
+  std::string variable;        ///< name or key of a variable, or name of a component's handle
   std::string component;       ///< label or 1-based number; empty: all
   std::string entity;          ///< entity or element type; empty: all
   std::vector<long long> ids;  ///< empty: all
@@ -33,7 +30,11 @@ struct ValueTable {
   Values values;                     ///< rows x columns, row-major
 };
 
-/// One table per block of that variable. Throws Trouble when there is none, or a component or id is unknown.
-std::vector<ValueTable> ReadValueTables(const ValueRequest& request);
+/// One table per block of that variable at a state, 1-based; constant values for state 0, and where the state has none.
+/// A component that is computed from others gives those. Throws Trouble when there is none, or a component is unknown.
+std::vector<ValueTable> ReadValueTables(ResultFile& file, const ValueRequest& request, int state);
+
+/// Throws Trouble for an id of the request that no table has.
+void CheckIds(const ResultFile& file, const ValueRequest& request, const std::vector<ValueTable>& tables);
 
 }  // namespace orvio::program

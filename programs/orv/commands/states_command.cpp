@@ -1,0 +1,85 @@
+// orv states: the states of a file and what they stand for.
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+#include "commands/csv.h"
+#include "commands/table.h"
+#include "reading/result_file.h"
+#include "reading/state_selection.h"
+
+namespace orvio::program {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Options {
+  std::string file, states;
+  bool csv = false, json = false;
+};
+
+struct Row {
+  int state;
+  std::vector<double> index;
+};
+
+std::vector<std::string> Heading(const std::vector<std::string>& names) {
+  std::vector<std::string> heading = {"state"};
+  heading.insert(heading.end(), names.begin(), names.end());
+  return heading;
+}
+
+/// A state whose index cannot be read has empty cells.
+std::vector<std::string> Cells(const Row& row, std::size_t columns) {
+  std::vector<std::string> cells = {fmt::format("{}", row.state)};
+  for (const double value : row.index) cells.push_back(fmt::format("{}", value));
+  cells.resize(columns + 1);
+  return cells;
+}
+
+void Print(const Options& options, const std::vector<std::string>& names, const std::vector<Row>& rows) {
+  if (options.json) {
+    Json json = {{"file", options.file}, {"index", names}, {"states", Json::array()}};
+    for (const Row& row : rows) json["states"].push_back({{"state", row.state}, {"index", row.index}});
+    fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+    return;
+  }
+  if (options.csv) {
+    PrintCsvLine(Heading(names));
+    for (const Row& row : rows) PrintCsvLine(Cells(row, names.size()));
+    return;
+  }
+  Table table(Heading(names));
+  for (const Row& row : rows) table.Add(Cells(row, names.size()));
+  table.Print("");
+}
+
+void Run(const Options& options) {
+  ResultFile file(options.file);
+  std::vector<Row> rows;
+  if (!options.states.empty()) {
+    for (const int state : StatesOf(file, options.states)) rows.push_back({state, file.IndexOf(state)});
+  } else {
+    for (int state = 1; state <= file.states(); ++state) rows.push_back({state, file.IndexOf(state)});
+  }
+  Print(options, file.IndexNames(), rows);
+}
+
+}  // namespace
+
+void AddStatesCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("states", "List the states of a result file with their index values");
+  command->add_option("file", options->file, "Result file")->required();
+  command->add_option("--states", options->states, kStatesHelp);
+  CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
+  command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
+  command->callback([options] { Run(*options); });
+}
+
+}  // namespace orvio::program
