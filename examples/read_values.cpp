@@ -4,11 +4,18 @@
 
 int main(int, char** argv) {
   ORVFiler filer(argv[1]);
-  ORVResult result(ORV_RESULT_ENTITY);
-  result.SetEntityAndVarName("NODE", "Translational_Displacement");
-  if (filer.ReadBlock(&result, 51, ORV_READ_HEADER) != 0) return 1;  // state 51: how many nodes?
-  std::vector<float> xyz(result.m_nent * 3);
-  result.m_res = xyz.data();
-  if (filer.ReadBlock(&result, 51, ORV_READ_DATA) != 0) return 1;  // the values, into our buffer
-  for (size_t i = 0; i < xyz.size(); i += 3) std::printf("%g %g %g\n", xyz[i], xyz[i + 1], xyz[i + 2]);
+  int next_id = 1;
+  if (filer.InitReader(next_id) != 0) return 1;  // reads headers and gives every component a handle
+  const ORVExtVar* handle = filer.GetExtVariable("STRESS_SXX");
+  if (!handle) return 1;
+  std::vector<int> any_type;
+  std::vector<const char*> names = {"STRESS_SXX"};
+  std::vector<ORVResult*> blocks;
+  filer.GetResultBlksFrmCmp(any_type, names, blocks, -1, 1);  // where it is stored
+  ORVResultValuesBase<float, int> stress;
+  ReadNumState(argv[1], &stress.m_state);  // the last state
+  stress.m_wantIds = 1;
+  if (filer.GetValues(stress, blocks, handle->GetIID(), -1, nullptr) != 0) return 1;
+  for (int i = 0; i < stress.m_idCount; ++i) std::printf("%d %g\n", stress.m_ids[i], stress.m_values[i]);
+  stress.DeleteAllocation(true);
 }
