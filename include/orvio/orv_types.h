@@ -48,7 +48,7 @@ enum _ORVFileMode : int {
 
 /// Bit numbers of a filer's configuration word, not masks.
 enum _ORVFilerConfig : int {
-  ORV_CONFIG_ASSIGN_UNITS = 0,      ///< fill units and the unit system into the variables
+  ORV_CONFIG_ASSIGN_UNITS = 0,      ///< make objects of the units of the file
   ORV_CONFIG_SKIP_SINGLESTATE = 1,  ///< do not discover result blocks of the states
   ORV_CONFIG_SKIP_CONSTANT = 2,     ///< do not discover constant result blocks, nor those of the states
   ORV_CONFIG_SKIP_MULTISTATE = 3,   ///< do not discover multi-state result blocks

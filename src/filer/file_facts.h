@@ -8,7 +8,7 @@ struct ORVContainer;
 
 namespace orvio {
 
-/// Answers of AvailableDatasets.
+/// Answers of AvailableDatasets, and the flags by which lookups choose a list.
 inline constexpr int kSinglestateData = 1;
 inline constexpr int kMultistateData = 2;
 

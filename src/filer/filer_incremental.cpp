@@ -17,8 +17,8 @@ int ORVFiler::UpdateContainer(int state, int& added, int nextId, int mode) {
   return h5::Entry(kFail, [&] {
     int next_id = nextId == -1 ? NextHandleId(m_pData->ext_vars) : nextId;
     const auto [first, last] = LaterStates(*m_pData, state, mode == kToTheEnd);
-    for (int s = first; s <= last; ++s) {
-      auto later = FindLaterResults(*m_pData, s, added);
+    for (std::int64_t s = first; s <= last; ++s) {
+      auto later = FindLaterResults(*m_pData, static_cast<int>(s), added);
       std::vector<ORVResult*> blocks;
       m_pData->single_results.reserve(m_pData->single_results.size() + later.size());
       for (auto& block : later) blocks.push_back(block.get());

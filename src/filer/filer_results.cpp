@@ -38,7 +38,8 @@ std::vector<ORVResult*>& ORVFiler::GetResultList(int singleState) {
 // ---- By kind, entity type and name
 
 void ORVFiler::GetResultBlks(std::vector<ORVResult*>& out, int type, int flags) {
-  if (const ResultList* list = GetResultBlkList(m_pData, flags)) h5::EntryVoid([&] { FindResultsOfKind(*list, type, out); });
+  if (const ResultList* list = GetResultBlkList(m_pData, flags))
+    h5::EntryVoid([&] { FindResultsOfKind(*list, type, out); });
 }
 
 void ORVFiler::GetResultBlks(std::vector<_ORVEntityType>& entities, std::vector<const char*>& names,

@@ -44,17 +44,18 @@ int ORVFiler::ReadResults(int& nextId) {
   scope.multi_state = !IsConfigToSkipMultiStateData();
   scope.constant = CheckConfig(ORV_CONFIG_SKIP_CONSTANT) == 0;
   scope.states = !IsConfigToSkipSingleStateData();
-  DiscoverAllResults(*m_pData, scope);
+  if (DiscoverAllResults(*m_pData, scope) != kOk) return kFail;
   if (m_pData->single_results.empty() && m_pData->multi_results.empty()) {
     if (!scope.states) return kNoResultsWithSkipping;
     InitProperityBlockReading(nextId, false);
     return m_pData->has_secured_node ? kOk : kFail;
   }
-  (void)ReadSystemBlock();  // without units the file is of use all the same,
+  (void)ReadSystemBlock();  // a file without units is of use all the same
   auto types = std::make_unique<ORVSimulationType>();
-  if (ReadIndicesBlk(*types) == kOk) m_pData->index_types = std::move(types);  // as it is without index types
+  if (ReadIndicesBlk(*types) == kOk) m_pData->index_types = std::move(types);
+  // Always 0: results without a definition have been reported.
   (void)AssociateVariables(m_pData->single_results, nextId, kServesSingleState);
-  (void)AssociateVariables(m_pData->multi_results, nextId, kServesMultiState);  // a result without one was told
+  (void)AssociateVariables(m_pData->multi_results, nextId, kServesMultiState);
   if (CheckConfig(ORV_CONFIG_ASSIGN_UNITS) != 0 && m_pData->system) {
     FillUnitTables(*m_pData->system, m_pData->base_units, m_pData->derived_units);
   }
@@ -89,7 +90,9 @@ int ORVFiler::ReadVariableBlks(std::vector<ORVVariableGrp*>& groups, std::vector
 
 void ORVFiler::ReadResultBlks(int state, std::vector<ORVResult*>& results) {
   const int kind = state == -1 ? ORV_RESULT_MULTI_ENTITY : ORV_RESULT_ENTITY;
-  if (m_pData) h5::EntryVoid([&] { DiscoverResults(m_pData->path.c_str(), state, kind, results); });
+  if (!m_pData) return;
+  // The operation has no way to tell of a lack of memory.
+  h5::EntryVoid([&] { (void)DiscoverResults(m_pData->path.c_str(), state, kind, results); });
 }
 
 int ORVFiler::ReadSystemBlock() {

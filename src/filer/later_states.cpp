@@ -28,10 +28,12 @@ std::string RelativePathOf(ORVResult& block) {
 
 std::vector<std::unique_ptr<ORVResult>> FindLaterResults(const ORVContainer& data, int state, int& added) {
   std::vector<ORVResult*> found;
-  DiscoverResults(data.path.c_str(), state, ORV_RESULT_ENTITY, found);
-  DiscoverResults(data.path.c_str(), state, ORV_RESULT_ELEMENT, found);
   std::vector<std::unique_ptr<ORVResult>> owned, later;
-  for (ORVResult* block : found) owned.emplace_back(block);
+  // What memory ran out for is left out, as is what cannot be read.
+  (void)DiscoverResults(data.path.c_str(), state, ORV_RESULT_ENTITY, found);
+  (void)DiscoverResults(data.path.c_str(), state, ORV_RESULT_ELEMENT, found);
+  owned.resize(found.size());
+  std::ranges::transform(found, owned.begin(), [](ORVResult* block) { return std::unique_ptr<ORVResult>(block); });
   for (auto& block : owned) {
     const std::string path = RelativePathOf(*block);
     bool has_twin = false, has_same = false;

@@ -10,6 +10,7 @@
 
 #include "entity/generic_types.h"
 #include "filer/messages.h"
+#include "h5/status.h"
 #include "h5/text_field.h"
 #include "orvio/orv_properties.h"
 #include "orvio/orv_variable_grp.h"
@@ -57,18 +58,22 @@ void ResolveGroupKeys(ORVContainer& data) {
   }
 }
 
-void DiscoverAllResults(ORVContainer& data, const StartUpScope& scope) {
-  const char* file = data.path.c_str();
-  if (scope.multi_state) DiscoverResults(file, kMultiState, ORV_RESULT_MULTI_ENTITY, data.multi_results);
+int DiscoverAllResults(ORVContainer& data, const StartUpScope& scope) {
+  int status = kOk;
+  const auto discover = [&](int state, int kind, std::vector<ORVResult*>& list) {
+    if (DiscoverResults(data.path.c_str(), state, kind, list) != kOk) status = kFail;
+  };
+  if (scope.multi_state) discover(kMultiState, ORV_RESULT_MULTI_ENTITY, data.multi_results);
   if (scope.constant) {
-    DiscoverResults(file, kConstant, ORV_RESULT_ENTITY, data.single_results);
-    DiscoverResults(file, kConstant, ORV_RESULT_ELEMENT, data.single_results);
+    discover(kConstant, ORV_RESULT_ENTITY, data.single_results);
+    discover(kConstant, ORV_RESULT_ELEMENT, data.single_results);
     for (ORVResult* result : data.single_results) result->SetConstantBlk(true);
   }
   if (scope.states) {  // those of the first state stand for all states
-    DiscoverResults(file, kFirstState, ORV_RESULT_ENTITY, data.single_results);
-    DiscoverResults(file, kFirstState, ORV_RESULT_ELEMENT, data.single_results);
+    discover(kFirstState, ORV_RESULT_ENTITY, data.single_results);
+    discover(kFirstState, ORV_RESULT_ELEMENT, data.single_results);
   }
+  return status;
 }
 
 bool HasSecuredNode(const std::vector<ORVProperties*>& properties) {
@@ -83,7 +88,7 @@ int NextHandleId(const std::vector<ORVExtVar*>& handles) {
 
 void PrepareReload(ORVContainer& data) {
   ClearGenericTypes(data);
-  for (ORVResult* result : data.multi_results) {
+  for (ORVResult* result : data.multi_results) {  // these lie in their own section whatever the state
     (void)result->ReadAttribute(data.path.c_str(), kConstant, ORV_READ_HEADER,
                                 ORV_ATT_NSTATE);  // unreadable: as it was
   }

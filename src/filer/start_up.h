@@ -23,8 +23,8 @@ struct StartUpScope {
 /// Gives each group the variables that its keys name. Keys that no variable has are told to the host.
 void ResolveGroupKeys(ORVContainer& data);
 
-/// Reads the headers of the results of a file into the lists of the container.
-void DiscoverAllResults(ORVContainer& data, const StartUpScope& scope);
+/// Reads the headers of the results of a file into the lists of the container. 1 when memory runs out.
+[[nodiscard]] int DiscoverAllResults(ORVContainer& data, const StartUpScope& scope);
 
 /// Whether a properties block of the list says that the nodes are secured.
 bool HasSecuredNode(const std::vector<ORVProperties*>& properties);

@@ -41,6 +41,8 @@ class ResultScan : public ORVResult {
     copy.release();  // NOLINT(bugprone-unused-return-value): the list has it now
   }
 
+  bool out_of_memory = false;
+
  private:
   void TellOfComponents() const {
     SendMessage(ORV_MESG_WARNING, "Invalid number of components in \"%.256s->%.256s\" result block (ncoo)", m_etyp,
@@ -61,18 +63,21 @@ class ResultScan : public ORVResult {
 
 /// The walk runs inside HDF5's iteration: no exception may leave. Whatever becomes of one block, the others are wanted.
 _ORVAction TakeResult(int status, int stage, void* name, void* block) {
-  h5::EntryVoid([&] {
-    auto& scan = *static_cast<ResultScan*>(static_cast<ORVBlock*>(block));
+  auto& scan = *static_cast<ResultScan*>(static_cast<ORVBlock*>(block));
+  const bool taken = h5::Entry(false, [&] {
     if (status == kOk && stage == ORV_READ_HEADER) scan.HeaderWasRead(static_cast<const char*>(name));
+    return true;
   });
+  scan.out_of_memory = scan.out_of_memory || !taken;
   return ORV_ACTION_CONTINUE;
 }
 
 }  // namespace
 
-void DiscoverResults(const char* file, int state, int block_type, std::vector<ORVResult*>& results) {
+int DiscoverResults(const char* file, int state, int block_type, std::vector<ORVResult*>& results) {
   ResultScan scan(block_type, results);
   (void)scan.DiscoverBlock(file, state, ORV_READ_HEADER, TakeResult);  // a place that is not there holds no results
+  return scan.out_of_memory ? kFail : kOk;
 }
 
 }  // namespace orvio

@@ -86,7 +86,9 @@ void Association::Associate(ORVResult& result, int applicable) {
   if (ORVVariableGrp* group = result.m_variableGrp) {
     WarnOfCounts(result, *group);
     CreateExtendedVariables(result, *group);
-    for (const ORVVariable* variable : group->m_variables) MarkApplicable(variable->m_extVars, applicable);
+    for (const ORVVariable* variable : group->m_variables) {
+      if (variable) MarkApplicable(variable->m_extVars, applicable);
+    }
   } else if (ORVVariable* variable = result.m_variable) {
     if (variable->m_extVars.empty()) {
       CreateExtendedVariables(result, *variable, 0);
@@ -149,13 +151,18 @@ std::string StoredName(ORVVariable& variable, int component, int iid) {
 }  // namespace
 
 /// A handle that is in the lists of the filer and of the variable. Null when the ids are used up.
-ORVExtVar* Association::NewHandle(ORVVariable& variable, const std::string& name, int index, int type) {
+ORVExtVar* Association::NewHandle(ORVVariable& variable, const std::string& name, int index, int type,
+                                  std::unique_ptr<ORVDependentVar> dependent) {
   if (next_iid_ == INT_MAX) return nullptr;
   auto handle = std::make_unique<ORVExtVar>();
   handle->SetIID(next_iid_);
   handle->SetName(name);
   handle->SetType(type);
   handle->m_index = index;
+  if (dependent) {
+    handle->GetDependent().push_back(dependent.get());
+    dependent.release();  // NOLINT(bugprone-unused-return-value): the handle has it now
+  }
   ++next_iid_;
   return AddHandle(std::move(handle), data_.ext_vars, variable);
 }
@@ -184,10 +191,7 @@ void Association::CreateComputed(ORVVariable& variable, const ORVExtVarEntry& en
   dependent->m_pVariable = &variable;
   dependent->m_iids.assign(inputs.begin(), inputs.begin() + static_cast<std::ptrdiff_t>(wanted));
   const std::string name = std::string(Content(variable.m_varnam)) + "_" + (entry.m_name ? entry.m_name : "");
-  ORVExtVar* handle = NewHandle(variable, name, -1, entry.m_computeType);
-  if (!handle) return;
-  handle->GetDependent().push_back(dependent.get());
-  dependent.release();  // NOLINT(bugprone-unused-return-value): the handle has it now
+  (void)NewHandle(variable, name, -1, entry.m_computeType, std::move(dependent));  // without ids left there is none
 }
 
 void Association::ExtendVariable(ORVResult& result, ORVVariable& variable, int offset) {
@@ -230,10 +234,14 @@ std::optional<int> OffsetInResult(const ORVResult& result, const ORVVariable& va
   return offset;
 }
 
-/// Whether the handles of a variable were made for another place than `offset`.
-bool StandsElsewhere(const ORVVariable& variable, int offset) {
+/// Whether the handles of a variable were made for another place than `offset`. Behind a key that no variable has, a
+/// variable answers with the place of the key before its own; its handles stand at that of its own, and a copy of it
+/// would get the same ones, with every result anew.
+bool StandsElsewhere(ORVVariableGrp& group, const ORVVariable& variable, int offset) {
   const int first = variable.m_extVars.front()->GeIndex();
-  return first != -1 && first != offset;
+  if (first == -1 || first == offset) return false;
+  int position = -1;
+  return !group.IsVariableKeyAvailable(variable.m_varkey, position) || first != group.m_pOffs[position];
 }
 
 }  // namespace
@@ -242,9 +250,10 @@ bool StandsElsewhere(const ORVVariable& variable, int offset) {
 /// place, that group gets a copy of the variable, for which handles are then made.
 void Association::ValidateCreateNewVariable(ORVResult& result) {
   for (ORVVariable*& place : result.m_variableGrp->m_variables) {
-    if (place->m_extVars.empty()) continue;
+    if (!place || place->m_extVars.empty()) continue;
     const auto offset = OffsetInResult(result, *place);
-    if (!offset || !StandsElsewhere(*place, *offset)) continue;
+    if (!offset || !StandsElsewhere(*result.m_variableGrp, *place, *offset)) continue;
+    data_.variables.reserve(data_.variables.size() + 1);  // the copy's tables go with the list
     std::unique_ptr<ORVVariable> clone = CloneVariable(*place);
     if (!clone) continue;
     data_.variables.push_back(clone.get());

@@ -3,6 +3,7 @@
 // The binding of results to their definitions, and the making of handles.
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,8 @@ class Association {
   void ExtendVariable(ORVResult& result, ORVVariable& variable, int offset);
   void CreateStored(ORVVariable& variable, int offset);
   void CreateComputed(ORVVariable& variable, const ORVExtVarEntry& entry, const std::vector<int>& inputs);
-  ORVExtVar* NewHandle(ORVVariable& variable, const std::string& name, int index, int type);
+  ORVExtVar* NewHandle(ORVVariable& variable, const std::string& name, int index, int type,
+                       std::unique_ptr<ORVDependentVar> dependent = nullptr);
 
   /// By names in lower case; the first of a name.
   template <class T>

@@ -18,13 +18,16 @@ namespace orvio {
 namespace {
 
 /// One component bears the name of the variable, several are numbered.
-void NameComponents(ORVVariable& variable) {
+void NameComponents(ORVVariable& variable, const std::string& name) {
   const std::uint64_t components = ComponentsOf(variable);
   for (std::uint64_t i = 0; i < components; ++i) {
     char* field = variable.m_pCname + i * disk::kTextWidth;
-    std::string name(Content(variable.m_varnam));
-    if (components > 1) name += " (" + std::to_string(i + 1) + ")";
-    AssignField(field, disk::kTextWidth, name);
+    if (components == 1) {
+      AssignField(field, disk::kTextWidth, name);
+    } else {
+      (void)std::snprintf(field, disk::kTextWidth, "%.240s (%llu)", name.c_str(),
+                          static_cast<unsigned long long>(i + 1));
+    }
     variable.m_pCid[i] = static_cast<int>(i + 1);
   }
 }
@@ -39,8 +42,9 @@ std::unique_ptr<ORVVariable> CreateVariableForResult(ORVResult& result) {
     Assign(variable->m_varkey, Content(result.m_etypvar));
     variable->m_ncoo = result.m_ncoo;
     variable->m_originalCount = static_cast<std::uint64_t>(result.m_ncoo);
+    const std::string name(Content(variable->m_varnam));
     if (!AllocateBuffers(*variable)) return std::unique_ptr<ORVVariable>();
-    NameComponents(*variable);
+    NameComponents(*variable, name);
     result.m_variable = variable.get();
     SendVariableMessage(ORV_MESG_WARNING, "New variable type \"%.256s\" created for entity type \"%.256s\"",
                         result.m_etypvar, result.m_etyp);

@@ -14,7 +14,8 @@ using namespace orvio;
 
 namespace {
 
-/// Reads whole datasets into the buffers of a variable. A missing buffer is no failure: nobody wants that table.
+/// Reads whole datasets into the buffers of a variable. A missing buffer is no failure: nobody wants that table. Nor does
+/// a failed table always end the reading, which is why these are no lines of an h5::DatasetReader.
 class Tables {
  public:
   Tables(IOH5Reader& reader, hid_t data) : reader_(reader), data_(data) {}

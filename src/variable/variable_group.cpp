@@ -51,8 +51,11 @@ int ORVVariableGrp::AppendBlockSchema(std::string& path) {
 hid_t ORVVariableGrp::GetVariableGroupBlkGrp(hid_t a, hid_t b) {
   IOH5Reader* reader = GetH5Reader();
   if (!reader) return H5I_INVALID_HID;
-  return GetBlkVersion() == ORV_BLK_VERSION_SINGLE ? reader->OpenGroup(a, m_BlkPath.c_str(), H5P_DEFAULT)
-                                                   : reader->OpenGroup(b, m_grpName, H5P_DEFAULT);
+  if (GetBlkVersion() == ORV_BLK_VERSION_SINGLE) return reader->OpenGroup(a, m_BlkPath.c_str(), H5P_DEFAULT);
+  return h5::Entry<hid_t>(H5I_INVALID_HID, [&] {
+    const std::string name(Content(m_grpName, sizeof m_grpName));  // a host may have filled it to the last byte
+    return reader->OpenGroup(b, name.c_str(), H5P_DEFAULT);
+  });
 }
 
 /// A group that was found in a file is read again where it was found, any other one is looked for by its name.

@@ -16,7 +16,8 @@
 namespace orvio {
 namespace {
 
-constexpr std::int64_t kUnbackedKeys = (std::int64_t{64} << 20) / static_cast<std::int64_t>(disk::kTextWidth);
+/// Keys that a group may list without the file being asked whether it holds them. A file can have many groups.
+constexpr std::int64_t kUnbackedKeys = 4096;
 
 /// The scratch group of a walk, and where its copies go.
 class GroupScan : public ORVVariableGrp {

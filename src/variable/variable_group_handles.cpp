@@ -20,6 +20,13 @@ auto FirstAnswer(const std::vector<ORVVariable*>& variables, Ask ask) -> decltyp
   return nullptr;
 }
 
+template <class Do>
+void ForEach(const std::vector<ORVVariable*>& variables, Do act) {
+  for (ORVVariable* variable : variables) {
+    if (variable) act(*variable);
+  }
+}
+
 }  // namespace
 
 ORVExtVar* ORVVariableGrp::GetExtVarFrmId(int id, bool byIID) {
@@ -43,15 +50,15 @@ int ORVVariableGrp::GetExtVarId(int id, bool byIID) {
 bool ORVVariableGrp::IsExtVarAvailable(int id, bool byIID) { return GetExtVarFrmId(id, byIID) != nullptr; }
 
 void ORVVariableGrp::GetExtVarTypesOrCompTypes(std::vector<int>& eids, std::vector<int>& types) {
-  for (ORVVariable* variable : m_variables) variable->GetExtVarTypesOrCompTypes(eids, types);
+  ForEach(m_variables, [&](ORVVariable& v) { v.GetExtVarTypesOrCompTypes(eids, types); });
 }
 
 bool ORVVariableGrp::IsExtCompTypeAvailable(int type) {
-  return std::ranges::any_of(m_variables, [type](ORVVariable* v) { return v->IsExtCompTypeAvailable(type); });
+  return std::ranges::any_of(m_variables, [type](ORVVariable* v) { return v && v->IsExtCompTypeAvailable(type); });
 }
 
 void ORVVariableGrp::GetExtVarFrmExtendedType(int type, std::vector<ORVExtVar*>& out) {
-  for (ORVVariable* variable : m_variables) variable->GetExtVarFrmExtendedType(type, out);
+  ForEach(m_variables, [&](ORVVariable& v) { v.GetExtVarFrmExtendedType(type, out); });
 }
 
 /// QUIRK: the variable is found by its name and then asked for its identity, so a keyed variable answers only where its
@@ -75,21 +82,23 @@ ORVUnit* ORVVariableGrp::GetUnitPtr(int eid) {
   return FirstAnswer(m_variables, [&](ORVVariable& v) { return v.GetUnitPtr(eid); });
 }
 
+/// The variable looks for its handles at the positions below its own number of components, wherever the group has it: a
+/// variable at an offset beyond gives none.
 int ORVVariableGrp::FillDependentForVarGrp(const char* name, ORVDependentVar& dependent) {
   ORVVariable* variable = GetVariableFromVarName(name);
   return variable ? variable->FillDependentForVarGrp(dependent) : kFail;
 }
 
 void ORVVariableGrp::GetExtVariables(std::vector<ORVExtVar*>& out) {
-  for (ORVVariable* variable : m_variables) variable->GetExtVariables(out);
+  ForEach(m_variables, [&](ORVVariable& v) { v.GetExtVariables(out); });
 }
 
 std::uint64_t ORVVariableGrp::GetNumExtVar() {
   std::uint64_t sum = 0;
-  for (const ORVVariable* variable : m_variables) sum += variable->GetNumExtVar();
+  ForEach(m_variables, [&](const ORVVariable& v) { sum += v.GetNumExtVar(); });
   return sum;
 }
 
 void ORVVariableGrp::ClearExtVariables() {
-  for (ORVVariable* variable : m_variables) variable->ClearExtVariables();
+  ForEach(m_variables, [](ORVVariable& v) { v.ClearExtVariables(); });
 }

@@ -92,29 +92,33 @@ bool ORVVariableGrp::IsVariableKeyAvailable(const char* key, int& index) {
 
 std::uint64_t ORVVariableGrp::GetKeys(char** keys) {
   if (keys) *keys = m_pKeys;
-  return static_cast<std::uint64_t>(m_nvar);
+  return m_nvar < 0 ? 0 : static_cast<std::uint64_t>(m_nvar);
 }
 
 void ORVVariableGrp::GetVariableNames(std::vector<std::string>& names) {
   h5::EntryVoid([&] {
     names.clear();
-    for (const ORVVariable* variable : m_variables) names.emplace_back(Content(variable->m_varnam));
+    for (const ORVVariable* variable : m_variables) {
+      if (variable) names.emplace_back(Content(variable->m_varnam));
+    }
   });
 }
 
 int ORVVariableGrp::GetVariableKeyPrefix(std::string& out) {
-  return std::ranges::any_of(m_variables, [&](ORVVariable* v) { return v->GetVariableKeyPrefix(out) == kOk; }) ? kOk
-                                                                                                               : kFail;
+  const auto has_prefix = [&](ORVVariable* v) { return v && v->GetVariableKeyPrefix(out) == kOk; };
+  return std::ranges::any_of(m_variables, has_prefix) ? kOk : kFail;
 }
 
 std::uint64_t ORVVariableGrp::GetNumOrgCmpCnt() {
   std::uint64_t sum = 0;
-  for (const ORVVariable* variable : m_variables) sum += variable->m_originalCount;
+  for (const ORVVariable* variable : m_variables) sum += variable ? variable->m_originalCount : 0;
   return sum;
 }
 
 void ORVVariableGrp::UpdateOrgUnitStr() {
-  for (ORVVariable* variable : m_variables) variable->UpdateOrgUnitStr();
+  for (ORVVariable* variable : m_variables) {
+    if (variable) variable->UpdateOrgUnitStr();
+  }
 }
 
 // ---- Shape, class, count and offset

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -100,9 +101,11 @@ TEST_F(LaterStates, TakeIdsFromAGivenCounter) {
 }
 
 TEST_F(LaterStates, BeyondTheLastAddNothing) {
-  int added = -1;
-  EXPECT_EQ(filer().UpdateContainer(4, added, -1, 0), 0);
-  EXPECT_EQ(added, 0);
+  for (const int state : {4, INT_MAX}) {
+    int added = -1;
+    EXPECT_EQ(filer().UpdateContainer(state, added, -1, 0), 0);
+    EXPECT_EQ(added, 0);
+  }
 }
 
 TEST_F(LaterStates, WithATwinUnderAnotherPathKeepTheBlockWithoutCountingIt) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "filer/container.h"
+#include "filer/process_state.h"
 #include "orvio/orv_filer.h"
 #include "support/forged_model.h"
 #include "support/messages.h"
@@ -467,6 +468,58 @@ TEST_F(StartUp, TellsInTheOrderOfItsSteps) {
                           "Mis-match between result and variable group block component count for \"G\" \n\t Result "
                           "component count : 1, Variable Group component count : 2"),
                   Message(1, "Missing Variable group definition \"Unknown\" for \"NODE\" type")));
+  EXPECT_EQ(filer.GetIndexTypes(), nullptr);
+}
+
+TEST_F(StartUp, WithUnitsWantedAndNoUnitSystemSucceeds) {
+  ForgedModel model;
+  model.variable({.name = "Speed", .key = "S"}).in_state(1, Result("Speed", 1));
+  ORVFiler filer(model.path().c_str());
+  filer.SetConfig(ORV_CONFIG_ASSIGN_UNITS);
+  int next_id = 1;
+  EXPECT_EQ(filer.InitReader(next_id), 0);
+  std::vector<ORVUnit*> base, derived;
+  filer.GetUnitList(base, derived);
+  EXPECT_TRUE(base.empty());
+}
+
+TEST_F(StartUp, TellsThePathOfABlockUpTo511Characters) {
+  for (const std::size_t length : {511U, 512U}) {
+    ForgedModel model = GoodFile();
+    ForgedValues broken = Result("Broken", 4, 0);
+    const std::string fixed = "/post/singlestate/state000000000001/entityresults/NODE/Broken//orvblock";
+    broken.group_name = std::string(length - fixed.size(), 'g');
+    model.in_state(1, broken);
+    ORVFiler filer(model.path().c_str());
+    Messages messages;
+    int next_id = 1;
+    ASSERT_EQ(filer.InitReader(next_id), 0);
+    EXPECT_EQ(messages.all().size(), length == 511 ? 2U : 1U) << length;
+  }
+}
+
+TEST_F(StartUp, WithoutVariablesKeepsGroupsWithoutTheirs) {
+  ForgedModel model;
+  model.group("G", 1, {{"S", 1, 0}});
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  EXPECT_EQ(filer.InitReader(next_id), 1);
+  ASSERT_EQ(filer.GetVariableGroups().size(), 1U);
+  EXPECT_TRUE(filer.GetVariableGroups()[0]->m_variables.empty());
+}
+
+TEST_F(StartUp, SilencesAllThreeReceiversForProperties) {
+  ForgedModel model = GoodFile();
+  model.variable({.name = "Odd", .key = "Odd"}).file().integer32("subslen", -3);
+  model.group("Odd", 1, {{"Odd", 1, 0}}).properties("/post/constant", "NODE", "Odd", 2);
+  ORVFiler filer(model.path().c_str());
+  Messages messages;
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_THAT(messages.all(), IsEmpty());
+  EXPECT_NE(filer.GetExtVariable("Odd"), nullptr);
+  EXPECT_NE(orvio::process().extended_variable_message, nullptr);
+  EXPECT_NE(orvio::process().fetch_message, nullptr);
 }
 
 // ---- Again
@@ -559,6 +612,49 @@ TEST_F(StartUp, DoesNotReadMultiStateBlocksAgainUnlessForced) {
   EXPECT_EQ(filer.GetResultList(0).size(), 1U);
 }
 
+TEST_F(StartUp, GivesMultiStateBlocksReadLaterTheIdsBehindTheLargest) {
+  ForgedModel model = GoodFile();
+  model.variable({.name = "Force", .key = "Force"}).group("Force", 1, {{"Force", 1, 0}});
+  model.in_multistate(Multi("Force", 2));
+  ORVFiler filer(model.path().c_str());
+  filer.SetConfig(ORV_CONFIG_SKIP_MULTISTATE);
+  int next_id = 100;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  ASSERT_EQ(filer.ReadMultiStateBlocks(false), 0);
+  ASSERT_NE(filer.GetExtVariable("Force"), nullptr);
+  EXPECT_EQ(filer.GetExtVariable("Force")->GetIID(), next_id);
+}
+
+TEST_F(StartUp, LeavesTheConfigurationAloneWhereNoMultiStateBlocksAreRead) {
+  ForgedModel model = GoodFile();
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  filer.SetConfig(ORV_CONFIG_SKIP_MULTISTATE);
+  EXPECT_EQ(filer.ReadMultiStateBlocks(false), 1);
+  EXPECT_NE(filer.CheckConfig(ORV_CONFIG_SKIP_MULTISTATE), 0);
+  EXPECT_EQ(filer.GetNumExtVariables(), 5U);
+}
+
+TEST_F(StartUp, AnswersTheKeyPrefixOfEitherList) {
+  ForgedModel model;
+  model.variable({.name = "Speed", .key = "ZPS:V"}).variable({.name = "Force", .key = "ABC:F"});
+  model.in_state(1, Result("Speed", 1)).in_multistate(Multi("Force", 1));
+  ORVFiler filer(model.path().c_str());
+  std::string prefix = "before";
+  EXPECT_EQ(filer.GetVariableKeyPrefix(prefix, 1), 1);  // nothing has been read
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_EQ(filer.GetVariableKeyPrefix(prefix, 0), 1);
+  EXPECT_EQ(prefix, "before");
+  EXPECT_EQ(filer.GetVariableKeyPrefix(prefix, 1), 0);
+  EXPECT_EQ(prefix, "ZPS");
+  EXPECT_EQ(filer.GetVariableKeyPrefix(prefix, 2), 0);
+  EXPECT_EQ(prefix, "ABC");
+  EXPECT_EQ(filer.GetVariableKeyPrefix(prefix, 3), 0);
+  EXPECT_EQ(prefix, "ZPS");
+}
+
 TEST_F(StartUp, OfMultiStateBlocksInAFileWithoutThemFails) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S"}).in_state(1, Result("Speed", 1));
@@ -578,6 +674,13 @@ TEST_F(StartUp, ForAReloadReadsTheNumberOfStatesOfMultiStateBlocksAnew) {
   (void)model.path();
   filer.InitForReload();
   EXPECT_EQ(filer.GetResultList(0)[0]->m_nstate, 9);
+}
+
+TEST_F(StartUp, ForAReloadForgetsTheGenericTypes) {
+  OpenFiler filer("a.orv");
+  filer.data().m_genericTypes.push_back(new ORVGenericEntityNameMap{"shells", {}});
+  filer.InitForReload();
+  EXPECT_TRUE(filer.GetGenericTypes().empty());
 }
 
 }  // namespace

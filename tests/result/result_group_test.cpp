@@ -166,4 +166,51 @@ TEST_F(ResultOfAGroup, CountsTypesOverAllMembers) {
   EXPECT_EQ(index, 0);
 }
 
+TEST_F(ResultOfAGroup, LetsAMemberBehindTheFirstFillADependentOnlyAsFarAsItsOwnCountReaches) {
+  ORVDependentVar dependent;  // its six components stand at 3 to 8, and it looks at 0 to 5
+  EXPECT_EQ(result_.FillDependentForVarGrp("Stress", dependent), 0);
+  EXPECT_EQ(dependent.m_pVariable, stress_.get());
+  EXPECT_EQ(dependent.m_iids, (Ints{20, 21, 22}));
+}
+
+TEST_F(ResultOfAGroup, MergesTheInputsOfAComputedHandleOfAMember) {
+  int rank = -1;
+  std::uint64_t start[5] = {}, count[5] = {};
+  EXPECT_EQ(result_.GetComponentSelectionWrap(26, &rank, start, count, 0, 1, true), 2);
+  EXPECT_EQ(rank, 2);
+  EXPECT_EQ(Extents(start, start + 2), (Extents{1, 3}));
+  EXPECT_EQ(Extents(count, count + 2), (Extents{1, 6}));
+  EXPECT_EQ(result_.GetComponentSelectionWrap(99, &rank, start, count, 0, 1, true), 0);
+  EXPECT_EQ(rank, 0);
+  ORVHyperSlab merged;
+  EXPECT_EQ(result_.GetHyperSelection(26, merged, true, 0, -1), 0);
+  EXPECT_EQ(merged.m_start[1], 3U);
+  EXPECT_EQ(result_.GetHyperSelection(99, merged, true, 0, -1), 1);
+  EXPECT_EQ(result_.GetHyperSelection(99, merged, false, 0, -1), 1);
+}
+
+TEST_F(ResultOfAGroup, ReadsAWholeValueByTheNextMeasureInTheListOfAllMembers) {
+  auto measure = static_cast<_ORVComputeType>(7);
+  int count = 0, type = 0;
+  EXPECT_EQ(result_.GetResultTypeToReadAllComponent(111, measure, count, type), 0);
+  EXPECT_EQ(measure, 50);
+  EXPECT_EQ(count, 3);
+  EXPECT_EQ(type, 111);
+  EXPECT_EQ(result_.GetResultTypeToReadAllComponent(120, measure, count, type), 0);
+  EXPECT_EQ(measure, 56);
+  EXPECT_EQ(count, 6);
+  EXPECT_EQ(result_.GetResultTypeToReadAllComponent(999, measure, count, type), 1);
+  EXPECT_EQ(count, 1);
+}
+
+TEST_F(ResultOfAGroup, HasNoMeasureAsAWhole) { EXPECT_EQ(result_.GetBlockComponentType(0), -1); }
+
+TEST_F(ResultOfAGroup, WithoutComponentsHasNoTypes) {
+  result_.m_ncoo = 0;
+  int index = 5;
+  EXPECT_EQ(result_.GetComponentIndex(126), -1);
+  EXPECT_EQ(result_.GetComponentType(126, &index), -1);
+  EXPECT_EQ(index, -1);
+}
+
 }  // namespace

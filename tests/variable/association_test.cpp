@@ -418,20 +418,82 @@ TEST_F(Association, TakesTheMeasuresThatAHandlerAnswersAsFarAsTheComponentsSuffi
   EXPECT_EQ(filer.SetFilerCallBackClient(nullptr), &asked);
 }
 
-/// Gives a vector only two handles before the association gets to its measures.
+/// The last position that an index can have lies behind the second component.
 TEST_F(Association, OfAVectorWithTwoStoredHandlesInReachMakesNoMagnitude) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Z"}});
-  model.in_state(1, Result("Speed", 3));
+  model.group("G", 3, {{"S", 3, INT_MAX - 1}}).in_state(1, Result("G", 3));
   Opened opened(model);
-  ORVVariable* variable = opened.filer.GetVariables()[0];
-  variable->ClearExtVariables();
-  variable->SetOriginalCount(2);  // the shape still follows from the count of the header
-  ORVResult* result = opened.filer.GetResultList(1).at(0);
-  std::vector<ORVResult*> results = {result};
-  int next_id = 10;
-  ASSERT_EQ(opened.filer.AssociateVariables(results, next_id, 1), 0);
-  EXPECT_THAT(NamesOf(variable->GetExtVariables()), ElementsAre("Speed_X", "Speed_Y"));
+  EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("Speed_X", "Speed_Y"));
+  EXPECT_THAT(IndexesOf(opened.filer.GetExtVariables()), ElementsAre(INT_MAX - 1, INT_MAX));
+}
+
+TEST_F(Association, OfAStrainMakesNineMeasuresAndTheHandlerOfOneFamilySix) {
+  for (const bool handler : {false, true}) {
+    ForgedModel model;
+    model.variable({.name = "Strain",
+                    .key = "E",
+                    .class_word = "CLASS_STRAIN",
+                    .ncoo = 6,
+                    .rank = 2,
+                    .tensor = 1,
+                    .labels = {"XX", "YY", "ZZ", "XY", "YZ", "ZX"}});
+    model.in_state(1, Result("Strain", 6));
+    ORVFiler filer(model.path().c_str());
+    if (handler) ORVSetCMXStressComputedType(&filer);
+    int next_id = 1;
+    ASSERT_EQ(filer.InitReader(next_id), 0);
+    EXPECT_EQ(filer.GetNumExtVariables(), handler ? 12U : 15U);
+    EXPECT_EQ(filer.GetExtVariables().back()->GetName(), handler ? "Strain_Tresca" : "Strain_Equivalent");
+  }
+}
+
+// ---- Further odd definitions
+
+TEST_F(Association, BehindAMissingKeyMakesHandlesAtTheOwnOffsetAndNoCopies) {
+  ForgedModel model;
+  model.variable({.name = "A", .key = "A"}).variable({.name = "C", .key = "C"});
+  model.group("G", 3, {{"A", 1, 0}, {"GONE", 1, 1}, {"C", 1, 2}});
+  for (const char* type : {"NODE", "SHELL", "SOLID", "BEAM"}) {
+    ForgedValues result = Result("G", 3);
+    result.etyp = type;
+    model.in_state(1, result);
+  }
+  Opened opened(model);
+  EXPECT_EQ(opened.filer.GetVariables().size(), 2U);
+  EXPECT_THAT(IndexesOf(opened.filer.GetExtVariables()), ElementsAre(0, 2));
+}
+
+TEST_F(Association, OfAGroupThatListsAKeyTwiceMakesHandlesAtTheFirstOffsetOnly) {
+  ForgedModel model;
+  model.variable({.name = "A", .key = "A"}).group("G", 2, {{"A", 1, 0}, {"A", 1, 1}});
+  model.in_state(1, Result("G", 2));
+  ForgedValues shells = Result("G", 2);
+  shells.etyp = "SHELL";
+  model.in_state(1, shells);
+  Opened opened(model);
+  EXPECT_EQ(opened.filer.GetVariables().size(), 1U);
+  EXPECT_THAT(IndexesOf(opened.filer.GetExtVariables()), ElementsAre(0));
+}
+
+TEST_F(Association, InTheSplitLayoutAppendsALabelToTheStoredNameAndNoIdWithoutOne) {
+  ForgedModel model(ForgedModel::kSplit);
+  model.variable({.name = "SPEED", .ncoo = 2, .labels = {"u", "v"}});
+  model.file().dataset<std::int32_t>("mbunit", {2}, {0, 0}).integer32("subslen", -4);
+  model.in_state(1, Result("SPEED", 2));
+  Opened opened(model);
+  EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("u", "v"));
+}
+
+TEST_F(Association, WithoutAReceiverIsSilentAndTheSame) {
+  ForgedModel model;
+  model.variable({.name = "Speed", .key = "S", .ncoo = 2, .labels = {"X", "Y"}});
+  model.file().dataset<std::int32_t>("subsoffs", {2}, {0, 9});
+  model.group("G", 2, {{"S", 2, 0}}).in_state(1, Result("G", 5)).in_state(1, Result("Unknown", 1));
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);  // the fixture looks for output
+  EXPECT_THAT(NamesOf(filer.GetExtVariables()), ElementsAre("Speed_X", "Speed_2"));
 }
 
 }  // namespace

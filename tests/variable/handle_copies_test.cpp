@@ -106,6 +106,22 @@ TEST_F(HandleCopies, ArePassedOverWhereAResultGoesByTheName) {
   EXPECT_EQ(Copy({1}, 0, 1, {"speed_x"}, {0}, 1), 0);      // a handle has it, but no result
 }
 
+TEST_F(HandleCopies, LookForNoClashWithoutAListAndInTheSingleStateListOfBoth) {
+  EXPECT_EQ(Copy({1}, 0, 1, {"Temperature"}, {0}, 0), 0);
+  EXPECT_EQ(Copy({1}, 0, 1, {"Temperature"}, {0}, 3), 1);
+}
+
+TEST_F(HandleCopies, OfResultsWithoutComponentsKnowNoClash) {
+  for (ORVResult* result : filer_->GetResultList(1)) result->m_ncoo = 0;
+  EXPECT_EQ(Copy({1}, 0, 1, {"Temperature"}, {0}, 1), 0);
+}
+
+TEST_F(HandleCopies, NeverHaveAnIdBelowTwo) {
+  for (ORVExtVar* handle : filer_->GetExtVariables()) handle->SetIID(handle->GetIID() - 100);
+  EXPECT_EQ(Copy({-99}, 0, 1, {"A"}, {0}), 0);
+  EXPECT_EQ(Last().GetIID(), 2);
+}
+
 TEST_F(HandleCopies, LookForAClashFurtherDownTheNamesThanTheyTakeThem) {
   // The pass takes "A"; the clash is looked for with the name at `start`.
   EXPECT_EQ(Copy({9, 1}, 1, 1, {"A", "Temperature"}, {0}), 1);

@@ -126,6 +126,28 @@ TEST_F(KeyPrefix, IsLookedForPastDisplacementsAndCoordinatesOnly) {
   EXPECT_EQ(prefix, "before");
 }
 
+TEST_F(KeyPrefix, IsLookedForPastEachOfTheThreeNames) {
+  for (const char* name : {"DISPLACEMENTS_NOD", "translational_displacement", "COORDINATE"}) {
+    list_.clear();
+    Add(name, "");
+    Add("Speed", "ZPS:S");
+    std::string prefix;
+    EXPECT_EQ(orvio::FindVariableKeyPrefix(list_, prefix), 0) << name;
+    EXPECT_EQ(prefix, "ZPS");
+  }
+}
+
+TEST_F(KeyPrefix, OfAResultWithAGroupIsThatOfTheGroup) {
+  Add("Speed", "ZPS:S");
+  ORVVariableGrp group;
+  group.AppendVariable(list_[0]->m_variable);
+  ORVResult result(ORV_RESULT_ENTITY);
+  result.m_variableGrp = &group;
+  std::string prefix;
+  EXPECT_EQ(orvio::FindVariableKeyPrefix({&result}, prefix), 0);
+  EXPECT_EQ(prefix, "ZPS");
+}
+
 TEST_F(KeyPrefix, OfNoResultsIsNone) {
   std::string prefix = "before";
   EXPECT_EQ(orvio::FindVariableKeyPrefix({}, prefix), 1);

@@ -1,5 +1,5 @@
 // The block of a group of variables: its header and data, read and written, and the walk over the groups of a file. What
-// it answers for its variables is in variable_group_query_test and variable_group_handles_test.
+// it answers for its variables and their handles is in variable_group_query_test.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

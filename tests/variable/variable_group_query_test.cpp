@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -118,8 +119,11 @@ TEST_F(VariableGroupQuery, OfTwoVariablesOfOneNameTakesTheLastByNameAndTheFirstB
 TEST_F(VariableGroupQuery, KnowsANameOnlyWithCountsAndOffsets) {
   EXPECT_TRUE(group_.IsVariableAvailable("speed"));
   EXPECT_FALSE(group_.IsVariableAvailable("S"));
-  group_.m_pOffs = nullptr;
-  EXPECT_FALSE(group_.IsVariableAvailable("speed"));
+  for (int* ORVVariableGrp::*array : {&ORVVariableGrp::m_pOffs, &ORVVariableGrp::m_pCnt}) {
+    ORVVariableGrp group = group_;
+    group.*array = nullptr;
+    EXPECT_FALSE(group.IsVariableAvailable("speed"));
+  }
 }
 
 TEST_F(VariableGroupQuery, KnowsEveryKeyThatIsListed) {
@@ -145,6 +149,10 @@ TEST_F(VariableGroupQuery, TakesThePrefixOfTheFirstKeyThatHasOne) {
   std::string prefix = "before";
   EXPECT_EQ(group_.GetVariableKeyPrefix(prefix), 0);
   EXPECT_EQ(prefix, "ZPS");
+  SetText(stress_.m_varkey, "ABC:S");
+  EXPECT_EQ(group_.GetVariableKeyPrefix(prefix), 0);
+  EXPECT_EQ(prefix, "ZPS");  // that of the first variable, still
+  SetText(stress_.m_varkey, "S");
   SetText(speed_.m_varkey, "V");
   prefix = "before";
   EXPECT_EQ(group_.GetVariableKeyPrefix(prefix), 1);
@@ -166,6 +174,16 @@ TEST_F(VariableGroupQuery, ForgetsByParts) {
 TEST_F(VariableGroupQuery, MakesOriginalUnitTextsOfItsVariables) {
   group_.UpdateOrgUnitStr();  // without unit objects there is nothing to make
   EXPECT_EQ(speed_.m_ppOrgUnitStr, nullptr);
+  auto unit = std::make_unique<ORVUnit>();
+  unit->SetUnitString("mm/s");
+  stress_.m_units.push_back(unit.release());
+  group_.UpdateOrgUnitStr();
+  EXPECT_EQ(speed_.m_ppOrgUnitStr, nullptr);
+  ASSERT_EQ(stress_.m_orgUnitCount, 1);
+  EXPECT_STREQ(stress_.m_ppOrgUnitStr[0], "mm/s");
+  std::free(stress_.m_ppOrgUnitStr[0]);
+  std::free(stress_.m_ppOrgUnitStr);
+  stress_.m_ppOrgUnitStr = nullptr;
 }
 
 // ---- Shape, class, count, offset
@@ -223,12 +241,40 @@ TEST_F(VariableGroupQuery, RefusesAPositionThatIsNotListed) {
 }
 
 TEST_F(VariableGroupQuery, WithoutCountsWritesNothing) {
-  group_.m_nvar = 0;
-  Info info;
-  EXPECT_EQ(group_.GetVariableInfo(info.shape, info.var_class, info.count, info.offset, 0), 1);
-  EXPECT_EQ(info.var_class, 88);
-  EXPECT_EQ(info.count, 55);
-  EXPECT_EQ(info.offset, 66);
+  for (std::int64_t ORVVariableGrp::*count : {&ORVVariableGrp::m_nvar, &ORVVariableGrp::m_ncoo}) {
+    ORVVariableGrp group = group_;
+    group.*count = 0;
+    Info info;
+    EXPECT_EQ(group.GetVariableInfo(info.shape, info.var_class, info.count, info.offset, 0), 1);
+    EXPECT_EQ(info.var_class, 88);
+    EXPECT_EQ(info.count, 55);
+    EXPECT_EQ(info.offset, 66);
+  }
+}
+
+TEST_F(VariableGroupQuery, PassesOverMissingVariables) {
+  group_.m_variables.insert(group_.m_variables.begin(), nullptr);
+  std::vector<std::string> names;
+  group_.GetVariableNames(names);
+  EXPECT_THAT(names, ElementsAre("Speed", "Stress"));
+  EXPECT_EQ(group_.GetVariableFromVarKey("S"), &stress_);
+  EXPECT_EQ(group_.GetNumOrgCmpCnt(), 9U);
+  EXPECT_EQ(group_.GetNumExtVar(), 5U);
+  std::string prefix;
+  EXPECT_EQ(group_.GetVariableKeyPrefix(prefix), 0);
+  EXPECT_TRUE(group_.IsExtCompTypeAvailable(56));
+}
+
+TEST_F(VariableGroupQuery, HasNoKeysForANegativeNumberOfThem) {
+  group_.m_nvar = -1;
+  EXPECT_EQ(group_.GetKeys(nullptr), 0U);
+}
+
+TEST_F(VariableGroupQuery, OfTwoVariablesOfOneKeyTakesTheFirst) {
+  ORVVariable twin;
+  Define(twin, "Twin", "S", 1, 0);
+  group_.AppendVariable(&twin);
+  EXPECT_EQ(group_.GetVariableFromVarKey("S"), &stress_);
 }
 
 TEST_F(VariableGroupQuery, WithoutAnArrayRefuses) {
