@@ -20,6 +20,7 @@ int ORVFiler::UpdateContainer(int state, int& added, int nextId, int mode) {
     for (std::int64_t s = first; s <= last; ++s) {
       auto later = FindLaterResults(*m_pData, static_cast<int>(s), added);
       std::vector<ORVResult*> blocks;
+      blocks.reserve(later.size());
       m_pData->single_results.reserve(m_pData->single_results.size() + later.size());
       for (auto& block : later) blocks.push_back(block.get());
       for (auto& block : later) m_pData->single_results.push_back(block.release());

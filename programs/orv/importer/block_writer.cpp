@@ -175,6 +175,7 @@ void BlockWriter::WriteIndexTypes(const std::vector<std::string>& names) {
   block.m_pEtypindex = fields.data();
   if (HasGroups()) {
     std::vector<Quantity> columns;
+    columns.reserve(names.size());
     for (const std::string& name : names) columns.push_back(IndexQuantity(name));
     for (const Quantity& column : columns) WriteVariableBlock(column);
     WriteGroup(kIndexGroup, columns);

@@ -153,6 +153,7 @@ std::vector<Column> Columns(ResultFile& file, const ValueRequest& request, const
     std::vector<const ORVExtVar*> stored;
     AppendStored(file.filer(), *quantity.handle, stored);
     std::vector<Column> columns;
+    columns.reserve(stored.size());
     for (const ORVExtVar* handle : stored) columns.push_back({handle->GetName(), handle->GetIID()});
     return request.component.empty() ? columns : std::vector{ChooseColumn(file, request, columns)};
   }
@@ -199,7 +200,7 @@ std::vector<long long> IdsOf(const ResultFile& file, const ORVResult& block, int
   reader.m_entidType = ORV_LONG;
   const bool read = reader.ReadAttribute(file.path().c_str(), state, ORV_READ_DATA, ORV_ATT_IDS) == 0;
   std::vector<long long> answer(ids.begin(), ids.end());
-  for (std::size_t i = 0; !read && i < count; ++i) answer[i] = static_cast<long long>(i + 1);  // numbered without ids
+  for (std::size_t i = 0; !read && i < count; ++i) answer[i] = static_cast<long long>(i) + 1;  // numbered without ids
   return answer;
 }
 
