@@ -25,8 +25,7 @@ void NameComponents(ORVVariable& variable, const std::string& name) {
     if (components == 1) {
       AssignField(field, disk::kTextWidth, name);
     } else {
-      (void)std::snprintf(field, disk::kTextWidth, "%.220s (%llu)", name.c_str(),
-                          static_cast<unsigned long long>(i + 1));
+      (void)std::snprintf(field, disk::kTextWidth, "%.220s (%zu)", name.c_str(), i + 1);
     }
     variable.m_pCid[i] = static_cast<int>(i + 1);
   }

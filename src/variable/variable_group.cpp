@@ -127,7 +127,7 @@ int ORVVariableGrp::WriteHeader(hid_t header) {
 int ORVVariableGrp::WriteData(hid_t data) {
   if (m_nvar <= 0) return kFail;
   return h5::Entry(kFail, [&] {
-    const hsize_t count = static_cast<hsize_t>(m_nvar);
+    const auto count = static_cast<hsize_t>(m_nvar);
     int status = OH5Write_INT(data, disk::cnt, 1, &count, ORV_INT, m_pCnt);
     if (status == kOk) status = OH5Write_INT(data, disk::offs, 1, &count, ORV_INT, m_pOffs);
     return status == kOk ? OH5Write_CHAR(data, disk::varkey, 1, &count, disk::kTextWidth, m_pKeys) : status;
