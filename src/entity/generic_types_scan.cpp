@@ -2,6 +2,7 @@
 // table of entity types lacks.
 
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -34,11 +35,18 @@ class ConnectivityScan : public ORVEleConnectivity {
   static _ORVAction Take(int status, int /*stage*/, void* /*name*/, void* block) {
     auto& scan = *static_cast<ConnectivityScan*>(static_cast<ORVBlock*>(block));
     if (status != kOk || scan.m_nele == 0 || scan.m_npele == 0) return ORV_ACTION_SKIP;
-    scan.found_.emplace_back(Content(scan.m_etyp), Content(scan.m_etypelem));
+    scan.Note({std::string(Content(scan.m_etyp)), std::string(Content(scan.m_etypelem))});
     return ORV_ACTION_CONTINUE;
   }
 
+  /// Once: links can lead a walk to the same block a thousand times.
+  void Note(NamePair pair) {
+    if (pair.first.empty() || pair.second.empty() || !seen_.insert(pair).second) return;
+    found_.push_back(std::move(pair));
+  }
+
   std::vector<NamePair>& found_;
+  std::set<NamePair> seen_;
 };
 
 /// The connectivities of one place.
@@ -97,7 +105,7 @@ ORVGenericEntityNameMap& GenericTypeOf(ORVContainer& data, const std::string& na
 
 void UpdateGenericTypes(ORVContainer& data, int state) {
   for (const auto& [generic, element] : ReadNamePairs(data.path.c_str(), state)) {
-    if (!generic.empty() && !element.empty()) AppendBaseName(GenericTypeOf(data, generic), element);
+    AppendBaseName(GenericTypeOf(data, generic), element);
   }
 }
 

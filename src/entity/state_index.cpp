@@ -4,14 +4,12 @@
 
 #include <climits>
 #include <cstdlib>
-#include <type_traits>
 
 #include "block/reader_lease.h"
 #include "block/states.h"
 #include "block/walk.h"
 #include "entity/state_index_access.h"
 #include "filer/process_state.h"
-#include "h5/dataset_reader.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
 #include "h5/file_access.h"
@@ -68,15 +66,8 @@ template <class I, class V>
 int ORVIndexBase<I, V>::ReadData(hid_t group, int /*mode*/) {
   if (m_nIndex < 1) return kFail;
   return h5::Entry(kFail, [&] {
-    const _ORVDataType value_type = std::is_same_v<V, double> ? ORV_DOUBLE : m_indexValueType;
-    if (!FitsElement(m_indexIdentType, sizeof(I)) || !FitsElement(value_type, sizeof(V))) return kFail;
-    h5::DatasetReader in(GetH5Reader(), group);
-    const auto read = [&](h5::DatasetReader::Shape shape) {
-      if (m_pIndexId) in.integers(disk::indexident, m_indexIdentType, m_pIndexId, shape);
-      in.floats(disk::indexval, value_type, m_pIndexVal, shape);
-      return in.status();
-    };
-    return HasRowsOfStates(group, m_nState > 0) ? read({m_nState, m_nIndex}) : read({m_nIndex});
+    return HasRowsOfStates(group, m_nState > 0) ? ORVIndexAccess::Read(*this, group, {m_nState, m_nIndex})
+                                                : ORVIndexAccess::Read(*this, group, {m_nIndex});
   });
 }
 
@@ -160,6 +151,7 @@ int ORVIndexBase<I, V>::ReadBlockIndexValues(const char* path, ORVBlock* block, 
     const Swapped<std::string> own_path(m_BlkPath, m_BlkPath.empty() ? block->GetBlkPath() : m_BlkPath);
     const bool header = (mode & ORV_READ_HEADER) != 0;
     const bool single = block->GetBlkVersion() == ORV_BLK_VERSION_SINGLE;
+    const bool many = block->IsMultiStatePath();  // such a block is met once, at row 0
     const ORVIndexAccess::Bases<I, V> bases(*this);
     int status = kFail;
     ForEachPlaceOf(*this, *block, *reader, [&](h5::Group place) {
@@ -167,7 +159,8 @@ int ORVIndexBase<I, V>::ReadBlockIndexValues(const char* path, ORVBlock* block, 
       if (!group || !(header || rows)) return true;  // a state without the block is passed over
       if (header) return (status = ReadHeader(group.get(), mode)) != kOk;
       ORVIndexAccess::PointAtRow(*this, bases.values, bases.ids, count);
-      if (ReadData(group.get(), mode) == kOk) ++count;
+      const int row = many ? ReadData(group.get(), mode) : ORVIndexAccess::ReadRow(*this, group.get());
+      if (row == kOk) ++count;
       return count < m_nState;
     });
     if (rows) return count > 0 ? kOk : kFail;

@@ -84,15 +84,16 @@ int StateIndexBlocks::ReadHeader(bool filter, const ReadIndexPart& read, const s
 }
 
 int StateIndexBlocks::ReadRow(int state, bool filter, const ReadIndexPart& read) {
-  const bool any_block = index_.GetKey() == kNoKey;
+  if (index_.GetKey() == kNoKey) {
+    const int status = ReadAnyBlock(state, filter, disk::index, read);
+    found_ = found_ || status == kOk;
+    return status;
+  }
   if (found_) {
     h5::Group block = OpenInState(index_, states_[static_cast<std::size_t>(state)]);
-    const bool there = static_cast<bool>(block);
-    if (there && ReadPart(std::move(block), disk::index, read) == kOk) return kOk;
-    if (there && !any_block) return kFail;
+    if (block) return ReadPart(std::move(block), disk::index, read);
   }
-  const int status =
-      any_block ? ReadAnyBlock(state, filter, disk::index, read) : ReadFirstBlock(state, filter, disk::index, read);
+  const int status = ReadFirstBlock(state, filter, disk::index, read);
   found_ = found_ || status == kOk;
   return status;
 }

@@ -30,12 +30,11 @@ struct IgnoringCase {
   }
 };
 
-/// Variables by key, the first of each. Those without a key cannot be named by a group.
+/// Variables by key, the first of each.
 std::map<std::string_view, ORVVariable*, IgnoringCase> ByKey(const std::vector<ORVVariable*>& variables) {
   std::map<std::string_view, ORVVariable*, IgnoringCase> by_key;
   for (ORVVariable* variable : variables) {
-    const std::string_view key = Content(variable->m_varkey);
-    if (!key.empty()) by_key.try_emplace(key, variable);
+    by_key.try_emplace(Content(variable->m_varkey), variable);
   }
   return by_key;
 }

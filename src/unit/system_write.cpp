@@ -93,12 +93,13 @@ int ORVSystem::WriteHeader(hid_t header) {
 int ORVSystem::WriteData(hid_t data) {
   return h5::Entry(kFail, [&] {
     const auto entries = EntriesOfDerivedUnits(*this);
-    if (!entries) return kFail;
     TableWriter out(data);
     if (m_nbunit > 0) WriteBaseUnits(*this, out);
-    if (m_ndunit > 0) WriteDerivedUnits(*this, out, *entries);
-    if (process().g_nWriterVersion >= kFirstSingleLayoutVersion) out.Number(disk::lenudb, static_cast<int>(*entries));
-    return out.status();
+    if (m_ndunit > 0 && entries) WriteDerivedUnits(*this, out, *entries);
+    if (process().g_nWriterVersion >= kFirstSingleLayoutVersion) {
+      out.Number(disk::lenudb, static_cast<int>(entries.value_or(0)));
+    }
+    return entries ? out.status() : kFail;
   });
 }
 

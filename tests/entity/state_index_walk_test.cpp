@@ -121,12 +121,12 @@ TEST_P(StateIndexWalk, TakesTheFirstBlockInTheOrderOfNamesThatHasTheColumns) {
   EXPECT_THAT(index_.values, ElementsAre(0.25F, 0.5F));
 }
 
-TEST_P(StateIndexWalk, KeepsToTheBlockOfTheFirstStateWhereItIsThere) {
+TEST_P(StateIndexWalk, TakesTheFirstBlockByNameInEachState) {
   AddHeat(1, {0.5});
   AddIndexed(file_, StateGroup(2) + "/entityresults/Node/A", GetParam(), {9});
   AddHeat(2, {0.75});
   EXPECT_EQ(ReadRows(2, 1), 0);
-  EXPECT_THAT(index_.values, ElementsAre(0.5F, 0.75F));
+  EXPECT_THAT(index_.values, ElementsAre(0.5F, 9.0F));
 }
 
 TEST_P(StateIndexWalk, LooksForAnotherBlockWhereTheKnownOneHasOtherColumns) {
