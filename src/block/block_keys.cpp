@@ -16,11 +16,11 @@ constexpr _OH5BlockKeyMap kBlockKeys[] = {
     {kVariableKey, disk::variables},  // "variable" in files of major version 2 and later
     {kVariableGroupKey, disk::variablegroup},
     {kTextKey, disk::text},
-    {100, disk::parts},
-    {200, disk::attributes},
-    {250, disk::identifiers},
+    {kPartKey, disk::parts},
+    {kAttributeKey, disk::attributes},
+    {kIdentifierKey, disk::identifiers},
     {kConnectivityKey, disk::connectivities},
-    {400, disk::collector},
+    {kCollectorKey, disk::collector},
     {ORV_RESULT_PROPERTIES, ""},  // directly in the state or section group
     {ORV_RESULT_ENTITY, disk::entityresults},
     {ORV_RESULT_ENTITY_COMPLEX, disk::entityresults},
@@ -30,7 +30,7 @@ constexpr _OH5BlockKeyMap kBlockKeys[] = {
     {ORV_RESULT_ELEMENT_COMPLEX, disk::elementresults},
     {ORV_RESULT_MULTI_ELEMENT, disk::elementresults},
     {ORV_RESULT_MULTI_ELEMENT_COMPLEX, disk::elementresults},
-    {2100, disk::activflags},
+    {kActivationKey, disk::activflags},
 };
 
 constexpr std::int64_t kConstantKeys[] = {kSystemKey, kSimulationTypeKey, kVariableKey, kVariableGroupKey};

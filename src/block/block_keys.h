@@ -14,7 +14,12 @@ inline constexpr std::int64_t kSimulationTypeKey = 20;
 inline constexpr std::int64_t kVariableKey = 30;
 inline constexpr std::int64_t kVariableGroupKey = 32;
 inline constexpr std::int64_t kTextKey = 40;
+inline constexpr std::int64_t kPartKey = 100;
+inline constexpr std::int64_t kAttributeKey = 200;
+inline constexpr std::int64_t kIdentifierKey = 250;
 inline constexpr std::int64_t kConnectivityKey = 300;
+inline constexpr std::int64_t kCollectorKey = 400;
+inline constexpr std::int64_t kActivationKey = 2100;
 
 /// Row of a key; null when the key has no type group.
 const _OH5BlockKeyMap* FindBlockKey(std::int64_t key);

@@ -1,15 +1,11 @@
 // Writing of an element connectivity block, in the order of the format page. The unit tables of the float parameters
 // and the incremental flag are read from other writers' files; this library never writes them.
 
-#include <string>
-
-#include "block/block_write.h"
+#include "block/home_group.h"
 #include "entity/connectivity.h"
 #include "filer/process_state.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
-#include "h5/file_access.h"
-#include "h5/group_paths.h"
 #include "h5/header_io.h"
 #include "h5/status.h"
 #include "h5/text_field.h"
@@ -59,57 +55,14 @@ int ORVEleConnectivity::WriteIndex(hid_t index) {
                         m_indexval);
 }
 
-namespace {
-
-/// The file and its "connectivities", of a state or of the constant section. In a state that is there the group is
-/// made when it is missing; a state is never made.
-struct Home {
-  h5::WriteFile file{h5::File()};
-  h5::Group connectivities;
-};
-
-Home OpenInState(const char* path, int state) {
-  hid_t file = H5I_INVALID_HID;
-  hid_t section = H5I_INVALID_HID;
-  hid_t state_group = H5I_INVALID_HID;
-  if (OH5OpenStateGroup(path, state - 1, &file, &section, &state_group, false) != kOk) return {};
-  Home home;
-  home.file = h5::WriteFile(h5::File(file));
-  const h5::Group opened_section(section);
-  const h5::Group opened_state(state_group);
-  home.connectivities = h5::OpenOrCreateGroup(opened_state.get(), disk::connectivities);
-  return home;
-}
-
-Home OpenInConstant(const char* path) {
-  Home home;
-  home.file = h5::WriteFile(h5::OpenFile(path, process().g_nReadAccess));
-  if (home.file) {
-    home.connectivities = h5::OpenGroup(home.file.get(), h5::GroupPath(h5::kConnectivities).c_str());
-  }
-  return home;
-}
-
-/// Writes the block below `parent` if its name is free there.
-[[nodiscard]] int WriteNew(ORVEleConnectivity& block, hid_t parent, int state, int mode) {
-  const std::string name(Content(block.m_etypelem));
-  if (h5::LinkExists(parent, name.c_str())) return kFail;
-  BlockParts parts(parent, name.c_str(), mode);
-  if (!parts) return kFail;
-  return parts.Close(WriteStages(block, parts, state != 0 ? mode : mode & ~ORV_WRITE_INDEX));
-}
-
-}  // namespace
-
 int ORVEleConnectivity::WriteBlock(const char* path, int state, int mode) {
   if (!path) return kFail;
+  const int stages = state != 0 ? mode : mode & ~ORV_WRITE_INDEX;
   return h5::Entry(kFail, [&] {
     const WriteAccess access;
     process().g_hLastFile = H5I_INVALID_HID;
-    Home home = state < 1 ? OpenInConstant(path) : OpenInState(path, state);
-    if (!home.connectivities) return kFail;
-    int status = WriteNew(*this, home.connectivities.get(), state, mode);
-    if (!home.connectivities.Close() && status == kOk) status = kFail;
-    return home.file.Finish(status);
+    return WriteIntoHome(OpenHome(path, state, {disk::connectivities, false, false}), Content(m_etypelem),
+                         ExistingName::kIsRefused, mode,
+                         [&](const BlockParts& parts) { return WriteStages(*this, parts, stages); });
   });
 }

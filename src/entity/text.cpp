@@ -4,11 +4,10 @@
 #include <string>
 
 #include "block/block_keys.h"
-#include "block/block_write.h"
+#include "block/home_group.h"
 #include "h5/dataset_reader.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
-#include "h5/group_paths.h"
 #include "h5/header_io.h"
 #include "h5/status.h"
 #include "h5/text_field.h"
@@ -90,33 +89,7 @@ int ORVText::WriteData(hid_t data) {
 
 namespace {
 
-/// The "text" group of the constant section, or of a state that is there, where it is made when it is missing.
-h5::Group OpenHome(hid_t file, int state) {
-  if (state < 1) return h5::OpenGroup(file, h5::GroupPath(h5::kText).c_str());
-  hid_t section_id = H5I_INVALID_HID;
-  hid_t state_id = H5I_INVALID_HID;
-  if (OH5OpenStateGroup(file, state - 1, &section_id, &state_id, false) != kOk) return h5::Group();
-  const h5::Group section(section_id);
-  const h5::Group opened_state(state_id);
-  return h5::OpenOrCreateGroup(opened_state.get(), disk::text);
-}
-
-/// Opens the parts of a text and lets `steps` write into them.
-template <class Steps>
-[[nodiscard]] int WriteParts(const ORVText& text, const char* path, int state, int what, Steps steps) {
-  const std::string name(Content(text.m_etyptext));
-  if (name.empty()) return kFail;
-  h5::WriteFile file(h5::OpenFile(path, H5F_ACC_RDWR));
-  h5::Group home = file ? OpenHome(file.get(), state) : h5::Group();
-  if (!home) return kFail;
-  int status = kFail;
-  {
-    BlockParts parts(home.get(), name.c_str(), what);
-    if (parts) status = parts.Close(steps(parts));
-  }
-  if (!home.Close() && status == kOk) status = kFail;
-  return file.Finish(status);
-}
+constexpr HomeRule kTextHome = {disk::text, false, false};
 
 }  // namespace
 
@@ -124,8 +97,9 @@ int ORVText::WriteBlock(const char* path, int state, int flags) {
   if (!path) return kFail;
   const int what = flags & (ORV_WRITE_HEADER | ORV_WRITE_DATA);
   return h5::Entry(kFail, [&] {
-    return WriteParts(*this, path, state, what,
-                      [&](const BlockParts& parts) { return WriteStages(*this, parts, what); });
+    const WriteAccess access;
+    return WriteIntoHome(*this, OpenHome(path, state, kTextHome), Content(m_etyptext), ExistingName::kIsWrittenInto,
+                         what);
   });
 }
 
@@ -134,9 +108,11 @@ int ORVText::WriteSelectiveAttribute(const char* path, int state, int sections, 
                                      std::uint64_t* block, std::uint64_t* extent) {
   if (!path || !(sections & ORV_WRITE_DATA)) return kFail;
   return h5::Entry(kFail, [&] {
-    return WriteParts(*this, path, state, ORV_WRITE_DATA, [&](const BlockParts& parts) {
-      return WriteSelAttData(parts.data(), att, rank, start, count, stride, block, extent);
-    });
+    const WriteAccess access;
+    return WriteIntoHome(OpenHome(path, state, kTextHome), Content(m_etyptext), ExistingName::kIsWrittenInto,
+                         ORV_WRITE_DATA, [&](const BlockParts& parts) {
+                           return WriteSelAttData(parts.data(), att, rank, start, count, stride, block, extent);
+                         });
   });
 }
 
