@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "orvio/orv_collector.h"
 #include "orvio/orv_definitions.h"
+#include "orvio/orv_ent_attribute.h"
 #include "orvio/orv_entity_type.h"
 #include "orvio/orv_ext_var.h"
 #include "orvio/orv_index.h"
@@ -226,6 +228,51 @@ class ORVIO_EXPORT ORVFiler {
   bool IsFrameEntityName(std::string& name);
   void GetFrameEntityNames(std::vector<const char*>& names);  ///< pointers into the filer's list
   void GetFrameEntityNames(std::vector<std::string>& names);
+
+  // ---- Parts
+
+  /// Parts of a type in the constant section (state 0) or in a state: how many there are, 0 for none. All vectors are
+  /// emptied first, and those of materials stay empty where the file has none. There is a name for each part, empty where
+  /// the file has no titles.
+  std::uint64_t GetPartInfo(const std::string& partType, std::vector<int>& ids, std::vector<std::string>& names,
+                            std::vector<int>& materialIds, std::vector<int>& materialTypes, int state);
+  std::uint64_t GetPartIdsAndNames(const std::string& partType, std::vector<int>& ids, std::vector<std::string>& names,
+                                   int state);
+
+  // ---- Attributes and identifiers. `mode` is 1 for the header, 2 for the data of a block whose header was read, 3 for
+  // both; `state` is 0 for the constant section. Arrays come from the C allocator: CleanUp frees them.
+
+  /// Reads the block of the type `m_etyp`. 1 for one without entities.
+  int ReadEntAttribute(ORVEntAttribute* block, int mode, int state);
+  int ReadEntIdentifiers(ORVIdentifiers* block, int mode, int state);
+  /// Appends all blocks of a section that have entities and can be read. The blocks are the caller's: clean up each
+  /// and delete it.
+  void GetEntityAttributes(int state, int mode, std::vector<ORVEntAttribute*>& blocks);
+  void GetEntityIdentifiers(int state, int mode, std::vector<ORVIdentifiers*>& blocks);
+  void CleanUpEntAttribute(ORVEntAttribute* block);  ///< frees the arrays of a block, not the block
+  void CleanUpEntIdentifiers(ORVIdentifiers* block);
+  void CleanUpEntityIdentifierList(std::vector<ORVIdentifiers*>& blocks);  ///< frees blocks and arrays
+
+  // ---- Collectors. `mode`, `state` and arrays as above.
+
+  /// Reads the block of the type `m_etypcoll`. 1 for one without collectors.
+  int ReadCollector(ORVCollector* block, int mode, int state);
+  void GetCollector(int state, int mode, std::vector<ORVCollector*>& blocks);  ///< appends all of a section
+  void CleanUpCollector(ORVCollector* block);                ///< frees the arrays of a block, not the block
+  void DeleteCollector(std::vector<ORVCollector*>& blocks);  ///< frees blocks and arrays
+  /// Reads a collector block by name. One with other entity types than `types`, in their order and without regard to
+  /// case, answers 1 and is left empty; no types ask for no check.
+  int ReadValidCollector(std::string& name, ORVCollector* block, int state, std::vector<char*>& types);
+  int ReadShellFathers(ORVCollector* block, int state);  ///< "SHELL_FATHERS" of the types "SHELL", "SHELL"
+  int ReadNodeFathers(ORVCollector* block, int state);   ///< "NODE_FATHERS" of the types "NODE", "NODE"
+  /// Writes "NODE_FATHERS" of the types "NODE", "NODE" with the given counts and arrays, in a state with the index of
+  /// `source`. Does nothing unless `ntyp` is 2 and there are collectors and ids.
+  int WriteNodeFathers(ORVCollector* source, int state, int ncoll, int* idcoll, int ntyp, int* nent, int nenttot,
+                       int* entid);
+  /// Whether any state has a collector of that name; `hasCollectors` tells whether one of the states looked at has any.
+  bool IsAdaptiveCollectorEntity(std::string& name, bool& hasCollectors);
+  /// Whether the mesh changes: a state has elements of its own. `skipFpm` passes over those of the type "FPM".
+  bool IsAdaptive(bool skipFpm);
 
   // ---- Writing
 

@@ -42,6 +42,19 @@ Home OpenHome(const char* path, int state, const HomeRule& rule) {
   return state < 1 ? OpenInConstant(path, rule) : OpenInState(path, state, rule);
 }
 
+h5::Group OpenNamedState(hid_t file, int state) {
+  const h5::Group section = h5::OpenGroup(file, h5::GroupPath(h5::kSinglestate).c_str());
+  return section ? h5::OpenOrCreateGroup(section.get(), h5::StateName(state).c_str()) : h5::Group();
+}
+
+Home OpenHomeInNamedState(const char* path, int state, const char* group) {
+  Home home;
+  home.file = h5::WriteFile(h5::OpenFile(path, process().g_nReadAccess));
+  const h5::Group opened_state = home.file ? OpenNamedState(home.file.get(), state) : h5::Group();
+  if (opened_state) home.group = h5::OpenOrCreateGroup(opened_state.get(), group);
+  return home;
+}
+
 int WriteIntoHome(ORVBlock& block, Home home, std::string_view name, ExistingName existing, int what) {
   return WriteIntoHome(std::move(home), name, existing, what,
                        [&](const BlockParts& parts) { return WriteStages(block, parts, what); });

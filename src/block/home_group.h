@@ -28,6 +28,12 @@ struct Home {
 /// `state` is 1-based; below 1 the constant section.
 Home OpenHome(const char* path, int state, const HomeRule& rule);
 
+/// The state of that number by its name, wherever it stands among the states; made when it is missing.
+h5::Group OpenNamedState(hid_t file, int state);
+
+/// The group of that name in a state which is found by its own name. Both are made when they are missing.
+Home OpenHomeInNamedState(const char* path, int state, const char* group);
+
 /// What a write does where the name of the block exists already.
 enum class ExistingName { kIsRefused, kIsWrittenInto };
 

@@ -14,14 +14,12 @@
 #include "entity/state_index_access.h"
 #include "filer/container.h"
 #include "h5/disk_names.h"
+#include "h5/extents.h"
 #include "h5/file_access.h"
 #include "h5/status.h"
 
 namespace orvio {
 namespace {
-
-/// Larger arrays need something in the file that stands behind them.
-constexpr std::uint64_t kUnbackedBytes = std::uint64_t{64} << 20;
 
 /// Makes the holder at the first demand. The answer is whether it has to be filled.
 template <class V>
@@ -66,7 +64,7 @@ std::optional<std::size_t> SizeOf(const ORVIndexBase<int, V>& index, IOH5Reader&
   if (index.GetNumIndex() < 1 || rows < 1) return {};
   if (__builtin_mul_overflow(index.GetNumIndex(), rows, &elements)) return {};
   const auto size = static_cast<std::uint64_t>(elements);
-  if (size <= kUnbackedBytes / sizeof(V)) return size;
+  if (size <= h5::kUnbackedBytes / sizeof(V)) return size;
   const auto in_block = size / static_cast<std::uint64_t>(rows) * static_cast<std::uint64_t>(rows_of_block);
   if (StoredValues(index, reader) < in_block || FileSize(path) < size) return {};
   return size;

@@ -39,6 +39,8 @@ inline constexpr char solver_vers[] = "solver_vers", cdate[] = "cdate", ctime[] 
 inline constexpr char mtime[] = "mtime", nbunit[] = "nbunit", ndunit[] = "ndunit", cversion[] = "cversion";
 inline constexpr char lenudb[] = "lenudb", etyptext[] = "etyptext", nlines[] = "nlines", length[] = "length";
 inline constexpr char etypprop[] = "etypprop", nbid[] = "nbid", nbstring[] = "nbstring";
+inline constexpr char nuid[] = "nuid", etypcoll[] = "etypcoll", ncoll[] = "ncoll", ntyp[] = "ntyp";
+inline constexpr char nenttot[] = "nenttot", npart[] = "npart", off[] = "off";
 
 // Datasets
 inline constexpr char res[] = "res", entid[] = "entid", idele[] = "idele", eloc[] = "eloc", fid[] = "fid";
@@ -50,6 +52,8 @@ inline constexpr char subscr[] = "subscr", subscnt[] = "subscnt", subsoffs[] = "
 inline constexpr char ubtyp[] = "ubtyp", ubnam[] = "ubnam", ubcon[] = "ubcon", ubshift[] = "ubshift";
 inline constexpr char udnam[] = "udnam", udscal[] = "udscal", ndbunit[] = "ndbunit", udbid[] = "udbid";
 inline constexpr char udbexp[] = "udbexp", etypindex[] = "etypindex", line[] = "line", cparam[] = "cparam";
+inline constexpr char status[] = "status", uid[] = "uid", idcoll[] = "idcoll", pcol[] = "pcol", mid[] = "mid";
+inline constexpr char mtyp[] = "mtyp", pvtyp[] = "pvtyp";
 
 // Words of the class of a variable
 inline constexpr char CLASS_STRESS[] = "CLASS_STRESS", CLASS_STRAIN[] = "CLASS_STRAIN";

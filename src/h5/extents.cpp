@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "h5/file_access.h"
 #include "h5/handle.h"
 
 namespace orvio::h5 {
@@ -29,6 +30,13 @@ std::optional<std::uint64_t> Product(int rank, const hsize_t* dims) {
     if (__builtin_mul_overflow(product, static_cast<std::uint64_t>(dims[i]), &product)) return std::nullopt;
   }
   return product;
+}
+
+std::uint64_t StoredElements(hid_t loc, const char* name, std::uint64_t bytes_each) {
+  const Dataset dataset = LinkExists(loc, name) ? OpenDataset(loc, name) : Dataset();
+  const auto extents = dataset ? ExtentsOfDataset(dataset.get()) : std::nullopt;
+  if (!extents) return 0;
+  return std::min<std::uint64_t>(extents->points, H5Dget_storage_size(dataset.get()) / bytes_each);
 }
 
 bool HasZero(int rank, const hsize_t* dims) {

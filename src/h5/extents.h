@@ -25,4 +25,12 @@ std::optional<std::uint64_t> Product(int rank, const hsize_t* dims);
 
 bool HasZero(int rank, const hsize_t* dims);
 
+/// Largest array that is made on the word of a file's counts alone.
+inline constexpr std::uint64_t kUnbackedBytes = std::uint64_t{64} << 20;
+
+/// Elements of a dataset that are there, and not only claimed by its extents: a dataset of any extents may have no
+/// bytes at all, and would be read as zeros. One element takes `bytes_each` bytes in the file at least. 0 for a dataset
+/// that is missing.
+std::uint64_t StoredElements(hid_t loc, const char* name, std::uint64_t bytes_each = 1);
+
 }  // namespace orvio::h5

@@ -66,8 +66,6 @@ int ORVProperties::ReadHeader(hid_t group, int flags) {
 
 namespace {
 
-constexpr std::uint64_t kUnbackedLimit = std::uint64_t{64} << 20;
-
 /// Bytes of the texts of a block with so many texts an entity; nothing for counts that are impossible.
 std::optional<std::uint64_t> TextBytes(const ORVProperties& block, int texts) {
   if (block.m_length < 1 || block.m_nent < 1 || texts < 1) return std::nullopt;
@@ -169,7 +167,7 @@ std::uint64_t StoredBytes(hid_t data) {
 
 /// Zeroed room for the texts of all entities and a terminator; null when nothing in the file stands behind its size.
 Bytes MakeRoom(std::uint64_t room, hid_t data) {
-  if (room >= kUnbackedLimit && room > StoredBytes(data)) return nullptr;
+  if (room >= h5::kUnbackedBytes && room > StoredBytes(data)) return nullptr;
   return Bytes(static_cast<char*>(std::calloc(static_cast<std::size_t>(room) + 1, 1)));
 }
 

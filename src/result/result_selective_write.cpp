@@ -1,5 +1,6 @@
 // Writing of one item of a result block, or of a hyperslab of one of its datasets, which grows for it.
 
+#include "block/home_group.h"
 #include "filer/process_state.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
@@ -29,9 +30,7 @@ struct Selection {
 /// QUIRK: below state 1 there is no multi-state section here; all kinds go to the constant one. Pinned by
 /// ResultSelectiveWrite.PutsAMultiStateBlockIntoTheConstantSection.
 h5::Group OpenSection(const ResultKind& /*kind*/, hid_t file, int state) {
-  if (state < 1) return h5::OpenGroup(file, h5::GroupPath(h5::kConstant).c_str());
-  const h5::Group section = h5::OpenGroup(file, h5::GroupPath(h5::kSinglestate).c_str());
-  return section ? h5::OpenOrCreateGroup(section.get(), h5::StateName(state).c_str()) : h5::Group();
+  return state < 1 ? h5::OpenGroup(file, h5::GroupPath(h5::kConstant).c_str()) : OpenNamedState(file, state);
 }
 
 int WriteSelected(hid_t group, const char* name, const Selection& selection, _ORVDataType type, const void* data) {

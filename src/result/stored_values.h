@@ -9,9 +9,6 @@
 
 namespace orvio {
 
-/// Largest array that is made on the word of a header alone.
-inline constexpr std::uint64_t kUnbackedBytes = std::uint64_t{64} << 20;
-
 /// State in which a block of a list is found: 0 for a constant block, -1 for a multi-state one, else the one asked for.
 int StateOf(const ORVResult& block, int state);
 

@@ -13,12 +13,12 @@
 #include "filer/process_state.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
+#include "h5/extents.h"
 #include "variable/variable_tables.h"
 
 namespace orvio {
 namespace {
 
-constexpr std::uint64_t kUnbackedLimit = std::uint64_t{64} << 20;
 constexpr std::uint64_t kIntsPerComponent = 2 + 2 * kUnitsPerComponent;
 constexpr std::uint64_t kFloatsPerComponent = 2 * kUnitsPerComponent;
 
@@ -32,7 +32,7 @@ class TableMaker {
   template <class T>
   T* Make(std::uint64_t count, std::uint64_t entries, std::uint64_t stored, const char* text = nullptr) {
     if (!ok_ || count == 0) return nullptr;
-    const bool refused = entries > stored && count > kUnbackedLimit / sizeof(T);
+    const bool refused = entries > stored && count > h5::kUnbackedBytes / sizeof(T);
     void* table = refused ? nullptr : allocate_(count, sizeof(T));
     ok_ = table != nullptr;
     if (!ok_ && text) SetLastError("%s", text);
@@ -107,8 +107,8 @@ void CopyUnits(const ORVVariable& from, ORVVariable& to) {
 
 bool NeedsStoredExtents(const ORVVariable& variable) {
   const auto map = MapShapeOf(variable);
-  return ComponentsOf(variable) > (kUnbackedLimit - 1) / disk::kTextWidth || LabelBytesOf(variable) > kUnbackedLimit ||
-         (map && map->count > kUnbackedLimit / sizeof(float));
+  return ComponentsOf(variable) > (h5::kUnbackedBytes - 1) / disk::kTextWidth ||
+         LabelBytesOf(variable) > h5::kUnbackedBytes || (map && map->count > h5::kUnbackedBytes / sizeof(float));
 }
 
 bool AllocateBuffers(ORVVariable& variable, const StoredExtents& stored, AllocateZeroed allocate) {

@@ -17,22 +17,14 @@
 namespace orvio {
 namespace {
 
-/// Elements of a dataset that are there, and not only claimed by its extents: a dataset of any extents may have no
-/// bytes at all, and would be read as zeros. Nothing is stored in less than a byte unless it was compressed, and no
-/// variable is so large that it would have to be.
-std::uint64_t StoredElements(hid_t data, const char* name) {
-  const h5::Dataset dataset = h5::LinkExists(data, name) ? h5::OpenDataset(data, name) : h5::Dataset();
-  const auto extents = dataset ? h5::ExtentsOfDataset(dataset.get()) : std::nullopt;
-  return extents ? std::min<std::uint64_t>(extents->points, H5Dget_storage_size(dataset.get())) : 0;
-}
-
+/// Nothing is stored in less than a byte unless it was compressed, and no variable is so large that it would have to be.
 StoredExtents StoredExtentsIn(hid_t data) {
   StoredExtents stored;
   for (const char* column : {disk::cname, disk::cid, disk::mbunit, disk::mdunit, disk::subscnt, disk::subsoffs}) {
-    stored.components = std::max(stored.components, StoredElements(data, column));
+    stored.components = std::max(stored.components, h5::StoredElements(data, column));
   }
-  stored.label_bytes = StoredElements(data, disk::subscr);
-  stored.map_values = StoredElements(data, disk::vmap);
+  stored.label_bytes = h5::StoredElements(data, disk::subscr);
+  stored.map_values = h5::StoredElements(data, disk::vmap);
   return stored;
 }
 

@@ -1,0 +1,35 @@
+// Parts of a filer's file: GetPartInfo tells ids, titles and materials of the parts of a type, GetPartIdsAndNames ids
+// and titles alone.
+
+#include <utility>
+
+#include "entity/part_info.h"
+#include "filer/container.h"
+#include "h5/entry.h"
+#include "orvio/orv_filer.h"
+
+using namespace orvio;
+
+std::uint64_t ORVFiler::GetPartInfo(const std::string& partType, std::vector<int>& ids, std::vector<std::string>& names,
+                                    std::vector<int>& materialIds, std::vector<int>& materialTypes, int state) {
+  ids.clear();
+  names.clear();
+  materialIds.clear();
+  materialTypes.clear();
+  if (!m_pData) return 0;
+  return h5::Entry(std::uint64_t{0}, [&]() -> std::uint64_t {
+    PartInfo info = ReadPartInfo(m_pData->path.c_str(), partType, state);
+    ids = std::move(info.ids);
+    names = std::move(info.names);
+    materialIds = std::move(info.material_ids);
+    materialTypes = std::move(info.material_types);
+    return ids.size();
+  });
+}
+
+std::uint64_t ORVFiler::GetPartIdsAndNames(const std::string& partType, std::vector<int>& ids,
+                                           std::vector<std::string>& names, int state) {
+  std::vector<int> material_ids;
+  std::vector<int> material_types;
+  return GetPartInfo(partType, ids, names, material_ids, material_types, state);
+}
