@@ -38,7 +38,7 @@ class ORVResultValuesBase {
   int m_layer;         ///< layer or integration point from 0; -101 for all
   int m_wantIds;       ///< not 0: entity ids are delivered too
   int m_zoneId;        ///< only blocks of that zone; -1 for all
-  int m_spare;         ///< kept by the fetch: room of `m_ids` where it is less than the capacity; else -1
+  int m_spare;         ///< the fetch's own: marks an array `m_ids` that is shorter than the capacity; else -1
   int m_fetchMode;     ///< 0: values as the dataset lies, entity by entity; 1: component by component
   int m_capacity;      ///< above 0: `m_values` and `m_ids` are arrays of the C allocator with room for this many
   int m_idCount;

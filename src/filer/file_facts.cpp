@@ -77,6 +77,7 @@ void ClearContainer(ORVContainer& container) {
   ClearUnitTable(container.derived_units);
   ClearGenericTypes(container);
   container.m_frameEntityNames.clear();
+  container.filter_memo.clear();
 }
 
 namespace {

@@ -52,7 +52,7 @@ bool HasType(const ResultQuery& query) {
 
 bool Passes(ORVResult& block, const ResultQuery& query) {
   if (!IsOfKind(block, query.kind) || !IsOfType(block, query)) return false;
-  if (query.needs_components && block.m_ncoo == 0) return false;
+  if (query.needs_components && block.m_ncoo == 0 && &block != query.sample) return false;
   return query.names.empty() ||
          std::ranges::any_of(query.names, [&](const char* name) { return HasName(block, name, query.test); });
 }
@@ -88,7 +88,7 @@ void FindSameQuantity(const ResultList& list, const ORVResult& sample, bool by_e
   const char* const names[] = {name.c_str()};
   const _ORVEntityType entities[] = {sample.m_entityType};
   const int base_types[] = {sample.m_baseEntityType};
-  ResultQuery query{.names = names, .test = NameTest::kIdentityOrOwnName};
+  ResultQuery query{.names = names, .test = NameTest::kIdentityOrOwnName, .sample = &sample};
   if (by_entity_type) {
     query.entities = entities;
   } else {

@@ -31,7 +31,8 @@ struct ResultQuery {
   std::span<const char* const> type_names = {};  ///< names of entity types
   std::span<const char* const> names = {};
   NameTest test = NameTest::kIdentity;
-  bool needs_components = true;  ///< blocks with 0 components do not pass
+  bool needs_components = true;       ///< blocks with 0 components do not pass,
+  const ORVResult* sample = nullptr;  ///< save this one
 };
 
 void FindResults(const ResultList& list, const ResultQuery& query, ResultList& out);

@@ -25,13 +25,14 @@ class PathScan : public ORVResult {
     return ORVResult::ReadHeader(group, flags);
   }
 
-  void HeaderWasRead() {
+  void HeaderWasRead(const char* group_name) {
     if (GetKey() != ORV_RESULT_MULTI_ENTITY && GetKey() != ORV_RESULT_ENTITY) return;
     auto copy = std::make_unique<ORVResult>(*this);
     if (const ORVEntityTypeMap* row = FindEntityType(Content(m_etyp))) {
       copy->m_entityType = static_cast<_ORVEntityType>(row->m_orvType);
       copy->m_baseEntityType = row->m_appType;
     }
+    Assign(copy->m_subBlockName, Content(group_name));
     found_.push_back(copy.get());
     copy.release();  // NOLINT(bugprone-unused-return-value): the list has it now
   }
@@ -41,10 +42,10 @@ class PathScan : public ORVResult {
 };
 
 /// The walk runs inside HDF5's iteration: no exception may leave.
-_ORVAction TakeResult(int status, int stage, void* /*name*/, void* block) {
+_ORVAction TakeResult(int status, int stage, void* name, void* block) {
   h5::EntryVoid([&] {
     auto& scan = *static_cast<PathScan*>(static_cast<ORVBlock*>(block));
-    if (status == kOk && stage == ORV_READ_HEADER) scan.HeaderWasRead();
+    if (status == kOk && stage == ORV_READ_HEADER) scan.HeaderWasRead(static_cast<const char*>(name));
   });
   return ORV_ACTION_CONTINUE;
 }

@@ -8,6 +8,7 @@
 
 #include "filer/process_state.h"
 #include "h5/disk_names.h"
+#include "h5/extents.h"
 #include "h5/status.h"
 #include "h5/text_field.h"
 #include "result/result_lookup.h"
@@ -35,7 +36,7 @@ std::optional<ColumnSlab> SelectColumn(const ORVResult& block, int column) {
 
 /// Whether an array for that many values may be made on the word of the block's header.
 bool IsBacked(ORVResult& block, const char* file, std::uint64_t values) {
-  if (values <= kUnbackedBytes / sizeof(float)) return true;
+  if (values <= h5::kUnbackedBytes / sizeof(float)) return true;
   const int state = StateOf(block, kFirstState);
   return values <= StoredPoints(block, file, state, ResultPart::kIndex, disk::indexval);
 }

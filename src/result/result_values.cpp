@@ -35,6 +35,7 @@ ORVResultValuesBase<T, I>::~ORVResultValuesBase() = default;
 
 template <class T, class I>
 void ORVResultValuesBase<T, I>::ResetOutParameter() {
+  m_spare = -1;  // it tells of the arrays
   m_idCount = 0;
   m_ids = nullptr;
   m_valueCount = 0;
@@ -45,6 +46,7 @@ template <class T, class I>
 void ORVResultValuesBase<T, I>::DeleteAllocation(bool reset) {
   std::free(m_values);
   std::free(m_ids);
+  m_spare = -1;
   m_values = nullptr;
   m_ids = nullptr;
   if (reset) ResetOutParameter();

@@ -54,8 +54,8 @@ class ValueFetch {
 
   std::byte* PlaceOf(std::uint64_t value) const { return values_ + value * request_.size; }
   [[nodiscard]] std::uint64_t ReadAtOnce(FetchShare& share);
-  [[nodiscard]] std::uint64_t ReadOneByOne(ORVResult& block);
-  [[nodiscard]] std::uint64_t Read(ORVResult& block, ORVHyperSlab& slab, bool whole, bool with_ids,
+  [[nodiscard]] std::uint64_t ReadOneByOne(const FetchShare& share);
+  [[nodiscard]] std::uint64_t Read(const FetchShare& share, ORVHyperSlab& slab, bool whole, bool with_ids,
                                    std::uint64_t place);
   void PointBlocksAtAnswer();
 
@@ -77,15 +77,15 @@ std::uint64_t DeliveredBy(const ORVResult& block, const ORVHyperSlab& slab, std:
 
 void ValueFetch::ReadBlocks() {
   places_.reserve(plan_.shares().size());
+  const bool one_by_one = request_.one_by_one && plan_.ext_id() != -1;
   for (FetchShare& share : plan_.shares()) {
     ORVResult& block = *share.block;
     block.m_fetchSkip = 1;
-    if (share.values == 0) continue;
+    if (share.values == 0 && !one_by_one) continue;
     places_.push_back({&block, values_read_, ids_read_, false});
     const Swapped type(block.m_resType, request_.type);
     const Swapped id_type(block.m_entidType, request_.want_ids ? ORV_INT : block.m_entidType);
-    const bool one_by_one = request_.one_by_one && plan_.ext_id() != -1;
-    const std::uint64_t values = one_by_one ? ReadOneByOne(block) : ReadAtOnce(share);
+    const std::uint64_t values = one_by_one ? ReadOneByOne(share) : ReadAtOnce(share);
     if (full_) return;
     if (values == 0) continue;
     block.m_fetchSkip = 0;
@@ -97,8 +97,11 @@ void ValueFetch::ReadBlocks() {
 
 /// Reads a slab into the place of a value, with the ids of the block where they are wanted. Answers the values, 0 when
 /// it failed.
-std::uint64_t ValueFetch::Read(ORVResult& block, ORVHyperSlab& slab, bool whole, bool with_ids, std::uint64_t place) {
-  const Swapped<void*> frames(block.m_fid, nullptr);  // made for the entities of another state, if at all
+std::uint64_t ValueFetch::Read(const FetchShare& share, ORVHyperSlab& slab, bool whole, bool with_ids,
+                               std::uint64_t place) {
+  ORVResult& block = *share.block;
+  // Frames have room for the entities that the host knew of.
+  const Swapped<void*> frames(block.m_fid, share.HasGrown() ? nullptr : block.m_fid);
   block.m_res = PlaceOf(place);
   if (request_.want_ids) block.m_entid = ids_ + ids_read_;
   block.m_readIds = with_ids ? 1 : 0;
@@ -120,20 +123,27 @@ std::uint64_t ValueFetch::Read(ORVResult& block, ORVHyperSlab& slab, bool whole,
 /// component by component. Pinned by ValueFetch.EndsAtABlockWhoseComponentsLieApart.
 std::uint64_t ValueFetch::ReadAtOnce(FetchShare& share) {
   const std::uint64_t values = SlabValues(share.slab);
-  if (values == 0) return 0;
+  if (values == 0 || share.absent) return 0;
   full_ = values > plan_.values() - values_read_;
-  return full_ ? 0 : Read(*share.block, share.slab, share.whole, request_.want_ids, values_read_);
+  if (full_) return 0;
+  const auto read = [&](ORVHyperSlab& slab, bool whole) {
+    PointAtOwnArrays(slab);
+    return Read(share, slab, whole, request_.want_ids, values_read_);
+  };
+  const std::uint64_t flat = share.without_layers ? read(*share.without_layers, false) : 0;
+  return flat > 0 ? flat : read(share.slab, share.whole);
 }
 
-/// One selection per stored component, component by component.
-std::uint64_t ValueFetch::ReadOneByOne(ORVResult& block) {
+/// One selection per stored component, component by component. A block that gives nothing forgets its data.
+std::uint64_t ValueFetch::ReadOneByOne(const FetchShare& share) {
+  ORVResult& block = *share.block;
   HandleSelections selections(block, plan_.ext_id(), request_.layer);
   std::uint64_t total = 0;
   for (ORVHyperSlab* slab : selections.slabs()) {
     const std::uint64_t values = SlabValues(*slab);
     if (values == 0) continue;
-    if (values > plan_.values() - values_read_ - total) break;
-    const std::uint64_t read = Read(block, *slab, false, request_.want_ids && total == 0, values_read_ + total);
+    if (share.absent || values > plan_.values() - values_read_ - total) break;
+    const std::uint64_t read = Read(share, *slab, false, request_.want_ids && total == 0, values_read_ + total);
     if (read == 0) break;
     total += read;
   }
@@ -163,7 +173,9 @@ int FetchValues(const char* file, ORVResultValuesBase<T, int>& values, const std
     FetchPlan plan(request, blocks);
     if (!plan.Make(quantity)) return kFail;
     FetchArrays<T> arrays(values);
-    if (!plan.IsBacked() || !arrays.Prepare(plan.values(), plan.entities())) {
+    const bool may_be_made = plan.MayBeMade(arrays.room());
+    if (may_be_made && plan.values() == 0) return kFail;  // nothing of it is in this state
+    if (!may_be_made || !arrays.Prepare(plan.values())) {
       SendFetchMessage(ORV_MESG_ERROR, "Memory allocation failed for (No. Values %lld)",
                        static_cast<long long>(std::min<std::uint64_t>(plan.values(), INT64_MAX)));
       return kFail;

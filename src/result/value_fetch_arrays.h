@@ -4,6 +4,8 @@
 // brought along.
 
 #include <algorithm>
+#include <climits>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 
@@ -19,11 +21,15 @@ class FetchArrays {
 
   explicit FetchArrays(Holder& holder) : holder_(holder) {}
 
-  /// Room for the answer; both counts fit an int. False when memory runs out.
-  [[nodiscard]] bool Prepare(std::uint64_t values, std::uint64_t entities) {
+  /// Values that the arrays of the holder have room for.
+  std::uint64_t room() const { return static_cast<std::uint64_t>(std::max(holder_.m_capacity, 0)); }
+
+  /// Room for the answer, which fits an int and has at least one value an entity. False when memory runs out. Both
+  /// arrays are made for as many: the holder has one capacity for them, when it brings them along the next time.
+  [[nodiscard]] bool Prepare(std::uint64_t values) {
     if (holder_.m_capacity >= 1) return GrowThoseOfHolder(static_cast<int>(values));
     own_values_ = ZeroedArray<T>(values);
-    if (holder_.m_wantIds) own_ids_ = ZeroedArray<int>(entities);
+    if (holder_.m_wantIds) own_ids_ = ZeroedArray<int>(values);
     return own_values_ && (own_ids_ || !holder_.m_wantIds);
   }
 
@@ -52,22 +58,32 @@ class FetchArrays {
     return resized != nullptr;
   }
 
+  /// Mark of an array of ids that is shorter than the capacity. It is made of the address, so that neither another
+  /// array nor a number of the host is taken for one: never 0, never negative.
+  static int MarkOf(const int* ids) {
+    const auto address = reinterpret_cast<std::uintptr_t>(ids) / alignof(std::max_align_t);
+    return static_cast<int>(((address ^ address >> 31U) & INT_MAX) | 1U);
+  }
+
   /// Arrays that are large enough stay where they are. Without ids being wanted their array stays behind the other
-  /// one; its room is noted then, for a later fetch that wants them.
+  /// one; that is noted then, for a later fetch that wants them.
   [[nodiscard]] bool GrowThoseOfHolder(int needed) {
     const int room = holder_.m_capacity;
     const int capacity = std::max(needed, room);
-    if ((capacity > room || !holder_.m_values) && !Resize(holder_.m_values, capacity)) return false;
-    const bool ids_lag = holder_.m_spare >= 0 && holder_.m_spare < capacity;
-    if (holder_.m_wantIds && (capacity > room || ids_lag || !holder_.m_ids)) {
+    const bool grows = capacity > room;
+    if ((grows || !holder_.m_values) && !Resize(holder_.m_values, capacity)) return false;
+    const bool ids_lag = holder_.m_ids && (grows || holder_.m_spare == MarkOf(holder_.m_ids));
+    if (holder_.m_wantIds && (ids_lag || !holder_.m_ids)) {
       if (!Resize(holder_.m_ids, capacity)) return false;
-      holder_.m_spare = -1;
-    } else if (capacity > room && holder_.m_ids && !ids_lag) {
-      holder_.m_spare = room;
+      holder_.m_spare = kNoMark;
+    } else if (ids_lag) {
+      holder_.m_spare = MarkOf(holder_.m_ids);
     }
     holder_.m_capacity = capacity;
     return true;
   }
+
+  static constexpr int kNoMark = -1;
 
   Holder& holder_;
   CArray<T> own_values_;

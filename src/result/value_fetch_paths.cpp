@@ -9,6 +9,7 @@
 #include "h5/c_array.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
+#include "h5/extents.h"
 #include "h5/file_access.h"
 #include "h5/status.h"
 #include "result/hyper_slab.h"
@@ -16,6 +17,7 @@
 #include "result/result_kinds.h"
 #include "result/stored_values.h"
 #include "result/value_fetch.h"
+#include "result/value_fetch_plan.h"
 
 namespace orvio {
 namespace {
@@ -37,29 +39,25 @@ struct Amounts {
 
 std::uint64_t NotNegative(std::int64_t count) { return static_cast<std::uint64_t>(std::max<std::int64_t>(count, 0)); }
 
-/// The slab of all values of a block for one state. Elements without layers are stored without that axis. Nothing for a
-/// block of several states, whose values have no room in the answer.
-std::optional<ORVHyperSlab> WholeBlock(const ORVResult& block) {
+/// The slab of all values of a block for one state. Nothing for a block of several states, whose values have no room in
+/// the answer.
+std::optional<ORVHyperSlab> OneState(const ORVResult& block) {
   const ResultKind* kind = FindResultKind(block.GetKey());
   if (!kind || (kind->IsMultistate() && block.m_nstate != 1)) return std::nullopt;
-  ORVHyperSlab slab;
-  for (const _ORVDimensionType axis : kind->Axes()) {
-    if (axis == ORV_DIM_LAYER && block.m_numl == 0) continue;
-    const std::uint64_t extent = ExtentOf(block, axis);
-    if (extent > INT64_MAX) return std::nullopt;  // a negative count of a damaged header
-    slab.m_count[slab.m_rank++] = extent;
-  }
-  return slab;
+  return WholeSlab(block);
 }
 
-/// What one block takes; nothing for a count that no host can hold.
+/// What one block takes: nothing at all for one without values, whatever its header says of entities. No answer for a
+/// count that no host can hold.
 std::optional<Amounts> AmountsOf(const ORVResult& block) {
-  auto slab = WholeBlock(block);
+  auto slab = OneState(block);
   Amounts amounts;
   if (!slab) return amounts;
   PointAtOwnArrays(*slab);
+  if (h5::HasZero(slab->m_rank, slab->m_count)) return amounts;
   amounts = {CountOf(*slab), NotNegative(block.m_nent), NotNegative(block.m_nindex)};
-  if (std::max({amounts.values, amounts.entities, amounts.index}) > INT_MAX) return std::nullopt;
+  const bool overflown = amounts.values == 0;
+  if (overflown || std::max({amounts.values, amounts.entities, amounts.index}) > INT_MAX) return std::nullopt;
   return amounts;
 }
 
@@ -116,14 +114,14 @@ bool PathFetch::Size() {
 
 bool PathFetch::IsBacked() const {
   std::uint64_t unbacked = total_.values + total_.index;
-  if (unbacked <= kUnbackedBytes / sizeof(float)) return true;
+  if (unbacked <= h5::kUnbackedBytes / sizeof(float)) return true;
   for (ORVResult* block : blocks_) {
     const auto amounts = block ? AmountsOf(*block) : std::nullopt;
     if (!amounts) continue;
     unbacked -= std::min(amounts->values, StoredPointsAtPath(*block, file_, ResultPart::kData, disk::res));
     unbacked -= std::min(amounts->index, StoredPointsAtPath(*block, file_, ResultPart::kIndex, disk::indexval));
   }
-  return unbacked <= kUnbackedBytes / sizeof(float);
+  return unbacked <= h5::kUnbackedBytes / sizeof(float);
 }
 
 bool PathFetch::Prepare(bool want_ids) {
@@ -148,7 +146,7 @@ int ReadIndexPart(ORVResult& block, hid_t group, _ORVBlockAtt att) {
 
 /// Values and index rows of a block whose buffers are set; answers the number of values.
 std::optional<std::uint64_t> PathFetch::ReadParts(ORVResult& block) {
-  auto slab = WholeBlock(block);
+  auto slab = OneState(block);
   if (!slab) return std::nullopt;
   PointAtOwnArrays(*slab);
   const ReaderLease reader(block, file_);

@@ -6,6 +6,7 @@
 #include <climits>
 
 #include "h5/disk_names.h"
+#include "h5/extents.h"
 #include "h5/status.h"
 #include "orvio/orv_variable_grp.h"
 #include "result/result_complex.h"
@@ -29,6 +30,19 @@ std::uint64_t SlabValues(ORVHyperSlab& slab) {
   return count <= INT64_MAX ? count : 0;  // a negative count of a header makes a huge one
 }
 
+std::optional<ORVHyperSlab> WholeSlab(const ORVResult& block) {
+  const ResultKind* kind = FindResultKind(block.GetKey());
+  if (!kind) return std::nullopt;
+  ORVHyperSlab slab;
+  for (const _ORVDimensionType axis : kind->Axes()) {
+    if (axis == ORV_DIM_LAYER && block.m_numl == 0) continue;
+    const std::uint64_t extent = ExtentOf(block, axis);
+    if (extent > INT64_MAX) return std::nullopt;
+    slab.m_count[slab.m_rank++] = extent;
+  }
+  return slab;
+}
+
 namespace {
 
 /// Sums that no file can mean end at the largest number.
@@ -50,14 +64,14 @@ bool HasOneVariable(const ORVResult& block) {
   return block.m_variableGrp && block.m_variableGrp->GetNumberOfVariables() == 1;
 }
 
-/// Whether a slab is all that a block holds, in a form that a whole read serves.
-bool IsWhole(ORVResult& block, ORVHyperSlab& slab) {
-  const ResultKind* kind = FindResultKind(block.GetKey());
-  if (!kind || !kind->IsEntity() || !HasOneVariable(block)) return false;
+/// Whether a slab is all that a block holds. Elements without layers have one.
+bool IsWhole(const ORVResult& block, const ResultKind& kind, const ORVHyperSlab& slab) {
+  if (kind.IsProperties() || !HasOneVariable(block)) return false;
   if (IsConverted(block, slab.m_rank, slab.m_start, slab.m_count)) return false;  // only selections are
-  const auto axes = kind->Axes();
+  const auto axes = kind.Axes();
   for (std::size_t i = 0; i < axes.size(); ++i) {
-    if (slab.m_start[i] != 0 || slab.m_count[i] != ExtentOf(block, axes[i])) return false;
+    const bool no_layers = axes[i] == ORV_DIM_LAYER && block.m_numl == 0;
+    if (slab.m_start[i] != 0 || slab.m_count[i] != (no_layers ? 1 : ExtentOf(block, axes[i]))) return false;
   }
   return true;
 }
@@ -66,7 +80,7 @@ bool IsWhole(ORVResult& block, ORVHyperSlab& slab) {
 
 FetchPlan::FetchPlan(const FetchRequest& request, const std::vector<ORVResult*>& blocks) : request_(request) {
   for (ORVResult* block : blocks) {
-    if (block) shares_.push_back({block});
+    if (block) shares_.push_back({block, block->m_nent});
   }
 }
 
@@ -107,8 +121,11 @@ void FetchPlan::SelectByName(FetchShare& share, const char* variable) {
   const int status = block.FillDependentForVarGrp(variable, share.slab, 0, request_.layer, ORV_ALL_ENTITIES);
   if (status == kOk) Add(share, SlabValues(share.slab));
   if (share.values == 0) return;
-  share.whole = IsWhole(block, share.slab);
   block.m_fetchSkip = 0;
+  const ResultKind* kind = FindResultKind(block.GetKey());
+  if (!kind || !IsWhole(block, *kind, share.slab)) return;
+  share.whole = kind->IsEntity();
+  if (kind->IsElement() && block.m_numl == 0) share.without_layers = WholeSlab(block);
 }
 
 void FetchPlan::SelectByHandle(FetchShare& share) {
@@ -121,17 +138,27 @@ void FetchPlan::SelectByHandle(FetchShare& share) {
   Add(share, values);
 }
 
-bool FetchPlan::IsBacked() const {
-  if (values_ > INT_MAX || entities_ > INT_MAX) return false;
-  std::uint64_t unbacked = values_ * request_.size;
-  if (unbacked <= kUnbackedBytes) return true;
-  for (const FetchShare& share : shares_) {
+bool FetchPlan::MayBeMade(std::uint64_t room) {
+  const bool large = values_ > room && values_ > h5::kUnbackedBytes / request_.size;
+  if (!large && values_ <= INT_MAX) return true;
+  const std::uint64_t unbacked = LeaveOutAbsent();
+  if (values_ > INT_MAX) return false;
+  return values_ <= room || unbacked <= h5::kUnbackedBytes / request_.size;
+}
+
+std::uint64_t FetchPlan::LeaveOutAbsent() {
+  std::uint64_t unbacked = 0;
+  values_ = entities_ = 0;
+  for (FetchShare& share : shares_) {
     if (share.values == 0) continue;
     const int state = StateOf(*share.block, request_.state);
     const std::uint64_t stored = StoredPoints(*share.block, request_.file, state, ResultPart::kData, disk::res);
-    unbacked -= std::min(share.values, stored) * request_.size;
+    share.absent = stored == 0;
+    if (share.absent) continue;
+    Add(share, share.values);
+    AddUp(unbacked, share.values - std::min(share.values, stored));
   }
-  return unbacked <= kUnbackedBytes;
+  return unbacked;
 }
 
 }  // namespace orvio

@@ -2,6 +2,7 @@
 
 // The first half of a value fetch: what is read of which block, and how much that is. The file is asked for counts only.
 
+#include <optional>
 #include <vector>
 
 #include "result/hyper_slab.h"
@@ -23,9 +24,16 @@ struct FetchRequest {
 /// A block and what is read of it.
 struct FetchShare {
   ORVResult* block;
+  std::int64_t listed = 0;   ///< entities of the block before it was looked up in the asked state
   std::uint64_t values = 0;  ///< values of its selections; 0 for a block that is passed over
   ORVHyperSlab slab = {};    ///< what is read at once: the bounds of its selections
   bool whole = false;        ///< the slab is all that the block holds
+  bool absent = false;       ///< its values are not in the asked state, and not among the totals
+
+  /// Tried before the slab, where it is all of a block whose values may be stored without the axis of layers.
+  std::optional<ORVHyperSlab> without_layers = {};
+
+  bool HasGrown() const { return block->m_nent > listed; }
 };
 
 /// Selections of one block for a handle, one per stored component.
@@ -45,6 +53,10 @@ class HandleSelections {
 /// Values of a slab as an array has to hold them; 0 for what no header can mean.
 std::uint64_t SlabValues(ORVHyperSlab& slab);
 
+/// The slab of all values of a block; elements without layers are taken for stored without that axis. Nothing for a key
+/// that is none of results, and for a negative count of a damaged header.
+std::optional<ORVHyperSlab> WholeSlab(const ORVResult& block);
+
 class FetchPlan {
  public:
   FetchPlan(const FetchRequest& request, const std::vector<ORVResult*>& blocks);
@@ -52,19 +64,20 @@ class FetchPlan {
   /// False when there is nothing to read.
   [[nodiscard]] bool Make(const FetchQuantity& quantity);
 
-  /// Whether the arrays may be made: they fit into what a host can count, and the file stands behind them.
-  [[nodiscard]] bool IsBacked() const;
+  /// Whether a host can count the values, and the file stands behind those that take more than `room`, which is there
+  /// already. Blocks that are not in the asked state leave totals that are too large.
+  [[nodiscard]] bool MayBeMade(std::uint64_t room);
 
   std::vector<FetchShare>& shares() { return shares_; }
   int ext_id() const { return ext_id_; }            ///< -1 for a fetch by name
   std::uint64_t values() const { return values_; }  ///< of all blocks
-  std::uint64_t entities() const { return entities_; }
 
  private:
   void RefreshCounts();
   void SelectByName(FetchShare& share, const char* variable);
   void SelectByHandle(FetchShare& share);
   void Add(FetchShare& share, std::uint64_t values);
+  [[nodiscard]] std::uint64_t LeaveOutAbsent();  ///< answers the values that nothing in the file stands behind
 
   const FetchRequest& request_;
   std::vector<FetchShare> shares_;

@@ -82,6 +82,13 @@ TEST_P(GenericTypes, ComeOnlyFromBlocksThatHaveBothNames) {
   EXPECT_THAT(Describe(data_), IsEmpty());
 }
 
+TEST_P(GenericTypes, AreNotTakenFromTheBlockBefore) {
+  Add(0, "A", "2D").text("etypelem", "QUAD");
+  Add(0, "B", nullptr).text("etypelem", "TRIA");
+  Update(0);
+  EXPECT_THAT(Describe(data_), ElementsAre("2D: QUAD"));
+}
+
 TEST_P(GenericTypes, ComeOnlyFromBlocksWithElementsAndNodes) {
   Add(0, "A", "2D").integer("nele", 0);
   Add(0, "B", "2D").integer("npele", 0);
@@ -122,6 +129,16 @@ TEST_P(GenericTypes, OfAllStatesAreThoseOfTheConstantSectionWhereThereIsOneState
   Add(1, "ONE", "a");
   Update(-1);
   EXPECT_THAT(Describe(data_), ElementsAre("c: CONST"));
+}
+
+TEST_P(GenericTypes, OfAllStatesAreThoseOfTheConstantSectionWhereThereIsNoState) {
+  Add(0, "CONST", "c");
+  Update(-1);
+  EXPECT_THAT(Describe(data_), ElementsAre("c: CONST"));
+  file_.at("/post").drop("singlestate");
+  Add(0, "LATER", "d");
+  Update(-1);
+  EXPECT_THAT(Describe(data_), ElementsAre("c: CONST", "d: LATER"));
 }
 
 TEST_P(GenericTypes, OfAllStatesPassOverAStateWithoutElements) {
@@ -260,6 +277,15 @@ TEST_F(GenericRows, OfNastranWithoutARowOfTheirElementTakeANumberOfTheHost) {
   AddGeneric("OWN", {"x"});
   EXPECT_EQ(orvio::CreateGenericRows(data_, {70, 79}), 2);
   EXPECT_THAT(Table(), ElementsAre("CTRIAR 2011 70", "OWN 2012 71"));
+}
+
+TEST_F(GenericRows, OfNastranThatAreThereKeepTheirOwn) {
+  SetSolver("NASTRAN");
+  (void)ORVCheckAppendToEntityMap(254, 33, "TRIA3");
+  (void)ORVCheckAppendToEntityMap(9, 44, "ctriar");
+  AddGeneric("CTRIAR", {"x"});
+  EXPECT_EQ(orvio::CreateGenericRows(data_, {70, 79}), 0);
+  EXPECT_THAT(Table(), ElementsAre("TRIA3 254 33", "ctriar 9 44"));
 }
 
 TEST_F(GenericRows, OfOtherSolversShareNoRow) {

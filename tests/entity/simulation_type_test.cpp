@@ -230,4 +230,12 @@ TEST_P(SimulationTypeWrite, WithoutAFileOrItsGroupFails) {
   EXPECT_FALSE(RawFile(empty.path()).exists(kBlock));
 }
 
+TEST_P(SimulationTypeWrite, WithoutNamesFailsWhereTheNamesAreStored) {
+  types_.m_pEtypindex = nullptr;
+  EXPECT_EQ(Write(), IsSplit() ? 1 : 0);
+  const RawFile raw(file_.path());
+  EXPECT_EQ(raw.attribute_int(Part("header"), "nindex"), 2);
+  EXPECT_THAT(raw.children(Part("data")), IsEmpty());
+}
+
 }  // namespace

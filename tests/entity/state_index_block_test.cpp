@@ -156,5 +156,89 @@ TEST_P(StateIndexBlock, OfAFileWithoutStatesFails) {
   EXPECT_EQ(Read(1), 1);
 }
 
+TEST_P(StateIndexBlock, WithAMultiStatePathOfItsOwnReadsNoRowsOfStates) {
+  // Three rows of two columns in the multi-state section, where an index of this key looks for the row of each of the two
+  // states.
+  const std::string multi = "/post/multistate/multientityresults/Node/Heat";
+  AddMultiState(file_, multi, GetParam(), 3, {1, 2, 3, 4, 5, 6});
+  for (const int state : {1, 2}) AddHeat(state, {0.5, 1});
+  block_.SetBlkPath(Path(StateGroup(1) + "/entityresults/Node/Heat"));
+  index_.SetBlkPath(Path(multi));
+  index_.SetKey(1050);
+  index_.Allocate(3, 2);
+  EXPECT_EQ(Read(2), 1);
+  EXPECT_EQ(count_, 0);
+  EXPECT_THAT(index_.values, Each(0));
+}
+
+TEST_P(StateIndexBlock, OfStatesThatHoldTheRowsOfManyReadsNothing) {
+  for (const int state : {1, 2}) {
+    const std::string heat = StateGroup(state) + "/entityresults/Node/Heat";
+    AddMultiState(file_, heat, GetParam(), 3, {1, 2, 3, 4, 5, 6});
+  }
+  block_.SetBlkPath(Path(StateGroup(1) + "/entityresults/Node/Heat"));
+  index_.Allocate(3, 2);
+  EXPECT_EQ(Read(2), 1);
+  EXPECT_EQ(count_, 0);
+  EXPECT_THAT(index_.values, Each(0));
+}
+
+TEST_P(StateIndexBlock, WithHeaderAndDataGivesTheHeaderAndFailsForWantOfRows) {
+  AddHeat(1, {0.5, 1});
+  block_.SetBlkPath(Path(StateGroup(1) + "/entityresults/Node/Heat"));
+  EXPECT_EQ(Read(3), 1);  // both counts are needed
+  EXPECT_EQ(index_.GetNumIndex(), 0);
+  index_.Allocate(2, 1);
+  EXPECT_EQ(Read(3), 1);
+  EXPECT_EQ(index_.GetNumIndex(), 2);
+  EXPECT_EQ(index_.GetNumState(), 0);
+  EXPECT_EQ(count_, 0);
+  EXPECT_THAT(index_.values, Each(0));
+}
+
+/// Blocks with a soft link for a part. A walk takes the value of the link for the path of the block, which then leads to
+/// groups high up in the tree, where an index of many rows waits.
+class StateIndexOfALinkedPart : public OrvTest, public ::testing::WithParamInterface<const char*> {
+ protected:
+  StateIndexOfALinkedPart() {
+    for (const int state : {1, 2}) {
+      const std::string heat = StateGroup(state) + "/entityresults/Node/Heat";
+      file_.at(heat + "/header").integer("block", 1000);
+      file_.at(heat + "/singlestate").integer("block", 1000);
+      file_.at(heat).soft_link(GetParam(), "singlestate");
+    }
+    file_.at(IsSingle() ? "/post/singlestate" : "/post/index").dataset<float>("indexval", {2, 2}, {1, 2, 3, 4});
+    file_.dataset<std::int32_t>("indexident", {2, 2}, {1, 2, 3, 4});
+  }
+
+  static bool IsSingle() { return std::string("orvblock") == GetParam(); }
+
+  ForgedFile file_;
+  OpenIndex<float> index_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Links, StateIndexOfALinkedPart, ::testing::Values("data", "index", "orvblock"),
+                         [](const auto& link) { return std::string(link.param); });
+
+TEST_P(StateIndexOfALinkedPart, IsReadIntoNoRow) {
+  ORVBlockHelper block;
+  // A walk over headers does not come past an index alone; one over indexes learns the same path from it.
+  const bool is_index = std::string("index") == GetParam();
+  const int state = IsSingle() ? 3 : 1;  // the datasets of the index stand before the states
+  block.SetBlkPath(is_index ? "singlestate" : index_.FirstPathOf(file_, state));
+  EXPECT_EQ(block.GetBlkPath(), IsSingle() ? "singlestate/orvblock" : "singlestate");
+  int count = -1;
+  index_.SetBlkPath("");
+  index_.Allocate(2, 2);  // room for two states, where each would bring two rows
+  EXPECT_EQ(index_.ReadBlockIndexValues(file_.path().c_str(), &block, 2, count), 1);
+  EXPECT_EQ(count, 0);
+  EXPECT_THAT(index_.values, Each(0));
+  for (const std::int64_t key : {-1, 1000}) {
+    index_.SetKey(key);
+    EXPECT_EQ(index_.ReadStateIndex(file_.path().c_str(), 2, count, false), 1);
+    EXPECT_THAT(index_.values, Each(0));
+  }
+}
+
 }  // namespace
 }  // namespace orv_test

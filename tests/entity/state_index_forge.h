@@ -75,6 +75,14 @@ class OpenIndex : public ORVIndexBase<int, V> {
     return InGroup(file, group, [&](hid_t id) { return this->ReadData(id, 0); });
   }
 
+  /// Path of the first block of a state, as a walk learns it.
+  std::string FirstPathOf(ForgedFile& file, int state) {
+    if (this->OpenH5Reader(file.path().c_str(), 0) != 0) return "no file";
+    const int status = this->UpdateBlockPath(this->GetH5Reader()->GetFileId(), state, false);
+    (void)this->CloseH5Reader();
+    return status == 0 ? this->GetBlkPath() : "no block";
+  }
+
   std::vector<V> values;
   std::vector<int> ids;
 

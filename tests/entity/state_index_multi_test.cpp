@@ -119,5 +119,21 @@ TEST_P(StateIndexMulti, OfAFileThatIsNotThereFails) {
   EXPECT_EQ(count_, 0);
 }
 
+TEST_P(StateIndexMulti, CountsComeFromTheFirstBlockOfTheWholeSection) {
+  AddMultiState(file_, "/post/multistate/elementresults/Shell/Stress", GetParam(), 4, {1, 2, 3, 4})
+      .integer("block", 1150);
+  EXPECT_EQ(ReadBoth(), 0);
+  EXPECT_EQ(index_.GetNumIndex(), 1);
+  EXPECT_EQ(count_, 4);
+  EXPECT_THAT(index_.values, ElementsAre(1, 2, 3, 4));
+}
+
+TEST_P(StateIndexMulti, WithoutAModeSucceedsAndReadsNothing) {
+  EXPECT_EQ(Read(0), 0);
+  EXPECT_EQ(index_.GetNumIndex(), 0);
+  EXPECT_EQ(index_.GetNumState(), 0);
+  EXPECT_EQ(count_, 0);
+}
+
 }  // namespace
 }  // namespace orv_test

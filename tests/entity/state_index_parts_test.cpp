@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "entity/state_index_forge.h"
+#include "orvio/orv_switches.h"
 #include "support/orv_test.h"
 
 namespace orv_test {
@@ -125,6 +126,15 @@ TEST_F(StateIndexHeader, WithANstateOfAnotherClassFailsAfterTheColumns) {
   file_.retype("nstate");
   EXPECT_EQ(Read(), 1);
   EXPECT_EQ(index_.GetNumIndex(), 2);
+}
+
+TEST_F(StateIndexHeader, ThatCannotBeReadSaysWhy) {
+  file_.drop("nindex");
+  EXPECT_EQ(Read(), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "OH5Read_ATTRIBUTE::\n\t \"nindex\" attribute not exist");
+  file_.integer("nindex", 2).retype("nindex");
+  EXPECT_EQ(Read(), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "OH5Read_ATTRIBUTE::\n\t \"nindex\" attribute data type mismatch");
 }
 
 TEST_F(StateIndexHeader, NeedsAReader) {

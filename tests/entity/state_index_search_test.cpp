@@ -109,5 +109,20 @@ TEST_F(StateIndexSearch, NeedsTheMatrixThatIsAskedFor) {
   EXPECT_TRUE(Find(values, nullptr));
 }
 
+TEST_F(StateIndexSearch, InDoublePrecisionTellsValuesApartThatAFloatCannot) {
+  OpenIndex<double> index;
+  index.Allocate(2, 1);
+  index.values = {0.1F, 0.1};
+  index.ids = {7, 8};
+  const double row[] = {0.1};
+  const int ids[] = {7};
+  EXPECT_TRUE(index.FindIndexValLocation(1, row, nullptr, location_));
+  EXPECT_EQ(location_, 1);
+  EXPECT_TRUE(index.FindIndexValLocation(1, nullptr, ids, location_));
+  EXPECT_EQ(location_, 0);
+  EXPECT_FALSE(index.FindIndexValLocation(1, row, ids, location_));
+  EXPECT_EQ(location_, -1);
+}
+
 }  // namespace
 }  // namespace orv_test

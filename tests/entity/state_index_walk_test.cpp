@@ -241,6 +241,48 @@ TEST_P(StateIndexWalk, InDoublePrecisionKeepsAllDigits) {
   EXPECT_THAT(index.values, ElementsAre(0.1, 0.2));
 }
 
+TEST_P(StateIndexWalk, LeavesThePointersAtTheLastRowWhereALaterStateLacksTheBlock) {
+  for (const int state : {1, 2, 3}) AddHeat(state, {0.5 * state});
+  file_.group(StateGroup(4));
+  EXPECT_EQ(ReadRows(4, 1), 0);
+  EXPECT_EQ(count_, 3);
+  EXPECT_EQ(index_.GetIndexVals(), index_.values.data() + 2);
+  EXPECT_EQ(index_.GetIndexIds(), index_.ids.data() + 2);
+}
+
+TEST_P(StateIndexWalk, ReadsValuesAloneWhateverTheTypeOfIdentifiersThatHaveNoRoom) {
+  AddHeat(1, {0.5});
+  index_.Allocate(1, 1);
+  index_.m_pIndexId = nullptr;
+  index_.m_indexIdentType = ORV_LONG;  // would be too wide
+  EXPECT_EQ(Read(2), 0);
+  EXPECT_EQ(count_, 1);
+  EXPECT_THAT(index_.values, ElementsAre(0.5F));
+}
+
+TEST_P(StateIndexWalk, WithHeaderAndDataGivesTheHeader) {
+  AddHeat(1, {0.5, 1});
+  EXPECT_EQ(Read(3), 1);  // for rows the columns are needed
+  EXPECT_EQ(index_.GetNumIndex(), 0);
+  index_.Allocate(1, 1);
+  EXPECT_EQ(Read(3), 0);
+  EXPECT_EQ(index_.GetNumIndex(), 2);
+  EXPECT_EQ(count_, 0);
+  EXPECT_THAT(index_.values, Each(0));
+}
+
+TEST_P(StateIndexWalk, ThatEndsEarlyLeavesNothingOpen) {
+  for (const int state : {1, 2}) AddHeat(state, {0.5 * state});
+  file_.at(PartPaths(Heat(2), GetParam()).index).retype("indexval");
+  const std::string path = file_.path();
+  index_.Allocate(2, 1);
+  for (const int mode : {1, 2}) {
+    EXPECT_EQ(index_.ReadStateIndex(path.c_str(), mode, count_, false), 0);
+    EXPECT_EQ(H5Fget_obj_count(H5F_OBJ_ALL, H5F_OBJ_ALL), 0);
+  }
+  EXPECT_EQ(count_, 1);
+}
+
 class StateIndexLayouts : public OrvTest {};
 
 TEST_F(StateIndexLayouts, AreThatOfTheFirstState) {

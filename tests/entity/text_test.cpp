@@ -46,6 +46,7 @@ ForgedFile ForgeNotes() {
 struct TestText : ORVText {
   TestText() { std::strcpy(m_etyptext, "notes"); }
   using ORVText::AppendBlockSchema;
+  using ORVText::m_nIncremental;
 
   int Header(ForgedFile& file, int state = 0) { return ReadBlock(file.path().c_str(), state, ORV_READ_HEADER); }
   /// Reads header and lines, with room for so many bytes of lines.
@@ -135,6 +136,25 @@ TEST_F(TextBlock, HeaderRowsAbsentOrRetyped) {
     EXPECT_EQ(text.Header(absent), row.when_absent) << row.name;
     EXPECT_EQ(text.Header(retyped), row.when_retyped) << row.name;
   }
+}
+
+TEST_F(TextBlock, IsIncrementalAsItsHeaderSays) {
+  ForgedFile file = ForgeNotes();
+  TestText text;
+  ASSERT_EQ(text.Header(file), 0);
+  EXPECT_FALSE(text.IsIncremental());
+  file.integer32("indexic", 1);
+  ASSERT_EQ(text.Header(file), 0);
+  EXPECT_TRUE(text.IsIncremental());
+  file.retype("indexic");
+  ASSERT_EQ(text.Header(file), 0);
+  EXPECT_TRUE(text.IsIncremental());  // what cannot be read changes nothing
+  file.drop("indexic");
+  ASSERT_EQ(text.Header(file), 0);
+  EXPECT_TRUE(text.IsIncremental());  // nor does what is not there
+  file.integer32("indexic", 0);
+  ASSERT_EQ(text.Header(file), 0);
+  EXPECT_FALSE(text.IsIncremental());
 }
 
 TEST_F(TextBlock, ReadsNothingWithoutTheBitOfTheStage) {
@@ -287,6 +307,12 @@ TEST_P(TextWriteVersion, IsReadBackAsItWas) {
   TestText read;
   ASSERT_EQ(read.Read(file_, 10), 0);
   EXPECT_EQ(read.lines, "hellob    ");
+}
+
+TEST_F(TextWrite, DoesNotTellThatItIsIncremental) {
+  text_.m_nIncremental = 1;
+  ASSERT_EQ(Write(), 0);
+  EXPECT_FALSE(RawFile(file_.path()).has_attribute(Part(kNotes, "header"), "indexic"));
 }
 
 TEST_F(TextWrite, GoesToAStateThatIsThere) {

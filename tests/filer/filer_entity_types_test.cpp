@@ -12,6 +12,7 @@
 #include "entity/own_entity_table.h"
 #include "filer/listed_results.h"
 #include "h5/text_field.h"
+#include "support/forged_model.h"
 #include "support/messages.h"
 #include "support/orv_test.h"
 
@@ -59,6 +60,33 @@ TEST_F(FilerEntityTypes, AreCollectedAndNumberedInOneGo) {
   ASSERT_EQ(table_.rows().size(), 2U);
   EXPECT_STREQ(table_.rows()[1]->m_name, "3D");
   EXPECT_EQ(table_.rows()[1]->m_appType, 71);
+}
+
+TEST_F(FilerEntityTypes, OfAllStatesAreCollectedAndNumberedInOneGo) {
+  for (const int state : {1, 2}) {
+    const std::string place = "/post/singlestate/state00000000000" + std::to_string(state) + "/connectivities/D";
+    AddMesh(file_, place, Layout::kSingle).text("etypelem", "BAR").text("etyp", state == 1 ? "1D" : "0D");
+  }
+  (void)file_.path();
+  EXPECT_EQ(filer_->CheckCreateGenericEntityTypes(70, 79, -1), 3);  // the last state is left out
+  EXPECT_THAT(Names(), ElementsAre("2D", "3D", "1D"));
+  ASSERT_EQ(table_.rows().size(), 3U);
+  EXPECT_STREQ(table_.rows()[2]->m_name, "1D");
+  EXPECT_EQ(table_.rows()[2]->m_appType, 72);
+}
+
+TEST_F(FilerEntityTypes, OfAFileOfNastranShareTheRowOfTheirElement) {
+  ForgedModel model;
+  model.system().file().at("/post/constant/system/orvblock").text("solver_name", "MSC NASTRAN 2026");
+  AddMesh(model.file(), "/post/constant/connectivities/A", Layout::kSingle).text("etyp", "CTRIAR");
+  ORVFiler filer(model.path().c_str());
+  (void)ORVCheckAppendToEntityMap(254, 33, "TRIA3");
+  ASSERT_EQ(filer.ReadSystemBlock(), 0);
+  EXPECT_EQ(filer.CheckCreateGenericEntityTypes(70, 79, 0), 0);
+  ASSERT_EQ(table_.rows().size(), 2U);
+  EXPECT_STREQ(table_.rows()[1]->m_name, "CTRIAR");
+  EXPECT_EQ(table_.rows()[1]->m_orvType, 254);
+  EXPECT_EQ(table_.rows()[1]->m_appType, 33);
 }
 
 TEST_F(FilerEntityTypes, WithARangeThatIsTooSmallAreTold) {

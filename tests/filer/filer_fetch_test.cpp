@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "orvio/orv_filer.h"
+#include "orvio/orv_variable_grp.h"
 #include "result/fetched_values.h"
 #include "support/forged_model.h"
 #include "support/orv_test.h"
@@ -115,6 +116,147 @@ TEST_P(FilerFetch, ByRequestAloneHasNoAnswerForUnknownIds) {
   values_.m_extendedType = 100;
   EXPECT_EQ(filer_->GetValues(values_), 1);
   EXPECT_EQ(values_.m_values, nullptr);
+}
+
+TEST_P(FilerFetch, ByRequestAloneLeavesTheRequestAloneWhereItHasNoAnswer) {
+  Handle("SPEED", 0).SetEID(100);
+  values_.m_state = 2;
+  values_.m_resultType = 100;
+  values_.m_layer = 3;
+  values_.m_wantIds = 1;
+  values_.m_zoneId = 8;
+  values_.m_spare = 5;
+  values_.m_fetchMode = 1;
+  values_.m_capacity = 6;
+  for (const int wanted : {999, 100}) {  // unknown, and of no block of the zone
+    values_.m_extendedType = wanted;
+    EXPECT_EQ(filer_->GetValues(values_), 1);
+    EXPECT_EQ(values_.m_state, 2);
+    EXPECT_EQ(values_.m_resultType, 100);
+    EXPECT_EQ(values_.m_extendedType, wanted);
+    EXPECT_EQ(values_.m_layer, 3);
+    EXPECT_EQ(values_.m_wantIds, 1);
+    EXPECT_EQ(values_.m_zoneId, 8);
+    EXPECT_EQ(values_.m_spare, 5);
+    EXPECT_EQ(values_.m_fetchMode, 1);
+    EXPECT_EQ(values_.m_capacity, 6);
+    EXPECT_EQ(values_.m_idCount, 0);
+    EXPECT_EQ(values_.m_ids, nullptr);
+    EXPECT_EQ(values_.m_valueCount, 0);
+    EXPECT_EQ(values_.m_values, nullptr);
+  }
+}
+
+/// Files that are made for one test.
+class FilerFetchRequest : public OrvTest, public ::testing::WithParamInterface<ForgedModel::Layout> {
+ protected:
+  void Open() {
+    filer_ = std::make_unique<ORVFiler>(model_.path().c_str());
+    int next_id = 1;
+    EXPECT_EQ(filer_->InitReader(next_id), 0);
+  }
+
+  ForgedModel model_{GetParam()};
+  std::unique_ptr<ORVFiler> filer_;
+  FetchedValues<float> values_;
+};
+INSTANTIATE_TEST_SUITE_P(Layouts, FilerFetchRequest, ::testing::Values(ForgedModel::kSplit, ForgedModel::kSingle));
+
+TEST_P(FilerFetchRequest, LeavesMultiStateBlocksWithTheSameHandleOut) {
+  model_.variable({.name = "SPEED", .key = "SPEED"});
+  model_.in_state(1, {.variable = "SPEED", .nent = 1, .values = {5}, .ids = {10}});
+  model_.in_multistate({.kind = 1050, .variable = "SPEED", .nent = 1, .nstate = 2, .values = {6, 7}, .ids = {10}});
+  Open();
+  ORVExtVar& handle = *filer_->GetVariable("SPEED")->GetExtVariables().at(0);
+  EXPECT_TRUE(handle.IsApplicable(2));
+  handle.SetEID(100);
+  values_.m_state = 1;
+  values_.m_resultType = 100;
+  values_.m_extendedType = 100;
+  EXPECT_EQ(filer_->GetValues(values_), 0);
+  EXPECT_EQ(values_.values(), (Floats{5}));
+}
+
+using FilerFetchOfAGroup = OrvTest;
+
+TEST_F(FilerFetchOfAGroup, TakesItsBlocksByAHandleOfAMember) {
+  ForgedModel model;
+  model.variable({.name = "HEAT", .key = "HEAT"}).variable({.name = "FLOW", .key = "FLOW", .ncoo = 2});
+  model.group("BOTH", 3, {{"HEAT", 1, 0}, {"FLOW", 2, 1}});
+  model.in_state(1, {.variable = "BOTH", .nent = 2, .ncoo = 3, .values = {1, 2, 3, 4, 5, 6}, .ids = {10, 20}});
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  ASSERT_NE(filer.GetResultList(1).at(0)->m_variableGrp, nullptr);
+  const std::vector<ORVExtVar*>& handles = filer.GetVariable("FLOW")->GetExtVariables();
+  handles.at(0)->SetEID(100);
+  handles.at(1)->SetEID(200);
+  FetchedValues<float> values;
+  values.m_state = 1;
+  values.m_wantIds = 1;
+  values.m_resultType = 100;
+  values.m_extendedType = 200;
+  EXPECT_EQ(filer.GetValues(values), 0);
+  EXPECT_EQ(values.values(), (Floats{3, 6}));
+  EXPECT_EQ(values.ids(), (Ints{10, 20}));
+}
+
+TEST_P(FilerFetchRequest, IsServedByTheZonesBelowAPath) {
+  model_.variable({.name = "SPEED", .key = "SPEED"});
+  for (const int zone : {4, 7}) {
+    model_.in_state(1, {.variable = "SPEED",
+                        .nent = 1,
+                        .zoneid = zone,
+                        .values = {10.0F * float(zone)},
+                        .ids = {zone},
+                        .group_name = "zone " + std::to_string(zone)});
+  }
+  Open();
+  Results blocks;
+  std::string path = ForgedModel::StateGroup(1) + "/entityresults";
+  filer_->GetResultBlkFromPath(path, blocks);
+  ASSERT_EQ(blocks.size(), 2U);
+  EXPECT_EQ(blocks[0]->m_zoneid, 4);
+  values_.m_state = 1;
+  values_.m_wantIds = 1;
+  const int handle = filer_->GetVariable("SPEED")->GetExtVariables().at(0)->GetIID();
+  EXPECT_EQ(filer_->GetValues(values_, blocks, handle, -1, nullptr), 0);
+  EXPECT_EQ(values_.values(), (Floats{40, 70}));
+  EXPECT_EQ(values_.ids(), (Ints{4, 7}));
+  filer_->ClearResultBlk(blocks);
+}
+
+TEST_P(FilerFetch, OfWholeBlocksWithAPathLeavesAllPointersAndCountsAlone) {
+  Results blocks;
+  std::string path = ForgedModel::StateGroup(2);
+  filer_->GetResultBlkFromPath(path, blocks);
+  ASSERT_FALSE(blocks.empty());
+  float of_the_host = 0;
+  int ident = 0;
+  for (ORVResult* block : blocks) block->m_res = &of_the_host;
+  ORVFetchValuesWithIndex values;
+  values.m_wantIds = 1;
+  values.m_idCount = 1;
+  values.m_ids = &ident;
+  values.m_valueCount = 2;
+  values.m_values = &of_the_host;
+  values.m_indexCount = 3;
+  values.m_blockCount = 4;
+  values.m_indexIdent = &ident;
+  values.m_indexVal = &of_the_host;
+  for (const char* given : {"", "/post", path.c_str()}) {
+    EXPECT_EQ(filer_->ReadValuesByBlockPath(blocks, values, given), 1);
+    EXPECT_EQ(values.m_idCount, 1);
+    EXPECT_EQ(values.m_ids, &ident);
+    EXPECT_EQ(values.m_valueCount, 2);
+    EXPECT_EQ(values.m_values, &of_the_host);
+    EXPECT_EQ(values.m_indexCount, 3);
+    EXPECT_EQ(values.m_blockCount, 4);
+    EXPECT_EQ(values.m_indexIdent, &ident);
+    EXPECT_EQ(values.m_indexVal, &of_the_host);
+    for (const ORVResult* block : blocks) EXPECT_EQ(block->m_res, &of_the_host);
+  }
+  filer_->ClearResultBlk(blocks);
 }
 
 TEST_P(FilerFetch, OfWholeBlocksBelowAPath) {

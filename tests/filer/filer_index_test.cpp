@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 #include <memory>
 #include <string>
@@ -175,6 +177,39 @@ TEST_P(FilerIndex, IsEmptyWhereStatesShallBeSkipped) {
     EXPECT_EQ(filer().GetStateIndex(true)->GetNumIndex(), 0);
     filer().ClearConfig(config);
   }
+}
+
+/// Counts how often a file is opened, by whatever road.
+class OpenCounter {
+ public:
+  explicit OpenCounter(const std::string& path) : notes_(inotify_init1(IN_NONBLOCK)) {
+    EXPECT_GE(inotify_add_watch(notes_, path.c_str(), IN_OPEN), 0);
+  }
+  ~OpenCounter() { close(notes_); }
+  OpenCounter(const OpenCounter&) = delete;
+  OpenCounter& operator=(const OpenCounter&) = delete;
+
+  bool WasOpened() {
+    inotify_event event = {};
+    return read(notes_, &event, sizeof event) > 0;
+  }
+
+ private:
+  int notes_;
+};
+
+TEST_P(FilerIndex, TouchesNoFileWhereStatesShallBeSkipped) {
+  AddHeat(1, {0.5});
+  OpenFiler& skipping = filer();
+  skipping.SetConfig(ORV_CONFIG_SKIP_SINGLESTATE);
+  OpenCounter counter(file_.path());
+  ExpectEmpty(skipping.GetStateIndex(false));
+  ExpectEmpty(skipping.GetStateIndex(true));
+  ExpectEmpty(skipping.GetStateIndexDP(false));
+  EXPECT_FALSE(counter.WasOpened());
+  skipping.ClearConfig(ORV_CONFIG_SKIP_SINGLESTATE);
+  EXPECT_EQ(skipping.GetStateIndex(true)->GetNumState(), 1);
+  EXPECT_TRUE(counter.WasOpened());
 }
 
 TEST_P(FilerIndex, OfTheMultiStateSectionHoldsTheTableOfItsFirstBlock) {

@@ -103,6 +103,24 @@ TEST_F(FilerQueries, TellConstantCoordinatesFromThoseOfStates) {
   EXPECT_FALSE(has_state(true));
 }
 
+TEST_F(FilerQueries, TellOfCoordinatesOfTheGivenTypes) {
+  filer_.AddConstant("Structural Coordinates")->m_entityType = static_cast<_ORVEntityType>(60);
+  filer_.Add("COORDINATE", 1000, 70, 7);
+  const auto has = [&](std::vector<_ORVEntityType> entities, std::vector<int> base_types) {
+    return std::pair(filer_.HasConstantCoordinate(entities, base_types, true),
+                     filer_.HasStateCoordinate(entities, base_types, true));
+  };
+  const auto sixty = static_cast<_ORVEntityType>(60), seventy = static_cast<_ORVEntityType>(70);
+  EXPECT_EQ(has({}, {}), std::pair(true, true));
+  EXPECT_EQ(has({sixty}, {}), std::pair(true, false));
+  EXPECT_EQ(has({seventy}, {}), std::pair(false, true));
+  EXPECT_EQ(has({sixty, seventy}, {}), std::pair(true, true));
+  EXPECT_EQ(has({}, {7}), std::pair(false, true));
+  EXPECT_EQ(has({sixty}, {7}), std::pair(true, false));  // base types do not count beside entity types
+  EXPECT_EQ(has({seventy}, {9}), std::pair(false, true));
+  EXPECT_EQ(has({static_cast<_ORVEntityType>(8)}, {1, 7}), std::pair(false, false));
+}
+
 TEST_F(FilerQueries, TellWhetherAllBlocksAreConstant) {
   EXPECT_FALSE(filer_.IsAllResultBlockConstant());
   filer_.AddConstant("ANY");
@@ -223,6 +241,35 @@ TEST_P(FilerPrecision, OfNodesIsThatOfCoordinatesAndDisplacementsInTheFirstState
   EXPECT_TRUE(filer.HasDoublePrecisionNodeCoordinates());
 }
 
+TEST_P(FilerPrecision, OfNodesIsNotThatOfAccelerationsNorOfALaterState) {
+  FilerWithResults filer(model_.path().c_str());
+  AddSingle(filer, "COORDINATE");
+  AddDouble(filer, "Complex_Translational_Acceleration");
+  model_.in_state(2, {.etyp = "Node", .variable = "COORDINATE", .nent = 1});
+  model_.file()
+      .at(model_.Part(ForgedModel::StateGroup(2) + "/entityresults/Node/COORDINATE", "data"))
+      .dataset<double>("res", {1, 1}, {1});
+  (void)model_.path();
+  EXPECT_FALSE(filer.HasDoublePrecisionNodeCoordinates());
+  EXPECT_TRUE(filer.IsAnyDoublePrecisionResult(1, 1));  // the acceleration
+  AddDouble(filer, "Complex_Translational_Displacement");
+  (void)model_.path();
+  EXPECT_TRUE(filer.HasDoublePrecisionNodeCoordinates());
+}
+
+TEST_P(FilerPrecision, IsThatOfTheAskedState) {
+  FilerWithResults filer(model_.path().c_str());
+  AddSingle(filer, "A");
+  model_.in_state(2, {.etyp = "Node", .variable = "A", .nent = 1});
+  model_.file()
+      .at(model_.Part(ForgedModel::StateGroup(2) + "/entityresults/Node/A", "data"))
+      .dataset<double>("res", {1, 1}, {1});
+  (void)model_.path();
+  EXPECT_FALSE(filer.IsAnyDoublePrecisionResult(1, 1));
+  EXPECT_TRUE(filer.IsAnyDoublePrecisionResult(1, 2));
+  EXPECT_FALSE(filer.IsAnyDoublePrecisionResult(1, 3));
+}
+
 /// Values stored through a filter.
 void AddFiltered(hid_t here) {
   const hsize_t size[] = {4, 1};
@@ -257,6 +304,58 @@ TEST_P(FilerPrecision, FindsAFilterOfAMultiStateBlock) {
   model_.file().drop("res").raw(AddFiltered);
   (void)model_.path();
   EXPECT_TRUE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+}
+
+TEST_P(FilerPrecision, FindsAFilterOfTheFirstStateAndOfTheConstantsOnly) {
+  const auto add_filtered = [&](const std::string& section, const char* variable) {
+    ForgedValues result = {.etyp = "Node", .variable = variable, .nent = 4};
+    section == "/post/constant" ? model_.in_constant(result) : model_.in_state(section.back() - '0', result);
+    model_.file().at(model_.Part(section + "/entityresults/Node/" + variable, "data")).raw(AddFiltered);
+  };
+  add_filtered(ForgedModel::StateGroup(2), "LATER");
+  model_.in_state(1, {.etyp = "Node", .variable = "LATER", .nent = 4, .values = {1, 2, 3, 4}});
+  add_filtered("/post/constant", "FIXED");
+  FilerWithResults later(model_.path().c_str());
+  later.Add("LATER");
+  EXPECT_FALSE(later.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+  FilerWithResults among_states(model_.path().c_str());
+  among_states.Add("FIXED");
+  EXPECT_FALSE(among_states.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+  FilerWithResults fixed(model_.path().c_str());
+  fixed.AddConstant("FIXED");
+  EXPECT_TRUE(fixed.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+}
+
+TEST_P(FilerPrecision, LooksForAFilterBehindAMultiStateBlockAmongConstants) {
+  model_.in_state(1, {.etyp = "Node", .variable = "A", .nent = 4});
+  model_.file().at(model_.Part(ForgedModel::StateGroup(1) + "/entityresults/Node/A", "data")).raw(AddFiltered);
+  FilerWithResults filer(model_.path().c_str());
+  filer.Add("A");
+  AddDouble(filer, "B", 1050);
+  (void)model_.path();
+  ORVContainer& data = filer.data();
+  data.single_results.insert(data.single_results.begin(), data.multi_results.back());
+  data.multi_results.clear();
+  EXPECT_FALSE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+  std::swap(data.single_results.front(), data.single_results.back());
+  data.filter_memo.clear();
+  EXPECT_TRUE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+}
+
+TEST_P(FilerPrecision, ForgetsItsAnswersAboutFiltersAtAStart) {
+  model_.variable({.name = "A", .key = "A"}).in_state(1, {.etyp = "Node", .variable = "A", .nent = 4});
+  const std::string data = model_.Part(ForgedModel::StateGroup(1) + "/entityresults/Node/A", "data");
+  model_.file().at(data).raw(AddFiltered);
+  ORVFiler filer(model_.path().c_str());
+  EXPECT_FALSE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));  // no block is known yet
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_TRUE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+  model_.file().at(data).drop("res");
+  (void)model_.path();
+  EXPECT_TRUE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_FALSE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "filer/listed_results.h"
+#include "filer/process_state.h"
 #include "support/forged_model.h"
 #include "support/orv_test.h"
 
@@ -114,6 +115,35 @@ TEST_F(FilerResults, ByBaseTypeAndNameExactOrNot) {
   EXPECT_EQ(find(none, true), (Results{shells_}));
 }
 
+TEST_F(FilerResults, ByBaseTypeAndNameOfEitherList) {
+  std::vector<int> shells = {2}, no_types;
+  Names name = {"STRESS"}, key = {"S"}, none;
+  const auto find = [&](std::vector<int>& types, Names& names, int flags, bool exact) {
+    return Found([&](Results& out) { filer_.GetResultBlksByVariableNameFlag(types, names, out, -1, flags, exact); });
+  };
+  EXPECT_EQ(find(shells, name, 2, true), (Results{cplx_}));
+  EXPECT_EQ(find(shells, name, 3, true), (Results{shells_}));
+  EXPECT_EQ(find(shells, key, 3, false), (Results{shells_}));
+  EXPECT_EQ(find(shells, key, 2, false), Results());
+  EXPECT_EQ(find(no_types, name, 1, true), (Results{shells_}));
+  EXPECT_EQ(find(no_types, name, 2, true), (Results{cplx_}));
+  for (const bool exact : {true, false}) EXPECT_EQ(find(no_types, none, 1, exact), Results());
+}
+
+TEST_F(FilerResults, ByTheNameOfTheirTypeAndAKindOfEitherList) {
+  Names node = {"NODE"}, none;
+  const auto find = [&](int type, int flags) {
+    return Found([&](Results& out) { filer_.GetResultBlksByName(node, none, out, type, flags); });
+  };
+  EXPECT_EQ(find(1000, 1), (Results{speed_}));
+  EXPECT_EQ(find(1100, 1), Results());  // that one is of shells
+  EXPECT_EQ(find(1051, 2), (Results{cplx_}));
+  EXPECT_EQ(find(1000, 2), Results());
+  EXPECT_EQ(find(1000, 3), (Results{speed_}));
+  EXPECT_EQ(find(1051, 3), Results());
+  EXPECT_EQ(find(-1, 0), Results());
+}
+
 TEST_F(FilerResults, ByTheNameOfTheirTypeAlsoWithoutComponents) {
   Names types = {"shell"}, names = {"S"}, none;
   shells_->m_ncoo = 0;
@@ -138,6 +168,18 @@ TEST_F(FilerResults, ByTheNameOfAHandle) {
   EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmCmp(entities, components, out, -1, 2); }), Results());
 }
 
+TEST_F(FilerResults, ByTheNameOfAHandleNeedNamesOrTypes) {
+  std::vector<int> no_base_types;
+  Entities no_entities;
+  Names none, components = {"speed_x"};
+  EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmCmp(no_base_types, none, out, -1, 1); }), Results());
+  EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmCmp(no_entities, none, out, -1, 1); }), Results());
+  EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmCmp(no_base_types, components, out, -1, 1); }),
+            (Results{speed_}));
+  EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmCmp(no_entities, components, out, -1, 1); }),
+            (Results{speed_}));
+}
+
 TEST_F(FilerResults, ByTheInternalIdOfAHandle) {
   std::vector<int> base_types = {1}, no_base, handles = {1, 2}, no_handles;
   Entities entities = {Entity(103)}, no_entities;
@@ -158,6 +200,23 @@ TEST_F(FilerResults, OfTheSameQuantityStandInTheListOfTheSample) {
   EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmResBlk(*speed_, out, true); }), (Results{speed_}));
   EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmResBlk(*history_, out, false); }), (Results{history_}));
   EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmResBlk(*shells_, out, true); }), (Results{shells_}));
+}
+
+TEST_F(FilerResults, OfTheSameQuantityIncludeASampleWithoutComponents) {
+  speed_->m_ncoo = 0;
+  for (const bool by_entity_type : {true, false}) {
+    EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmResBlk(*speed_, out, by_entity_type); }),
+              (Results{speed_}));
+    EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmResBlkGivenZoneId(*speed_, out, 0, by_entity_type); }),
+              (Results{speed_}));
+  }
+}
+
+TEST_F(FilerResults, OfTheSameQuantityMayBeOfAnotherKind) {
+  ORVResult* cplx = filer_.Add("SPEED", 1001, 50, 1);
+  ORVResult* elements = filer_.Add("SPEED", 1100, 50, 1);
+  EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmResBlk(*speed_, out, true); }),
+            (Results{speed_, cplx, elements}));
 }
 
 TEST_F(FilerResults, OfTheSameQuantityAndAZone) {
@@ -228,6 +287,38 @@ TEST_P(FilerResultsOfFile, BelowAPathAreBoundToTheVariablesOfTheFiler) {
   path = "/nowhere";
   filer.GetResultBlkFromPath(path, blocks);
   EXPECT_TRUE(blocks.empty());
+}
+
+TEST_P(FilerResultsOfFile, BelowAPathAreAppendedAndServeSingleStatesWhateverTheirKind) {
+  model_.variable({.name = "SPEED", .key = "SPEED"}).variable({.name = "HEAT", .key = "HEAT"});
+  model_.in_state(1, {.variable = "HEAT", .nent = 2});
+  model_.in_multistate({.kind = 1050, .variable = "SPEED", .nent = 1, .nstate = 2});
+  ORVFiler filer(model_.path().c_str());
+  filer.SetConfig(ORV_CONFIG_SKIP_MULTISTATE);
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  Results blocks;
+  for (std::string path : {ForgedModel::StateGroup(1), std::string("/post/multistate"), std::string("/post/nowhere")}) {
+    filer.GetResultBlkFromPath(path, blocks);
+    EXPECT_EQ(orvio::process().g_pCurrentBlock, nullptr);
+  }
+  ASSERT_EQ(blocks.size(), 2U);
+  EXPECT_STREQ(blocks[0]->m_etypvar, "HEAT");
+  EXPECT_EQ(blocks[1]->GetKey(), 1050);
+  EXPECT_EQ(blocks[1]->m_variable, filer.GetVariable("SPEED"));
+  const ORVExtVar* handle = filer.GetVariable("SPEED")->GetExtVariables().at(0);
+  EXPECT_TRUE(handle->IsApplicable(1));
+  EXPECT_FALSE(handle->IsApplicable(2));
+  filer.ClearResultBlk(blocks);
+}
+
+TEST_P(FilerResultsOfFile, BelowAPathOfAFileThatCannotBeOpenedAreNone) {
+  FilerWithResults filer("/not/there");
+  ORVResult* before = filer.Add("SPEED");
+  Results blocks = {before};
+  std::string path = "/post";
+  filer.GetResultBlkFromPath(path, blocks);
+  EXPECT_EQ(blocks, (Results{before}));
 }
 
 TEST_P(FilerResultsOfFile, OfALoadCaseAreFoundByTheIndexColumnOfThatName) {

@@ -13,6 +13,7 @@
 #include "support/forged_model.h"
 #include "support/messages.h"
 #include "support/orv_test.h"
+#include "unit/system_read.h"
 
 namespace {
 
@@ -75,6 +76,7 @@ class OpenFiler : public ORVFiler {
   using ORVFiler::InitProperityBlockReading;
   using ORVFiler::ORVFiler;
   using ORVFiler::ReadResultBlks;
+  using ORVFiler::ReadSystemBlk;
   ORVContainer& data() { return *m_pData; }
 };
 
@@ -450,6 +452,18 @@ TEST_F(StartUp, TakesTheFirstVariableOfAKeyIntoAGroupAsOftenAsItIsListed) {
               ElementsAre(filer.GetVariable("Another"), filer.GetVariable("Another")));
 }
 
+TEST_F(StartUp, GivesAGroupWithAnEmptyKeyTheFirstVariableWithoutOne) {
+  ForgedModel model(ForgedModel::kSplit);  // its variables have no keys
+  model.variable({.name = "B"}).variable({.name = "A"}).group("G", 2, {{"", 1, 0}, {"", 1, 1}});
+  model.in_state(1, Result("G", 1, 2)).index_types({"TIME"});
+  ORVFiler filer(model.path().c_str());
+  Messages messages;
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_THAT(messages.all(), IsEmpty());
+  EXPECT_THAT(filer.GetVariableGroup("G")->m_variables, ElementsAre(filer.GetVariable("A"), filer.GetVariable("A")));
+}
+
 TEST_F(StartUp, TellsInTheOrderOfItsSteps) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S"}).group("G", 2, {{"Gone", 1, 0}, {"S", 1, 1}});
@@ -582,6 +596,36 @@ TEST_F(StartUp, WithoutAUnitSystemHasNoneAndSucceeds) {
   EXPECT_EQ(filer.InitReader(next_id), 0);
   EXPECT_EQ(filer.GetSystem(), nullptr);
   EXPECT_EQ(filer.ReadSystemBlock(), 1);
+}
+
+TEST_F(StartUp, WithAUnitSystemThatCannotBeReadHasNoneAndSucceeds) {
+  for (const char* lost : {"title", "ubid"}) {  // of the header, of the data
+    ForgedModel model = GoodFile();
+    model.file().at("/post/constant/system/orvblock").retype(lost);
+    OpenFiler filer(model.path().c_str());
+    filer.SetConfig(ORV_CONFIG_ASSIGN_UNITS);
+    int next_id = 1;
+    EXPECT_EQ(filer.InitReader(next_id), 0) << lost;
+    EXPECT_EQ(filer.GetSystem(), nullptr) << lost;
+    EXPECT_THAT(filer.data().base_units, IsEmpty()) << lost;
+    EXPECT_THAT(filer.data().derived_units, IsEmpty()) << lost;
+  }
+}
+
+TEST_F(StartUp, ReadsAUnitSystemIntoAnObjectOfTheHost) {
+  ForgedModel model = GoodFile();
+  OpenFiler filer(model.path().c_str());
+  ORVSystem system;
+  ASSERT_EQ(filer.ReadSystemBlk(system), 0);
+  EXPECT_STREQ(system.m_title, "A plate");
+  EXPECT_STREQ(system.m_pUbnam, "mm");
+  EXPECT_EQ(filer.GetSystem(), nullptr);
+  orvio::FreeBuffers(system);
+  for (const char* path : {"", static_cast<const char*>(nullptr)}) {
+    OpenFiler nameless(path);
+    EXPECT_EQ(nameless.ReadSystemBlk(system), 1);
+    EXPECT_EQ(system.m_pUbnam, nullptr);
+  }
 }
 
 // ---- Multi-state blocks later on

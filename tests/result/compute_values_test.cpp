@@ -76,6 +76,32 @@ TEST_F(ComputeValues, TakesTheLastOfSeveralPlacesOfAnId) {
   EXPECT_EQ(left.values(), (std::vector<float>{13, 20, 30}));
 }
 
+TEST_F(ComputeValues, TakesEachPlaceOfAnIdOfTheOther) {
+  auto left = Holding<float>({4, 5, 6}, {10, 20, 30});
+  auto right = Holding<float>({5, 5, 4}, {1, 2, 3});
+  // Id 5 stands at place 1 of the left, id 4 at place 0: left[0] and left[1] get right[1], left[2] gets right[0].
+  EXPECT_EQ(left.ComputeValues(right, 1, ORV_FETCH_ADD), 0);
+  EXPECT_EQ(left.values(), (std::vector<float>{12, 22, 31}));
+}
+
+TEST_F(ComputeValues, CombinesAHolderWithItself) {
+  auto values = Holding<float>({4, 5, 4}, {10, 20, 30});
+  // One after the other: what was changed already is a right value too.
+  EXPECT_EQ(values.ComputeValues(values, 1, ORV_FETCH_ADD), 0);
+  EXPECT_EQ(values.values(), (std::vector<float>{40, 40, 60}));
+  EXPECT_EQ(values.ComputeValues(values, 1, ORV_FETCH_DIVIDE), 0);
+  EXPECT_EQ(values.values(), (std::vector<float>{40.0F / 60, 1, 1}));
+}
+
+TEST_F(ComputeValues, FindsIdsThatLieCloseTogetherAndIdsThatDoNot) {
+  for (const int last : {99'998, 99'999, 100'000, 100'001, INT_MAX}) {
+    auto left = Holding<float>({0, last, 7}, {10, 20, 30});
+    auto right = Holding<float>({0, last, 7, 8, last - 1, -1}, {1, 2, 3, 4, 5, 6});
+    EXPECT_EQ(left.ComputeValues(right, 1, ORV_FETCH_ADD), 0);
+    EXPECT_EQ(left.values(), (std::vector<float>{11, 22, 33})) << last;
+  }
+}
+
 TEST_F(ComputeValues, TellsIdsOfOneMagnitudeApart) {
   auto left = Holding<float>({5, -5, 0}, {10, 20, 30});
   auto right = Holding<float>({5, -5, 0}, {1, 2, 3});

@@ -1,6 +1,7 @@
 // Results below any group of a file.
 
 #include "entity/entity_type_table.h"
+#include "filer/process_state.h"
 #include "result/block_file.h"
 #include "result/result_lookup.h"
 
@@ -63,6 +64,28 @@ TEST_P(ResultBelowPath, AreThoseOfThatGroupOnly) {
   EXPECT_EQ(Find(kState2), (Names{"Node/SPEED"}));
   const std::string own = std::string(kState2) + "/entityresults/Node/SPEED";
   EXPECT_EQ(found_[0]->GetBlkPath(), GetParam() == Layout::kSplit ? own : own + "/orvblock");
+}
+
+TEST_P(ResultBelowPath, KnowTheNameOfTheirGroup) {
+  AddWhole(file_, kState1, 1000, "Node", "SPEED");
+  AddWhole(file_, kState1, 1000, "Node", "HEAT/Zone 4");
+  EXPECT_EQ(Find(kState1), (Names{"Node/HEAT/Zone 4", "Node/SPEED"}));
+  EXPECT_STREQ(found_[0]->m_subBlockName, "Zone 4");
+  EXPECT_STREQ(found_[1]->m_subBlockName, "SPEED");
+}
+
+TEST_P(ResultBelowPath, AreAppendedToWhatWasFoundBefore) {
+  AddWhole(file_, kState1, 1000, "Node", "SPEED");
+  AddWhole(file_, kState2, 1000, "Node", "HEAT");
+  EXPECT_EQ(Find(kState2), (Names{"Node/HEAT"}));
+  EXPECT_EQ(Find("/post/nowhere"), (Names{"Node/HEAT"}));
+  EXPECT_EQ(Find(kState1), (Names{"Node/HEAT", "Node/SPEED"}));
+}
+
+TEST_P(ResultBelowPath, LeaveNoBlockOfAWalkBehind) {
+  AddWhole(file_, kState1, 1000, "Node", "SPEED");
+  EXPECT_EQ(Find(kState1), (Names{"Node/SPEED"}));
+  EXPECT_EQ(process().g_pCurrentBlock, nullptr);
 }
 
 TEST_P(ResultBelowPath, LackNothingInAnyPartOfAFile) {

@@ -95,6 +95,21 @@ TEST_P(ResultLoadCase, PassesOverBlocksThatCannotBeRead) {
   EXPECT_EQ(Find(7, 5, {&good}), ResultList());
 }
 
+TEST_P(ResultLoadCase, LeavesTheIndexOfABlockAsItWasWhereItCannotBeRead) {
+  ORVResult gone = ListedBlock(1050, "Gone", "SPEED", 1, 1, nullptr);
+  gone.m_nstate = 1;
+  ORVResult liar = Multi("A", {0, 5});
+  liar.m_nstate = 2;
+  double of_the_host = 3;
+  liar.m_indexval = &of_the_host;
+  liar.m_indexvalType = ORV_DOUBLE;
+  EXPECT_EQ(Find(1, 5, {&gone, &liar}), ResultList());
+  EXPECT_EQ(gone.m_indexval, nullptr);
+  EXPECT_EQ(liar.m_indexval, &of_the_host);
+  EXPECT_EQ(liar.m_indexvalType, ORV_DOUBLE);
+  EXPECT_EQ(of_the_host, 3);
+}
+
 TEST_P(ResultLoadCase, LeavesTheIndexOfABlockAsItWas) {
   ORVResult block = Multi("A", {0, 5});
   double of_the_host = 3;

@@ -206,6 +206,46 @@ TEST_F(ResultLookup, FindsBlocksOfTheSameQuantityAndType) {
   EXPECT_EQ(SameAs(list_, *nodes_, false), (ResultList{nodes_, other_type}));
 }
 
+TEST_F(ResultLookup, FindsBlocksOfTheSameQuantityWhateverTheirKind) {
+  ORVResult* cplx = Add(1001, "Node", 50, 1, displacement_.get());
+  ORVResult* elements = Add(1100, "Node", 50, 1, displacement_.get());
+  EXPECT_EQ(SameAs(list_, *nodes_, true), (ResultList{nodes_, cplx, elements}));
+}
+
+TEST_F(ResultLookup, FindsASampleWithoutComponentsButNoOtherBlockWithoutThem) {
+  ORVResult* twin = Add(1000, "Mass", 60, 3, displacement_.get());
+  ORVResult* twin_without = Add(1000, "Mass", 60, 3, displacement_.get());
+  twin_without->m_ncoo = 0;
+  EXPECT_EQ(SameAs(list_, *empty_, true), (ResultList{empty_, twin}));
+  EXPECT_EQ(SameAs(list_, *twin, true), (ResultList{twin}));
+}
+
+TEST_F(ResultLookup, FindsASampleThatIsBoundToAGroup) {
+  ORVVariableGrp group;
+  std::strcpy(group.m_grpName, "ALL");
+  int counts[] = {2}, offsets[] = {0};
+  group.m_nvar = 1;
+  group.m_pCnt = counts;
+  group.m_pOffs = offsets;
+  group.AppendVariable(displacement_.get());
+  ORVResult* sample = Add(1000, "Node", 50, 1, nullptr);
+  ORVResult* other = Add(1000, "Node", 50, 1, nullptr);
+  sample->m_variableGrp = other->m_variableGrp = &group;
+  sample->SetEntityAndVarName("Node", "All");
+  EXPECT_EQ(SameAs(list_, *sample, true), (ResultList{sample, other}));
+  EXPECT_EQ(SameAs(list_, *nodes_, true), (ResultList{nodes_, sample, other}));  // it has a member of that name
+}
+
+TEST_F(ResultLookup, FindsNoVariableByItsExactNameInAGroupWithoutCounts) {
+  ORVVariableGrp group;
+  group.m_nvar = 1;
+  group.AppendVariable(displacement_.get());
+  ORVResult* grouped = Add(1000, "Node", 50, 1, nullptr);
+  grouped->m_variableGrp = &group;
+  list_ = {grouped};
+  EXPECT_EQ(FindNamed("displacement", NameTest::kVariableName), ResultList());
+}
+
 TEST_F(ResultLookup, FindsASampleWhoseVariableGoesByAKey) {
   EXPECT_EQ(SameAs(list_, *coordinates_, true), (ResultList{coordinates_}));
   EXPECT_EQ(SameAs(list_, *unbound_, true), (ResultList{unbound_}));

@@ -97,6 +97,7 @@ TEST_F(ResultValues, ForgetTheAnswerWithoutFreeingIt) {
   EXPECT_EQ(values.m_valueCount, 0);
   EXPECT_EQ(values.m_values, nullptr);
   EXPECT_EQ(values.m_capacity, 9);
+  EXPECT_EQ(values.m_spare, -1);
   EXPECT_EQ(*ids, 1);
   EXPECT_EQ(*array, 2);
   std::free(ids);
@@ -111,6 +112,22 @@ TEST_F(ResultValues, FreeTheArraysAndKeepTheCountsWithoutAReset) {
   EXPECT_EQ(values.m_values, nullptr);
   EXPECT_EQ(values.m_idCount, 10);
   EXPECT_EQ(values.m_valueCount, 11);
+  EXPECT_EQ(values.m_spare, -1);
+}
+
+TEST_F(ResultValues, ResetThemselvesThroughTheVirtualOperation) {
+  struct Counting : ORVResultValuesBase<float, int> {
+    void ResetOutParameter() override { ++resets; }
+    int resets = 0;
+  };
+  Counting values;
+  Fill(values);
+  ORVResultValuesBase<float, int>& base = values;
+  base.DeleteAllocation(false);
+  EXPECT_EQ(values.resets, 0);
+  base.DeleteAllocation(true);
+  EXPECT_EQ(values.resets, 1);
+  EXPECT_EQ(values.m_idCount, 10);  // the override is the only one who would zero it
 }
 
 TEST_F(ResultValues, ZeroTheCountsWithAReset) {

@@ -1,5 +1,7 @@
 // The arrays of a value fetch: those of the caller, their growth, and counts that no array is made for.
 
+#include <malloc.h>
+
 #include <climits>
 
 #include "result/value_fetch_test.h"
@@ -86,10 +88,104 @@ TEST_P(ValueFetchArrays, OfIdsKeepTrackOfTheirRoomThroughSeveralFetches) {
   EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
   EXPECT_EQ(Fetch({&nodes}, {.ext_id = kAll}), 0);
   EXPECT_EQ(values_.m_capacity, 9);
-  EXPECT_EQ(values_.m_spare, 1);
+  EXPECT_GT(values_.m_spare, 0);
   values_.m_wantIds = 1;
   EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
   EXPECT_EQ(values_.ids(), (Ints{100, 200, 300}));
+  EXPECT_EQ(values_.m_spare, -1);
+}
+
+TEST_P(ValueFetchArrays, StayInPlaceWhateverTheHostKeepsInTheSpareMember) {
+  file_.Add(kState1, Nodes(2));
+  ORVResult nodes = Listed();
+  float values[2] = {};  // not of the C allocator: they cannot be moved
+  int ids[2] = {};
+  for (const int spare : {0, 1, 2, -1, -7, INT_MAX}) {
+    values_.m_spare = spare;
+    values_.m_capacity = 2;
+    values_.m_values = values;
+    values_.m_ids = ids;
+    EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+    EXPECT_EQ(values_.m_values, values) << spare;
+    EXPECT_EQ(values_.m_ids, ids) << spare;
+    EXPECT_EQ(ids[1], 200) << spare;
+  }
+  values_.ResetOutParameter();
+}
+
+TEST_P(ValueFetchArrays, OfIdsThatAreFreshAreNotTakenForShortOnes) {
+  file_.Add(kState1, Nodes(3));
+  ORVResult nodes = Listed();
+  Bring(1);
+  values_.m_wantIds = 0;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_capacity, 3);
+  EXPECT_GT(values_.m_spare, 0);
+  std::free(values_.m_ids);
+  int ids[3] = {};  // not of the C allocator: they cannot be moved
+  values_.m_ids = ids;
+  values_.m_wantIds = 1;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_ids, ids);
+  EXPECT_EQ(values_.ids(), (Ints{100, 200, 300}));
+  values_.m_ids = nullptr;
+}
+
+TEST_P(ValueFetchArrays, OfAFetchAreBothLargeEnoughForTheValuesOfALaterOne) {
+  file_.Add(kState1, Nodes(1)).Add(kState1, Nodes(3, "Mass", 5));
+  ORVResult node = Listed();
+  ORVResult masses = Listed("Mass");
+  EXPECT_EQ(Fetch({&node}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values_.values(), (Floats{11, 12, 13}));
+  EXPECT_EQ(values_.ids(), (Ints{100}));
+  values_.m_capacity = values_.m_valueCount;
+  int* const ids = values_.m_ids;
+  EXPECT_EQ(Fetch({&masses}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.values(), (Floats{51, 61, 71}));
+  EXPECT_EQ(values_.ids(), (Ints{500, 600, 700}));
+  EXPECT_EQ(values_.m_ids, ids);
+}
+
+TEST_P(ValueFetchArrays, OfDoublesGrowToTheTotal) {
+  file_.Add(kState1, Nodes(2));
+  ORVResult nodes = Listed();
+  FetchedValues<double> values;
+  values.m_state = 1;
+  values.m_wantIds = 1;
+  values.m_capacity = 1;
+  values.m_values = CCopy<double>({-1});
+  values.m_ids = CCopy<int>({-1});
+  EXPECT_EQ(Fetch(values, {&nodes}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values.m_capacity, 6);
+  EXPECT_EQ(values.values(), (std::vector<double>{11, 12, 13, 21, 22, 23}));
+  EXPECT_EQ(values.ids(), (Ints{100, 200}));
+}
+
+TEST_P(ValueFetchArrays, OfDoublesShrinkToWhatWasRead) {
+  file_.Add(kState1, Nodes(1));
+  ORVResult nodes = Listed();
+  ORVResult gone = Listed("Gone", 1000);
+  FetchedValues<double> values;
+  values.m_state = 1;
+  EXPECT_EQ(Fetch(values, {&gone, &nodes}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values.values(), (std::vector<double>{11, 12, 13}));
+  EXPECT_LT(malloc_usable_size(values.m_values), 3003 * sizeof(double));
+}
+
+TEST_P(ValueFetchArrays, OfTheCallerAreFilledComponentByComponentWithoutIdsToo) {
+  file_.Add(kState1, Nodes(2));
+  ORVResult nodes = Listed();
+  Bring(7, false);
+  float* const array = values_.m_values;
+  values_.m_wantIds = 0;
+  values_.m_fetchMode = 1;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values_.m_values, array);
+  EXPECT_EQ(values_.values(), (Floats{11, 21, 12, 22, 13, 23}));
+  EXPECT_EQ(array[6], -1);
+  EXPECT_EQ(values_.m_ids, nullptr);
+  EXPECT_EQ(values_.m_idCount, 2);
+  EXPECT_EQ(values_.m_capacity, 7);
 }
 
 TEST_P(ValueFetchArrays, ThatTheCallerDidNotBringAreMade) {
@@ -156,6 +252,63 @@ TEST_P(ValueFetchArrays, AreNotMadeOnTheWordOfAHeader) {
   EXPECT_EQ(messages_.all(), (std::vector<Message>{refusal, refusal}));
   EXPECT_EQ(values_.m_capacity, 1);
   EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+}
+
+TEST_P(ValueFetchArrays, OfTheCallerThatAreLargeEnoughNeedNothingBehindThem) {
+  ORVResult liar = Claiming(17'000'000);  // 68 MB
+  file_.Add(kState1, Nodes(1));
+  ORVResult nodes = Listed();
+  values_.m_wantIds = 0;
+  values_.m_capacity = 17'000'001;
+  values_.m_values = static_cast<float*>(std::calloc(17'000'001, sizeof(float)));
+  float* const array = values_.m_values;
+  EXPECT_EQ(Fetch({&liar, &nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.m_values, array);
+  EXPECT_EQ(values_.values(), (Floats{11}));
+  EXPECT_TRUE(messages_.all().empty());
+  values_.m_capacity = 17'000'000;  // one too few
+  EXPECT_EQ(Fetch({&liar, &nodes}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(), (std::vector<Message>{{0, "Memory allocation failed for (No. Values 17000001)"}}));
+}
+
+TEST_P(ValueFetchArrays, OfTheCallerServeNoMoreThanAHostCanCount) {
+  ORVResult liar = Claiming(std::int64_t{INT_MAX} + 1);
+  Bring(1);
+  EXPECT_EQ(Fetch({&liar}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(), (std::vector<Message>{{0, "Memory allocation failed for (No. Values 2147483648)"}}));
+  EXPECT_EQ(values_.m_capacity, 1);
+}
+
+TEST_P(ValueFetchArrays, AreNotMadeForALargeBlockThatTheStateLacks) {
+  file_.Add(kState1, Nodes(1));
+  ORVResult nodes = Listed();
+  ORVResult gone = Listed("Gone", 1);
+  float of_the_host = 0;
+  for (const int mode : {0, 1}) {
+    for (const std::int64_t nent : {std::int64_t{500'000'000}, std::int64_t{INT_MAX} + 1, INT64_MAX}) {
+      gone.m_nent = nent;
+      gone.m_res = &of_the_host;
+      values_.m_fetchMode = mode;
+      EXPECT_EQ(Fetch({&gone, &nodes, &gone}, {.ext_id = kFirst}), 0) << nent;
+      EXPECT_EQ(values_.values(), (Floats{11})) << nent;
+      EXPECT_EQ(values_.ids(), (Ints{100})) << nent;
+      EXPECT_EQ(gone.m_res, nullptr);
+      EXPECT_EQ(gone.m_fetchSkip, 1);
+      values_.DeleteAllocation(true);
+      EXPECT_EQ(Fetch({&gone}, {.ext_id = kFirst}), 1);
+      ExpectNoAnswer();
+    }
+  }
+  EXPECT_TRUE(messages_.all().empty());
+}
+
+TEST_P(ValueFetchArrays, AreNotMadeForWhatIsLeftWithoutItUnlessTheFileHoldsThat) {
+  ORVResult liar = Claiming(500'000'000);
+  file_.Add(kState1, Nodes(1));
+  ORVResult nodes = Listed();
+  ORVResult gone = Listed("Gone", 600'000'000);
+  EXPECT_EQ(Fetch({&gone, &liar, &nodes}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(), (std::vector<Message>{{0, "Memory allocation failed for (No. Values 500000001)"}}));
 }
 
 TEST_P(ValueFetchArrays, AreMadeForLargeBlocksThatTheFileHolds) {

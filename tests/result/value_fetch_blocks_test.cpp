@@ -40,6 +40,17 @@ TEST_P(ValueFetchBlocks, ReadsConstantBlocksOfTheListAmongTheConstants) {
   EXPECT_EQ(values_.values(), (Floats{43, 13}));
 }
 
+TEST_P(ValueFetchBlocks, BelowTheFirstStateReadsAllBlocksAmongTheConstants) {
+  file_.Add(kConstant, Nodes(2, "Node", 4)).Add(kState1, Nodes(1));
+  ORVResult nodes = Listed();
+  for (const int state : {0, -1}) {
+    values_.m_state = state;
+    EXPECT_EQ(Fetch({&nodes}, {.ext_id = kThird}), 0);
+    EXPECT_EQ(values_.values(), (Floats{43, 53})) << state;
+    values_.DeleteAllocation(true);
+  }
+}
+
 TEST_P(ValueFetchBlocks, LeavesIdsAloneUnlessTheyAreWanted) {
   file_.Add(kState1, Nodes(2));
   ORVResult nodes = Listed();

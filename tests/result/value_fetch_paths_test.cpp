@@ -144,6 +144,52 @@ TEST_P(ValueFetchPaths, TakeElementsWithoutLayersForTwoAxes) {
   EXPECT_EQ(Values(), (Floats{1, 2}));
 }
 
+TEST_P(ValueFetchPaths, ReadComplexElementsWithAndWithoutLayers) {
+  StoredBlock<float> layered{.kind = 1101, .etyp = "SHELL", .nent = 1, .shape = {1, 2, 1, 2}, .values = {1, 2, 3, 4}};
+  StoredBlock<float> flat{.kind = 1101, .etyp = "BEAM", .nent = 2, .shape = {2, 1, 2}, .values = {5, 6, 7, 8}};
+  layered.ids = {70};
+  flat.ids = {80, 90};
+  file_.Add(kState1, layered).Add(kState1, flat);
+  ORVResult shells(1101);
+  shells.m_nent = 1;
+  shells.m_ncoo = 1;
+  shells.m_numl = 2;
+  shells.SetBlkPath(PathOf(kState1, 1101, "SHELL"));
+  ORVResult beams(1101);
+  beams.m_nent = 2;
+  beams.m_ncoo = 1;
+  beams.SetBlkPath(PathOf(kState1, 1101, "BEAM"));
+  values_.m_wantIds = 1;
+  EXPECT_EQ(Fetch({&shells, &beams}), 0);
+  EXPECT_EQ(Values(), (Floats{1, 2, 3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(Ids(), (Ints{70, 80, 90}));
+}
+
+TEST_P(ValueFetchPaths, LeaveOutABlockThatLacksOneOfItsIndexDatasets) {
+  ORVResult no_values = Add("A", {1}, {10}, {1});
+  file_.file().at(file_.Part(kState1, 1000, "A", "SPEED", "index")).drop("indexval");
+  ORVResult no_idents = Add("B", {2}, {20}, {2});
+  file_.file().at(file_.Part(kState1, 1000, "B", "SPEED", "index")).drop("indexident");
+  ORVResult both = Add("C", {3}, {30}, {3});
+  EXPECT_EQ(Fetch({&no_values, &no_idents, &both}), 0);
+  EXPECT_EQ(Values(), (Floats{3}));
+  EXPECT_EQ(values_.m_blockCount, 1);
+  EXPECT_EQ(values_.m_indexCount, 1);
+  EXPECT_EQ(IndexValues(1), (Floats{3}));
+  EXPECT_EQ(no_values.m_res, nullptr);
+}
+
+TEST_P(ValueFetchPaths, LeaveOutABlockWhoseIdsHaveAnotherCount) {
+  ORVResult odd = Add("A", {1, 2}, {10, 20}, {1});
+  file_.file().at(file_.Part(kState1, 1000, "A", "SPEED", "data")).dataset<int>("entid", {3}, {1, 2, 3});
+  ORVResult even = Add("B", {3}, {30}, {2});
+  values_.m_wantIds = 1;
+  EXPECT_EQ(Fetch({&odd, &even}), 0);
+  EXPECT_EQ(Values(), (Floats{3}));
+  EXPECT_EQ(Ids(), (Ints{30}));
+  EXPECT_EQ(IndexValues(1), (Floats{2}));
+}
+
 TEST_P(ValueFetchPaths, ReadComplexPairs) {
   StoredBlock<float> stored{.kind = 1001, .etyp = "C", .nent = 2, .shape = {2, 1, 2}, .values = {3, 4, 6, 8}};
   file_.Add(kState1, stored);
@@ -208,6 +254,31 @@ TEST_P(ValueFetchPaths, HaveNoAnswerWhereNothingCanBeRead) {
   EXPECT_EQ(values_.m_values, nullptr);
   EXPECT_EQ(values_.m_valueCount, 0);
   EXPECT_EQ(values_.m_blockCount, 0);
+}
+
+TEST_P(ValueFetchPaths, MakeNoArraysForTheEntitiesOfABlockWithoutValues) {
+  ORVResult good = Add("A", {1}, {10}, {0.5F});
+  ORVResult liar = good;
+  liar.m_ncoo = 0;
+  values_.m_wantIds = 1;
+  for (const std::int64_t nent : {std::int64_t{2'000'000'000}, INT64_MAX}) {
+    liar.m_nent = nent;
+    liar.m_nindex = 2'000'000'000;
+    EXPECT_EQ(Fetch({&liar, &good}), 0) << nent;
+    EXPECT_EQ(Values(), (Floats{1}));
+    EXPECT_EQ(Ids(), (Ints{10}));
+    EXPECT_EQ(IndexValues(1), (Floats{0.5F}));
+    values_.DeleteAllocation(true);
+  }
+}
+
+TEST_P(ValueFetchPaths, MakeNoArraysForAProductThatNoNumberHolds) {
+  ORVResult good = Add("A", {1}, {10}, {});
+  ORVResult liar = good;
+  liar.m_nent = 4;
+  liar.m_ncoo = std::int64_t{1} << 62;
+  EXPECT_EQ(Fetch({&good, &liar}), 1);
+  EXPECT_EQ(values_.m_values, nullptr);
 }
 
 TEST_P(ValueFetchPaths, MakeNoArraysOnTheWordOfAHeader) {

@@ -1,5 +1,7 @@
-// What the value fetch selects of each block: handles, computed handles, variables by name, layers, complex values.
+// What the value fetch selects of each block: handles, computed handles, variables by name. Layers and complex values
+// are in value_fetch_layers_test.
 
+#include "orvio/orv_properties.h"
 #include "orvio/orv_variable_grp.h"
 #include "result/value_fetch_test.h"
 
@@ -100,6 +102,58 @@ TEST_P(ValueFetch, ForgetsTheDataOfABlockThatGaveNoComponent) {
   EXPECT_EQ(nodes.m_res, nullptr);
   EXPECT_EQ(nodes.m_resType, ORV_DOUBLE);
   EXPECT_EQ(nodes.m_fetchSkip, 1);
+}
+
+TEST_P(ValueFetch, ComponentByComponentForgetsTheDataOfABlockWithoutTheQuantity) {
+  file_.Add(kState1, Nodes(1)).Add(kState1, Nodes(1, "Mass", 5));
+  VariableWithHandles other("OTHER", 3);
+  ORVResult masses = Listed("Mass");
+  float locations = 0;
+  for (const int mode : {0, 1}) {
+    ORVResult nodes = Listed();
+    nodes.m_variable = other.get();
+    nodes.m_eloc = &locations;
+    nodes.m_fidglob = 4;
+    nodes.m_resType = ORV_DOUBLE;
+    nodes.m_entidType = ORV_LONG;
+    values_.m_fetchMode = mode;
+    EXPECT_EQ(Fetch({&nodes, &masses}, {.ext_id = kFirst}), 0);
+    EXPECT_EQ(values_.values(), (Floats{51}));
+    EXPECT_EQ(nodes.m_eloc, mode == 1 ? nullptr : &locations);
+    EXPECT_EQ(nodes.m_fidglob, mode == 1 ? 0 : 4);
+    EXPECT_EQ(nodes.m_resType, ORV_DOUBLE);
+    EXPECT_EQ(nodes.m_entidType, ORV_LONG);
+    EXPECT_EQ(nodes.m_fetchSkip, 1);
+    values_.DeleteAllocation(true);
+  }
+}
+
+TEST_P(ValueFetch, TakesAnyOtherModeForTheFirst) {
+  file_.Add(kState1, Nodes(2));
+  ORVResult nodes = Listed();
+  values_.m_fetchMode = 2;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values_.values(), (Floats{11, 12, 13, 21, 22, 23}));
+}
+
+TEST_P(ValueFetch, PassesOverComponentsThatABlockIsTooNarrowFor) {
+  file_.Add(kState1, Nodes(2)).Add(kState1, Nodes(1, "Mass", 5));
+  // The selection of a component that is not there has no axes, so that there are no bounds of all of them.
+  VariableWithHandles wide("SPEED", 3);
+  wide.Add(kFirst, 0);
+  wide.Add(4, 3);
+  wide.AddComputed(kAll, 50, {{kFirst, 4}});
+  ORVResult nodes = Listed();
+  nodes.m_variable = wide.get();
+  ORVResult masses = Listed("Mass");
+  EXPECT_EQ(Fetch({&nodes, &masses}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values_.values(), (Floats{51, 52, 53}));
+  EXPECT_EQ(nodes.m_fetchSkip, 1);
+  values_.DeleteAllocation(true);
+  values_.m_fetchMode = 1;
+  EXPECT_EQ(Fetch({&nodes, &masses}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values_.values(), (Floats{11, 21, 51, 52, 53}));
+  EXPECT_EQ(values_.ids(), (Ints{100, 200, 500}));
 }
 
 TEST_P(ValueFetch, FindsTheQuantityOfAResultTypeInTheFirstBlockThatHasIt) {
@@ -218,9 +272,75 @@ TEST_P(ValueFetch, OfAGroupOfOneVariableDeliversTheWholeBlock) {
   EXPECT_EQ(values_.ids(), (Ints{100, 200}));
 }
 
-TEST_P(ValueFetch, LeavesFramesOfTheHostAlone) {
+TEST_P(ValueFetch, ReadsBlocksOfAGroupWholeWhereItHasExactlyOneVariable) {
+  file_.Add(kState1, Nodes(1));
+  file_.file().at(file_.Part(kState1, 1000, "Node", "SPEED", "data")).dataset<int>("fidglob", {1}, {41});
+  VariableWithHandles other("OTHER", 3);
+  Grouped one({speed_.get()}, {3}, {0});
+  Grouped two({speed_.get(), other.get()}, {3, 3}, {0, 0});
+  const auto frame = [&](Grouped& group) {
+    ORVResult nodes = Listed();
+    nodes.m_variable = nullptr;
+    nodes.m_variableGrp = &group.group;
+    EXPECT_EQ(Fetch({&nodes}, {.variable = "SPEED"}), 0);
+    EXPECT_EQ(values_.values(), (Floats{11, 12, 13}));
+    values_.DeleteAllocation(true);
+    return nodes.m_fidglob;  // whole reads alone have it
+  };
+  EXPECT_EQ(frame(one), 41);
+  EXPECT_EQ(frame(two), 0);
+}
+
+TEST_P(ValueFetch, ByNameLeavesOutABlockWithMoreStoredThanItsHeaderSays) {
+  file_.Add(kState1, Nodes(3)).Add(kState1, Nodes(1, "Mass", 5));
+  file_.file().at(file_.Part(kState1, 1000, "Node", "SPEED", "header")).integer("nent", 2);
+  ORVResult nodes = Listed();
+  ORVResult masses = Listed("Mass");
+  values_.m_wantIds = 0;
+  EXPECT_EQ(Fetch({&nodes, &masses}, {.variable = "SPEED"}), 0);
+  EXPECT_EQ(values_.values(), (Floats{51, 52, 53}));
+  values_.DeleteAllocation(true);
+  EXPECT_EQ(Fetch({&nodes, &masses}, {.ext_id = kAll}), 0);
+  EXPECT_EQ(values_.values(), (Floats{11, 12, 13, 21, 22, 23, 51, 52, 53}));
+}
+
+TEST_P(ValueFetch, ByNameDeliversAPropertiesBlock) {
+  const std::string block = std::string(kState1) + "/Node/SPEED/";  // this kind has no type group
+  const bool split = GetParam() == Layout::kSplit;
+  file_.file().at(block + (split ? "data" : "orvblock")).dataset<float>("res", {2, 3}, {11, 12, 13, 21, 22, 23});
+  file_.file().dataset<int>("entid", {2}, {100, 200});
+  file_.file().at(block + (split ? "header" : "orvblock")).integer("block", 500).integer("nent", 2);
+  ORVProperties properties;
+  properties.SetEntityAndVarName("Node", "SPEED");
+  properties.m_variable = speed_.get();
+  EXPECT_EQ(Fetch({&properties}, {.variable = "SPEED"}), 0);
+  EXPECT_EQ(values_.values(), (Floats{11, 12, 13, 21, 22, 23}));
+  EXPECT_EQ(values_.ids(), (Ints{100, 200}));
+}
+
+/// Three nodes with frames.
+void AddFrames(BlockFile& file) {
+  file.file().at(file.Part(kState1, 1000, "Node", "SPEED", "data")).dataset<int>("fid", {3}, {7, 8, 9});
+}
+
+TEST_P(ValueFetch, OfAVariableByNameReadsTheFramesOfItsEntitiesIntoAnArrayOfTheHost) {
   file_.Add(kState1, Nodes(3));
-  file_.file().at(file_.Part(kState1, 1000, "Node", "SPEED", "data")).dataset<int>("fid", {3}, {7, 8, 9});
+  AddFrames(file_);
+  for (const int listed : {3, 4}) {
+    ORVResult nodes = Listed("Node", listed);
+    Ints frames(4, -1);
+    nodes.m_fid = frames.data();
+    nodes.m_fswitch = 1;
+    EXPECT_EQ(Fetch({&nodes}, {.variable = "SPEED"}), 0);
+    EXPECT_EQ(frames, (Ints{7, 8, 9, -1}));
+    EXPECT_EQ(nodes.m_fid, frames.data());
+    values_.DeleteAllocation(true);
+  }
+}
+
+TEST_P(ValueFetch, LeavesFramesAloneWhereTheStateHasMoreEntitiesThanTheHostKnewOf) {
+  file_.Add(kState1, Nodes(3));
+  AddFrames(file_);
   ORVResult nodes = Listed();
   int frame = -1;  // for the one node of another state
   nodes.m_fid = &frame;
@@ -229,103 +349,6 @@ TEST_P(ValueFetch, LeavesFramesOfTheHostAlone) {
   EXPECT_EQ(values_.m_valueCount, 9);
   EXPECT_EQ(frame, -1);
   EXPECT_EQ(nodes.m_fid, &frame);
-}
-
-/// Two shells with three layers and two components: 100 x shell + 10 x layer + component, from 1 on.
-class ValueFetchLayers : public ValueFetchTest {
- protected:
-  ValueFetchLayers() {
-    StoredBlock<float> stored{.kind = 1100, .etyp = "SHELL", .nent = 2, .shape = {2, 3, 2}, .ids = {70, 80}};
-    stored.values = {111, 112, 121, 122, 131, 132, 211, 212, 221, 222, 231, 232};
-    file_.Add(kState1, stored);
-    shells_.m_numl = 3;
-  }
-
-  ORVResult shells_ = ListedBlock(1100, "SHELL", "SPEED", 2, 2, speed_.get());
-};
-INSTANTIATE_TEST_SUITE_P(Layouts, ValueFetchLayers, ::testing::Values(Layout::kSplit, Layout::kSingle), NameOfLayout);
-
-TEST_P(ValueFetchLayers, SelectOneLayer) {
-  values_.m_layer = 2;
-  EXPECT_EQ(Fetch({&shells_}, {.ext_id = kSecond}), 0);
-  EXPECT_EQ(values_.values(), (Floats{132, 232}));
-  EXPECT_EQ(values_.ids(), (Ints{70, 80}));
-}
-
-TEST_P(ValueFetchLayers, SelectAllLayers) {
-  values_.m_layer = -101;
-  EXPECT_EQ(Fetch({&shells_}, {.ext_id = kFirst}), 0);
-  EXPECT_EQ(values_.values(), (Floats{111, 121, 131, 211, 221, 231}));
-  EXPECT_EQ(values_.ids(), (Ints{70, 80}));
-}
-
-TEST_P(ValueFetchLayers, ByNameSelectOneLayerAndForAllTheFirst) {
-  VariableWithHandles pair("SPEED", 2);
-  shells_.m_variable = pair.get();
-  values_.m_layer = 1;
-  EXPECT_EQ(Fetch({&shells_}, {.variable = "SPEED"}), 0);
-  EXPECT_EQ(values_.values(), (Floats{121, 122, 221, 222}));
-  values_.DeleteAllocation(true);
-  values_.m_layer = -101;
-  EXPECT_EQ(Fetch({&shells_}, {.variable = "SPEED"}), 0);
-  EXPECT_EQ(values_.values(), (Floats{111, 112, 211, 212}));
-}
-
-TEST_P(ValueFetchLayers, ByNameNeedNoLocationsForElementsOfOneLayer) {
-  StoredBlock<float> stored{.kind = 1100, .etyp = "BEAM", .nent = 2, .shape = {2, 1, 2}, .values = {1, 2, 3, 4}};
-  file_.Add(kState1, stored);
-  VariableWithHandles pair("SPEED", 2);
-  ORVResult beams = ListedBlock(1100, "BEAM", "SPEED", 2, 2, pair.get());
-  values_.m_wantIds = 0;
-  for (const int layers : {0, 1}) {
-    beams.m_numl = layers;
-    EXPECT_EQ(Fetch({&beams}, {.variable = "SPEED"}), 0);
-    EXPECT_EQ(values_.values(), (Floats{1, 2, 3, 4}));
-    values_.DeleteAllocation(true);
-  }
-}
-
-/// Two nodes with one component of complex values, in one state.
-class ValueFetchComplex : public ValueFetchTest {
- protected:
-  ValueFetchComplex() {
-    StoredBlock<float> stored{.kind = 1001, .nent = 2, .shape = {2, 1, 2}, .values = {3, 4, 6, 8}, .ids = {100, 200}};
-    file_.Add(kState1, stored).Add(kState1, Nodes(1, "Mass", 5));
-  }
-
-  VariableWithHandles scalar_{"SPEED", 1};
-  ORVResult nodes_ = ListedBlock(1001, "Node", "SPEED", 2, 1, speed_.get());
-  ORVResult masses_ = Listed("Mass");
-};
-INSTANTIATE_TEST_SUITE_P(Layouts, ValueFetchComplex, ::testing::Values(Layout::kSplit, Layout::kSingle), NameOfLayout);
-
-TEST_P(ValueFetchComplex, DeliversPairsAlthoughAnOutputIsSet) {
-  nodes_.m_complexOutput = ORV_COMPLEX_MAGNITUDE;
-  EXPECT_EQ(Fetch({&nodes_, &masses_}, {.ext_id = kFirst}), 0);
-  EXPECT_EQ(values_.values(), (Floats{3, 4, 6, 8, 51}));
-  EXPECT_EQ(values_.ids(), (Ints{100, 200, 500}));
-}
-
-TEST_P(ValueFetchComplex, DeliversOneNumberPerPairWhereThatIsAlwaysWanted) {
-  nodes_.m_complexOutput = ORV_COMPLEX_MAGNITUDE | ORV_COMPLEX_ALWAYS;
-  for (const int mode : {0, 1}) {
-    values_.m_fetchMode = mode;
-    EXPECT_EQ(Fetch({&nodes_, &masses_}, {.ext_id = kFirst}), 0);
-    EXPECT_EQ(values_.values(), (Floats{5, 10, 51}));
-    EXPECT_EQ(values_.ids(), (Ints{100, 200, 500}));
-    values_.DeleteAllocation(true);
-  }
-}
-
-TEST_P(ValueFetchComplex, ConvertsByNameToo) {
-  nodes_.m_variable = scalar_.get();
-  nodes_.m_complexOutput = ORV_COMPLEX_IMAGINARY | ORV_COMPLEX_ALWAYS;
-  EXPECT_EQ(Fetch({&nodes_}, {.variable = "SPEED"}), 0);
-  EXPECT_EQ(values_.values(), (Floats{4, 8}));
-  values_.DeleteAllocation(true);
-  nodes_.m_complexOutput = 0;
-  EXPECT_EQ(Fetch({&nodes_}, {.variable = "SPEED"}), 0);
-  EXPECT_EQ(values_.values(), (Floats{3, 4, 6, 8}));
 }
 
 }  // namespace

@@ -271,6 +271,16 @@ TEST_F(SystemProbe, TellsTheStoredTypes) {
   EXPECT_EQ(system.m_udbexpType, ORV_DOUBLE);
 }
 
+TEST_F(SystemProbe, BesideDataThatEndWithoutBaseUnitsTellsTheTypesAllTheSame) {
+  ForgedFile file = ForgeCounts(0, 2);
+  file.dataset<std::int64_t>("ubid", {2}, {1, 2}).dataset<double>("udbexp", {3}, {1, 2, 3});
+  TestSystem system;
+  ASSERT_EQ(system.Header(file), 0);
+  EXPECT_EQ(system.ReadBlock(file.path().c_str(), 0, ORV_READ_DATA | ORV_READ_DATA_INFO), 0);
+  EXPECT_EQ(system.m_ubidType, ORV_LONG);
+  EXPECT_EQ(system.m_udbexpType, ORV_DOUBLE);
+}
+
 TEST_F(SystemProbe, OfUdscalLooksAtUbcon) {
   ForgedFile file = ForgeTables();
   file.dataset<double>("ubcon", {2}, {1, 2}).dataset<float>("udscal", {2}, {1, 2});

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include "orvio/orv_switches.h"
 #include "support/raw_file.h"
 #include "unit/forged_system.h"
@@ -130,6 +132,23 @@ TEST_P(SystemWriteVersion, IsReadBackAsItWas) {
 TEST_F(SystemWrite, WithoutAKnownVersionHasNoSuchAttribute) {
   ASSERT_EQ(Write(), 0);
   EXPECT_FALSE(RawFile(file_.path()).has_attribute(Header(), "cversion"));
+}
+
+TEST_F(SystemWrite, WithoutAKnownVersionLeavesThatOfAnEarlierWriteAlone) {
+  system_.m_cversion = 5;
+  ASSERT_EQ(Write(), 0);
+  system_.m_cversion = -1;
+  ASSERT_EQ(Write(), 0);
+  EXPECT_EQ(RawFile(file_.path()).attribute_int(Header(), "cversion"), 5);
+}
+
+TEST_F(SystemWrite, StoresTheLengthOfTheProductsCutTo32Bits) {
+  ORVSetCurrentWriterVersion(3);
+  ndbunit_[0] = ndbunit_[1] = INT_MAX;
+  system_.m_pUdbid = nullptr;
+  system_.m_pUdbexp = nullptr;
+  EXPECT_EQ(Write(), 1);
+  EXPECT_EQ(RawFile(file_.path()).attribute_int(Data(), "lenudb"), -2);
 }
 
 TEST_F(SystemWrite, PutsADifferentKindOfBlocktypeAside) {

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "orvio/orv_unit.h"
 #include "unit/forged_system.h"
 #include "unit/unit_tables.h"
@@ -177,6 +179,52 @@ TEST_F(UnitTables, AreEmptyWhenCleared) {
   orvio::ClearUnitTable(derived_);
   EXPECT_THAT(base_, IsEmpty());
   EXPECT_THAT(derived_, IsEmpty());
+}
+
+TEST_F(UnitTables, WithoutFactorsOrShiftsHoldUnitsOfScaleOneAndNoShift) {
+  ForgedFile file = ForgeTables();
+  ASSERT_EQ(system_.Read(file), 0);
+  float* const factors = std::exchange(system_.m_pUbcon, nullptr);
+  float* const shifts = std::exchange(system_.m_pUbshift, nullptr);
+  orvio::FillUnitTables(system_, base_, derived_);
+  ASSERT_EQ(base_.size(), 2U);
+  for (const ORVUnit* unit : base_) {
+    float shift = 9;
+    EXPECT_EQ(unit->GetConversionFactors(shift), 1.0F);
+    EXPECT_EQ(shift, 0.0F);
+  }
+  system_.m_pUbcon = factors;
+  system_.m_pUbshift = shifts;
+}
+
+TEST_F(UnitTables, HoldDerivedUnitsWithoutProductsWhereOneOfTheirTablesIsMissing) {
+  ForgedFile file = ForgeTables();
+  ASSERT_EQ(system_.Read(file), 0);
+  const auto fill_without = [&](auto*& table) {
+    auto* const before = std::exchange(table, nullptr);
+    orvio::FillUnitTables(system_, base_, derived_);
+    ASSERT_EQ(derived_.size(), 2U);
+    EXPECT_EQ(Derived(0).GetUnitId(), 11);
+    EXPECT_STREQ(Derived(1).GetUnitCStr(), "mm*mm");
+    float shift = 9;
+    EXPECT_EQ(Derived(1).GetConversionFactors(shift), 4.0F);
+    for (const std::size_t i : {0U, 1U}) EXPECT_THAT(Derived(i).GetBaseUnits(), IsEmpty());
+    table = before;
+  };
+  fill_without(system_.m_pNdbunit);
+  fill_without(system_.m_pUdbid);
+  fill_without(system_.m_pUdbexp);
+}
+
+TEST_F(UnitTables, PassOverANegativeCountWithoutMovingOn) {
+  ForgedFile file = ForgeTables();
+  ASSERT_EQ(system_.Read(file), 0);
+  system_.m_pNdbunit[0] = -3;
+  system_.m_pNdbunit[1] = 2;
+  orvio::FillUnitTables(system_, base_, derived_);
+  EXPECT_THAT(Derived(0).GetBaseUnits(), IsEmpty());
+  EXPECT_THAT(Derived(1).GetBaseUnits(), ElementsAre(base_[0], base_[1]));
+  EXPECT_THAT(Derived(1).GetBaseUnitExponent(), ElementsAre(1.0F, -1.0F));
 }
 
 }  // namespace
