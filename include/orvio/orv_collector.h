@@ -23,7 +23,8 @@ class ORVIO_EXPORT ORVCollector : public ORVBlock {
   int IterateBlockOver(const char* path, int stages, ORVIterationCallBack action, int first, int last, int step,
                        const char* name, int reverse) override;
 
-  /// Writes the block into the constant section, or into a state that is there. State 0 gets no index.
+  /// Writes the block into the constant section, or into a state that is there. State 0 gets no index. Data of other
+  /// extents than those that are there already answer 1.
   int WriteBlock(const char* path, int state, int mode) override;
   int WriteHeader(hid_t header) override;
   int WriteData(hid_t data) override;  ///< 1 without collectors

@@ -32,10 +32,12 @@ class ORVIO_EXPORT ORVEntAttribute : public ORVBlock {
   int IterateBlockOver(const char* path, int stages, ORVIterationCallBack action, int first, int last, int step,
                        const char* name, int reverse) override;
 
-  /// Writes header and data; the next state is made when it is missing. The index is left to WriteIndex.
+  /// Writes header and data; the next state is made when it is missing. The index is left to WriteIndex. Data of other
+  /// extents than those that are there already answer 1.
   int WriteBlock(const char* path, int state, int mode) override;
   int WriteHeader(hid_t header) override;
-  /// 1 without entities. Titles take 256 bytes each in files up to version 1.2, and `m_length` bytes in later ones.
+  /// 1 without entities. Titles are taken as 256 bytes each for files up to version 1.2, and as `m_length` bytes for later
+  /// ones.
   int WriteData(hid_t data) override;
   int WriteIndex(hid_t index) override;
 

@@ -240,7 +240,7 @@ class ORVIO_EXPORT ORVFiler {
                                    int state);
 
   // ---- Attributes and identifiers. `mode` is 1 for the header, 2 for the data of a block whose header was read, 3 for
-  // both; `state` is 0 for the constant section. Arrays come from the C allocator: CleanUp frees them.
+  // both; `state` is 0 for the constant section. Arrays come from the C allocator, integers of 4 bytes: CleanUp frees them.
 
   /// Reads the block of the type `m_etyp`. 1 for one without entities.
   int ReadEntAttribute(ORVEntAttribute* block, int mode, int state);

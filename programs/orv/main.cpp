@@ -38,6 +38,8 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   orvio::program::AddImportCommand(app);
   orvio::program::AddInfoCommand(app);
+  orvio::program::AddLsCommand(app);
+  orvio::program::AddPartsCommand(app);
   orvio::program::AddStatesCommand(app);
   orvio::program::AddValuesCommand(app);
   orvio::program::AddElementsCommand(app);

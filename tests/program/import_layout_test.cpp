@@ -116,18 +116,28 @@ TEST_P(ImportLayout, HasTheGroupsOfItsVersion) {
   const Lines variable =
       single() ? Lines{"mbunit", "mdunit", "subscnt", "subscr", "subsoffs"} : Lines{"cid", "cname", "mbunit", "mdunit"};
   const Lines index = {"indexident", "indexval"};
-  Lines tree = {"/post", "/post/constant", constant + "attributes", constant + "collector",
-                constant + "connectivities"};
+  const Lines attributes = single() ? Lines{"entid"} : Lines{"entid", "title"};
+  const Lines element_attributes = single() ? Lines{"entid", "uid"} : Lines{"entid", "title", "uid"};
+  Lines tree = {"/post", "/post/constant", constant + "attributes"};
+  AddBlock(tree, constant + "attributes/NODE", attributes, {}, single());
+  AddBlock(tree, constant + "attributes/TRIA3", element_attributes, {}, single());
+  tree.insert(tree.end(), {constant + "collector", constant + "connectivities"});
   AddBlock(tree, kTriangles, {"ic", "idele", "pid"}, {}, single());
   tree.insert(tree.end(), {constant + "entityresults", constant + "entityresults/NODE"});
   AddBlock(tree, kCoordinate, result, {}, single());
-  if (version == "2.1" || version == "2.2") tree.push_back(constant + "identifiers");
+  if (version == "2.1" || version == "2.2") {
+    tree.push_back(constant + "identifiers");
+    AddBlock(tree, constant + "identifiers/NODE", {"entid"}, {}, true);
+    AddBlock(tree, constant + "identifiers/TRIA3", {"entid"}, {}, true);
+  }
   tree.push_back(constant + "indices");
   if (single()) tree.push_back(constant + "indices/orvblock");
   if (!single()) {
     tree.insert(tree.end(),
                 {constant + "indices/data", constant + "indices/data/etypindex", constant + "indices/header"});
   }
+  tree.push_back(constant + "parts");
+  AddBlock(tree, constant + "parts/PART", {"mid", "pid", "title"}, {}, single());
   tree.push_back(constant + "system");
   if (!single()) tree.insert(tree.end(), {constant + "system/data", constant + "system/header"});
   tree.push_back(constant + "text");
@@ -229,6 +239,47 @@ TEST_P(ImportLayout, StoresElementsByType) {
   EXPECT_THAT(raw.values<std::int32_t>(Data(kTriangles) + "/ic"), ElementsAre(1, 2, 5));
   EXPECT_THAT(raw.values<std::int32_t>(Data(kTriangles) + "/idele"), ElementsAre(11));
   EXPECT_THAT(raw.values<std::int32_t>(Data(kTriangles) + "/pid"), ElementsAre(1));
+}
+
+TEST_P(ImportLayout, StoresTheMaterialsOfElementsAsParts) {
+  const RawFile raw = ImportSmallRun();
+  const std::string parts = "/post/constant/parts/PART";
+  Lines attributes = {"block integer 8 = 100", "blocktype text 256 = parts", "etyppart text 256 = PART",
+                      "nindex integer 8 = 0", "npart integer 8 = 1"};
+  if (single()) {
+    attributes.insert(attributes.begin() + 3, "length integer 4 = 5");
+    attributes.push_back("off integer 4 = 6");
+  }
+  EXPECT_EQ(AttributesOf(raw, Header(parts)), attributes);
+  EXPECT_THAT(raw.values<std::int32_t>(Data(parts) + "/pid"), ElementsAre(1));
+  EXPECT_THAT(raw.values<std::int32_t>(Data(parts) + "/mid"), ElementsAre(1));
+  std::string title = "STEEL";
+  if (!single()) title.resize(256, ' ');
+  EXPECT_THAT(raw.texts(Data(parts) + "/title"), ElementsAre(title));
+}
+
+TEST_P(ImportLayout, StoresTypeAndGroupOfElementsAsAttributes) {
+  const RawFile raw = ImportSmallRun();
+  const std::string triangles = "/post/constant/attributes/TRIA3";
+  EXPECT_EQ(raw.attribute_int(Header(triangles), "nent"), 1);
+  EXPECT_EQ(raw.attribute_int(Header(triangles), "nuid"), 2);
+  EXPECT_THAT(raw.values<std::int32_t>(Data(triangles) + "/entid"), ElementsAre(11));
+  EXPECT_THAT(raw.values<std::int32_t>(Data(triangles) + "/uid"), ElementsAre(7, 0));
+}
+
+TEST_P(ImportLayout, StoresTheIdsOfNodesWithoutTitles) {
+  const RawFile raw = ImportSmallRun();
+  const std::string nodes = "/post/constant/attributes/NODE";
+  EXPECT_EQ(raw.attribute_int(Header(nodes), "nuid"), 0);
+  EXPECT_THAT(raw.values<std::int32_t>(Data(nodes) + "/entid"), ElementsAre(1, 2, 5));
+  if (single()) {
+    EXPECT_EQ(raw.attribute_int(Header(nodes), "length"), 0);
+  }
+  const std::string identifiers = "/post/constant/identifiers/NODE/orvblock";
+  if (raw.exists(identifiers)) {
+    EXPECT_EQ(raw.attribute_int(identifiers, "block"), 250);
+    EXPECT_THAT(raw.values<std::int32_t>(identifiers + "/entid"), ElementsAre(1, 2, 5));
+  }
 }
 
 /// The attributes of a result at nodes.

@@ -8,6 +8,8 @@ namespace orvio::program {
 void AddImportCommand(CLI::App& app);
 void AddElementsCommand(CLI::App& app);
 void AddInfoCommand(CLI::App& app);
+void AddLsCommand(CLI::App& app);
+void AddPartsCommand(CLI::App& app);
 void AddStatesCommand(CLI::App& app);
 void AddValuesCommand(CLI::App& app);
 

@@ -3,10 +3,15 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 #include "commands/commands.h"
+#include "importer/exodus_import.h"
 #include "importer/frd_import.h"
 #include "trouble.h"
 
@@ -18,37 +23,58 @@ const std::map<std::string, _ORVVersion> kVersions = {
     {"2.0", ORV_VERSION_2_0}, {"2.1", ORV_VERSION_2_1}, {"2.2", ORV_VERSION_2_2},
 };
 
-bool IsFrdName(const std::string& name) { return name.ends_with(".frd") || name.ends_with(".frd.gz"); }
+/// A kind of file that can be imported, by its name.
+struct Importer {
+  std::vector<std::string_view> endings;
+  ImportSummary (*import)(const ImportOptions& options);
+};
+
+const Importer kImporters[] = {{{".frd", ".frd.gz"}, ImportFrd}, {{".e", ".ex2", ".exo"}, ImportExodus}};
+
+const Importer* FindImporter(const std::string& name) {
+  const auto* found = std::ranges::find_if(kImporters, [&](const Importer& importer) {
+    return std::ranges::any_of(importer.endings, [&](std::string_view ending) { return name.ends_with(ending); });
+  });
+  return found == std::end(kImporters) ? nullptr : found;
+}
 
 std::string AllUnitSystems() { return fmt::format("{}", fmt::join(UnitSystemNames(), ", ")); }
 
-void Import(const FrdImportOptions& options, bool quiet) {
-  if (!IsFrdName(options.input.string())) {
-    throw Trouble(options.input.string(), "is of a kind that cannot be imported", "give a .frd or .frd.gz file");
+void Import(const ImportOptions& options, bool quiet) {
+  const Importer* importer = FindImporter(options.input.string());
+  if (!importer) {
+    throw Trouble(options.input.string(), "is of a kind that cannot be imported",
+                  "give a .frd, .frd.gz, .e, .ex2 or .exo file");
+  }
+  if (!options.points.empty() && importer->import != ImportFrd) {
+    throw Trouble(options.input.string(), "has no .dat file beside it", "leave --dat out");
   }
   // The output would take the place of its own input.
   std::error_code error;
   if (std::filesystem::equivalent(options.input, options.output, error)) {
     throw Trouble(options.output.string(), "is the file to import", "choose another name for the output");
   }
-  const FrdImportSummary summary = ImportFrd(options);
+  const ImportSummary summary = importer->import(options);
   if (quiet) return;
   fmt::print(stderr, "{}: {} nodes, {} elements, {} states, {} variables\n", options.output.string(), summary.nodes,
              summary.elements, summary.states, summary.variables);
-  if (!summary.complete)
-    fmt::print(stderr, "{}: the run broke off; what is complete was taken\n", options.input.string());
+  for (const std::string& note : summary.notes) fmt::print(stderr, "{}: {}\n", options.input.string(), note);
 }
 
 }  // namespace
 
 void AddImportCommand(CLI::App& app) {
-  auto options = std::make_shared<FrdImportOptions>();
+  auto options = std::make_shared<ImportOptions>();
   auto quiet = std::make_shared<bool>(false);
   auto units = std::make_shared<std::string>();
-  CLI::App* command = app.add_subcommand("import", "Translate a CalculiX result (.frd, .frd.gz) into a result file");
+  CLI::App* command =
+      app.add_subcommand("import",
+                         "Translate the result of a solver into a result file: CalculiX (.frd, .frd.gz) or "
+                         "Exodus II (.e, .ex2, .exo)");
   command->add_option("result", options->input, "Result of the solver")->required();
   command->add_option("out", options->output, "Result file to write; one that exists is replaced when all went well")
       ->required();
+  command->add_option("--dat", options->points, "The .dat file of a CalculiX run: values at integration points");
   command->add_option("--format-version", options->version, "Version of the format to write: 1.0 to 2.2 (default 2.2)")
       ->transform(CLI::CheckedTransformer(kVersions));
   command->add_option("--units", *units, "Units of the run, which the result does not tell: " + AllUnitSystems())

@@ -1,4 +1,4 @@
-// Filling of the library's blocks.
+// Filling of the blocks that define: units, index types, variables.
 
 #include "importer/block_writer.h"
 
@@ -9,29 +9,13 @@
 #include <ctime>
 #include <utility>
 
+#include "importer/text_fields.h"
 #include "trouble.h"
 
 namespace orvio::program {
 namespace {
 
-constexpr std::size_t kNameWidth = 256;
 constexpr const char* kAdvice = "check the free space and your permissions in its folder";
-
-template <std::size_t N>
-void Assign(char (&field)[N], const std::string& text) {
-  const std::size_t length = std::min(text.size(), N - 1);
-  std::copy_n(text.data(), length, field);
-  std::fill(field + length, field + N, '\0');
-}
-
-/// Texts of 256 bytes each, blank padded, one behind the other.
-std::vector<char> Fields(const std::vector<std::string>& texts) {
-  std::vector<char> fields(texts.size() * kNameWidth, ' ');
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    std::ranges::copy(texts[i].substr(0, kNameWidth), fields.begin() + static_cast<std::ptrdiff_t>(i * kNameWidth));
-  }
-  return fields;
-}
 
 /// The labels of a variable in the two forms that format versions store.
 struct Labels {
@@ -235,56 +219,6 @@ void BlockWriter::WriteVariableBlock(const Quantity& quantity) {
   variable.m_pSubscnt = labels.lengths.data();
   variable.m_pSubsoffs = labels.offsets.data();
   Write(variable, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA, "variable " + quantity.name);
-}
-
-// ---- Mesh and values
-
-void BlockWriter::WriteElements(ElementGroup& group) {
-  ORVEleConnectivity block;
-  Assign(block.m_etypelem, group.type_name);
-  Assign(block.m_etyppart, "PART");
-  Assign(block.m_etypnode, "NODE");
-  block.m_nele = static_cast<std::int64_t>(group.ids.size());
-  block.m_npele = group.nodes_per_element;
-  block.m_ndim = group.dimension;
-  block.m_idele = group.ids.data();
-  block.m_pid = group.parts.data();
-  block.m_ic = group.nodes.data();
-  Write(block, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA, group.type_name + " elements");
-}
-
-namespace {
-
-ORVResult MakeResult(const Quantity& quantity, const NodalValues& values) {
-  ORVResult result(values.is_complex ? ORV_RESULT_ENTITY_COMPLEX : ORV_RESULT_ENTITY);
-  result.SetEntityAndVarName("NODE", quantity.name);
-  result.m_nent = static_cast<std::int64_t>(values.ids->size());
-  result.m_ncoo = static_cast<std::int64_t>(quantity.components.size());
-  result.m_readIds = 1;
-  result.m_entid = values.ids->data();
-  result.m_res = values.values;
-  result.m_resType = values.type;
-  return result;
-}
-
-}  // namespace
-
-void BlockWriter::WriteConstant(const Quantity& quantity, const NodalValues& values) {
-  ORVResult result = MakeResult(quantity, values);
-  Write(result, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA, quantity.name);
-}
-
-void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity, const NodalValues& values) {
-  // Both columns are told apart by their place; the identifier of a row is the state.
-  int identifiers[] = {index.state, index.state};
-  double row[] = {index.value, static_cast<double>(index.step)};
-  ORVResult result = MakeResult(quantity, values);
-  result.m_nindex = std::size(row);
-  result.m_indexident = identifiers;
-  result.m_indexval = row;
-  result.m_indexvalType = ORV_DOUBLE;
-  Write(result, index.state, ORV_WRITE_HEADER | ORV_WRITE_DATA | ORV_WRITE_INDEX,
-        fmt::format("{} of state {}", quantity.name, index.state));
 }
 
 }  // namespace orvio::program

@@ -15,7 +15,8 @@ namespace orvio::program {
 
 /// Elements of one type.
 struct ElementGroup {
-  std::string type_name;
+  std::string type_name;     ///< unique in the file
+  std::string generic_name;  ///< family of the type; empty: the type stands for itself
   int dimension = 0;
   std::int64_t nodes_per_element = 0;
   std::vector<int> ids;
@@ -36,6 +37,43 @@ struct NodalValues {
   void* values = nullptr;  ///< ids x components, pairs for complex values
   _ORVDataType type = ORV_FLOAT;
   bool is_complex = false;
+  std::string zone;  ///< name of the set that the nodes are of; empty for the nodes of the mesh
+  int zone_id = 0;
+};
+
+/// Values of one quantity at the points of elements of one type.
+struct ElementValues {
+  std::string element_type;  ///< ElementGroup::type_name
+  std::vector<int>* ids = nullptr;
+  int layers = 1;          ///< points or layers of an element
+  void* values = nullptr;  ///< ids x layers x components, row-major
+  _ORVDataType type = ORV_FLOAT;
+  std::string zone;  ///< keeps these elements apart from others of their type; empty for all
+};
+
+/// Parts of the model, and the materials they are made of where the solver tells.
+struct PartTable {
+  std::vector<int> ids;
+  std::vector<std::string> titles;
+  std::vector<int> materials;  ///< one per part, or none
+};
+
+/// What is known of the entities of a type beside their ids.
+struct AttributeTable {
+  std::string entity_type;
+  std::vector<int> ids;
+  std::vector<std::string> titles;  ///< one per entity, or none
+  int columns = 0;                  ///< integers per entity
+  std::vector<int> integers;        ///< ids x columns, row-major
+};
+
+/// Sets of entities, such as those that loads act on.
+struct SetTable {
+  std::string name;                ///< "NODE_SET"
+  std::vector<std::string> types;  ///< entity types of the members
+  std::vector<int> ids;            ///< one per set
+  std::vector<int> counts;         ///< members of each set of each type: ids x types, row-major
+  std::vector<int> members;        ///< set by set, type by type
 };
 
 /// What a file tells of its origin beside its units.
@@ -56,12 +94,20 @@ class BlockWriter {
   /// The variable, and in later versions the group of variables that results are found by.
   void WriteVariable(const Quantity& quantity);
   void WriteElements(ElementGroup& group);
+  /// Of the type "PART", which element groups refer to.
+  void WriteParts(PartTable& parts);
+  void WriteAttributes(AttributeTable& attributes);
+  /// The ids that entities go by outside. Files up to version 2.0 have no place for them: nothing is written.
+  void WriteIdentifiers(const std::string& entity_type, std::vector<int>& ids);
+  void WriteSets(SetTable& sets);
   void WriteConstant(const Quantity& quantity, const NodalValues& values);
   /// States are added one by one, from 1.
   void WriteInState(const StateIndex& index, const Quantity& quantity, const NodalValues& values);
+  void WriteInState(const StateIndex& index, const Quantity& quantity, const ElementValues& values);
 
  private:
   void Write(ORVBlock& block, int state, int what, const std::string& described_as);
+  void WriteInState(const StateIndex& index, ORVResult& result, const std::string& described_as);
   void WriteVariableBlock(const Quantity& quantity);
   void WriteGroup(const std::string& name, const std::vector<Quantity>& quantities);
   /// Files up to version 1.2 have no groups of variables.

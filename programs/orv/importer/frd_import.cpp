@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
+#include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,6 +16,7 @@
 #include "frd/reader.h"
 #include "importer/block_writer.h"
 #include "importer/output_file.h"
+#include "importer/point_values.h"
 #include "importer/progress.h"
 #include "importer/quantity.h"
 #include "trouble.h"
@@ -80,6 +84,13 @@ Origin OriginOf(const frd::Header& header) {
   return origin;
 }
 
+void AddElement(const frd::Element& element, std::span<const int> nodes, ElementGroup& group) {
+  group.ids.push_back(element.id);
+  group.parts.push_back(element.material);
+  group.nodes.insert(group.nodes.end(), nodes.begin(), nodes.end());
+  group.nodes_per_element = static_cast<std::int64_t>(nodes.size());
+}
+
 std::vector<float> Interleave(const std::vector<float>& real, const std::vector<float>& imaginary) {
   std::vector<float> pairs;
   pairs.reserve(real.size() * 2);
@@ -92,19 +103,21 @@ std::vector<float> Interleave(const std::vector<float>& real, const std::vector<
 
 class Translation {
  public:
-  explicit Translation(const FrdImportOptions& options)
+  explicit Translation(const ImportOptions& options)
       : options_(options),
         reader_(options.input),
         output_(options.output),
         writer_(output_.working_path(), options.output.string(), options.version),
         progress_("importing") {}
 
-  FrdImportSummary Run() {
+  ImportSummary Run() {
     const frd::Header header = reader_.ReadHeader();
     if (options_.units) writer_.WriteUnitSystem(*options_.units, OriginOf(header));
     WriteNodes();
-    WriteElements();
+    WriteElements(header.materials);
+    if (!options_.points.empty()) points_.emplace(options_.points, element_types_, options_.partial);
     WriteStates();
+    NoteTablesLeftOver();
     writer_.WriteIndexTypes({index_name_.empty() ? kNoStates : index_name_, "STEP"});
     output_.Commit();
     return summary_;
@@ -116,33 +129,59 @@ class Translation {
     if (nodes.ids.empty()) throw Trouble(options_.input.string(), "has no nodes", "check that the solver ran");
     const Quantity coordinate = CoordinateQuantity();
     writer_.WriteVariable(coordinate);
-    NodalValues values{&nodes.ids, nodes.coordinates.data(), ORV_FLOAT, false};
-    if (nodes.binary) values = {&nodes.ids, nodes.precise_coordinates.data(), ORV_DOUBLE, false};
+    NodalValues values{&nodes.ids, nodes.coordinates.data(), ORV_FLOAT, false, {}, 0};
+    if (nodes.binary) values = {&nodes.ids, nodes.precise_coordinates.data(), ORV_DOUBLE, false, {}, 0};
     writer_.WriteConstant(coordinate, values);
+    writer_.WriteIdentifiers("NODE", nodes.ids);
+    AttributeTable attributes{"NODE", nodes.ids, {}, 0, {}};
+    writer_.WriteAttributes(attributes);
     summary_.nodes = nodes.ids.size();
     summary_.variables = 1;
   }
 
-  void WriteElements() {
+  void WriteElements(const std::vector<frd::Material>& materials) {
     const frd::Elements elements = reader_.ReadElements();
     std::map<int, ElementGroup> groups;
+    std::map<int, AttributeTable> attributes;
     for (std::size_t i = 0; i < elements.items.size(); ++i) {
       const frd::Element& element = elements.items[i];
-      ElementGroup& group = groups[element.type];
-      const auto nodes = elements.NodesOf(i);
-      group.ids.push_back(element.id);
-      group.parts.push_back(element.material);
-      group.nodes.insert(group.nodes.end(), nodes.begin(), nodes.end());
-      group.nodes_per_element = static_cast<std::int64_t>(nodes.size());
+      AddElement(element, elements.NodesOf(i), groups[element.type]);
+      attributes[element.type].integers.insert(attributes[element.type].integers.end(), {element.type, element.group});
     }
     for (const TypeRow& row : kTypes) {
       const auto found = groups.find(row.frd_type);
       if (found == groups.end()) continue;
-      found->second.type_name = row.name;
-      found->second.dimension = row.dimension;
-      writer_.WriteElements(found->second);
+      WriteElementType(row, found->second, attributes[row.frd_type]);
     }
+    WriteParts(groups, materials);
     summary_.elements = elements.items.size();
+  }
+
+  /// The elements of a type; beside them the type and group that the solver gave each of them, as numbers.
+  void WriteElementType(const TypeRow& row, ElementGroup& group, AttributeTable& attributes) {
+    group.type_name = row.name;
+    group.dimension = row.dimension;
+    writer_.WriteElements(group);
+    writer_.WriteIdentifiers(row.name, group.ids);
+    attributes.entity_type = row.name;
+    attributes.ids = group.ids;
+    attributes.columns = 2;
+    writer_.WriteAttributes(attributes);
+    for (const int id : group.ids) element_types_[id] = row.name;
+  }
+
+  /// Materials are the only parts that the solver tells. It lists contacts and springs among them: those are no parts.
+  void WriteParts(const std::map<int, ElementGroup>& groups, const std::vector<frd::Material>& materials) {
+    std::set<int> used;
+    for (const auto& [type, group] : groups) used.insert(group.parts.begin(), group.parts.end());
+    PartTable parts;
+    for (const int number : used) {
+      const auto material = std::ranges::find(materials, number, &frd::Material::number);
+      parts.ids.push_back(number);
+      parts.titles.push_back(material == materials.end() ? std::string() : material->name);
+    }
+    parts.materials = parts.ids;
+    if (!parts.ids.empty()) writer_.WriteParts(parts);
   }
 
   void WriteStates() {
@@ -154,11 +193,12 @@ class Translation {
       result = {};
     }
     if (!state.empty()) WriteState(state);
-    summary_.complete = reader_.complete();
-    if (!summary_.complete && !options_.partial) {
+    if (reader_.complete()) return;
+    if (!options_.partial) {
       throw Trouble(options_.input.string(), "ends without its end mark: the run broke off or the file was cut",
                     "run the solver again, or use --partial to take what is there");
     }
+    summary_.notes.emplace_back("the run broke off; what is complete was taken");
   }
 
   /// With `partial`, a block that is cut off ends the file.
@@ -187,6 +227,7 @@ class Translation {
       frd::Result* imaginary = FindImaginaryPart(state, i, joined);
       WriteResult(index, state[i], imaginary);
     }
+    if (points_) WritePoints(index);
     state.clear();
   }
 
@@ -207,31 +248,58 @@ class Translation {
   }
 
   void WriteResult(const StateIndex& index, frd::Result& real, const frd::Result* imaginary) {
-    bool is_new = false;
-    const Quantity& quantity = quantities_.Find(real, imaginary != nullptr, is_new);
-    if (is_new) {
-      writer_.WriteVariable(quantity);
-      ++summary_.variables;
-    }
+    const Quantity& quantity = Define(DescribeResult(real, imaginary != nullptr), "NODE");
     std::vector<float> pairs;
     if (imaginary) pairs = Interleave(real.values, imaginary->values);
     float* values = imaginary ? pairs.data() : real.values.data();
-    writer_.WriteInState(index, quantity, {&real.ids, values, ORV_FLOAT, imaginary != nullptr});
+    writer_.WriteInState(index, quantity, NodalValues{&real.ids, values, ORV_FLOAT, imaginary != nullptr, {}, 0});
   }
 
-  FrdImportOptions options_;
+  /// The quantity as the output has it, defined there at its first use.
+  const Quantity& Define(Quantity wanted, const std::string& place) {
+    bool is_new = false;
+    const Quantity& quantity = quantities_.Find(std::move(wanted), place, is_new);
+    if (!is_new) return quantity;
+    writer_.WriteVariable(quantity);
+    ++summary_.variables;
+    return quantity;
+  }
+
+  /// Elements of one type with unequal numbers of points, such as full and reduced integration, are zones of it.
+  void WritePoints(const StateIndex& index) {
+    for (PointQuantity& entry : points_->At(index.value)) {
+      const Quantity& quantity = Define(std::move(entry.quantity), "POINT");
+      for (PointBlock& block : entry.blocks) {
+        const std::string zone = block.has_siblings ? fmt::format("POINTS_{}", block.layers) : "";
+        writer_.WriteInState(
+            index, quantity,
+            ElementValues{block.element_type, &block.ids, block.layers, block.values.data(), ORV_FLOAT, zone});
+      }
+    }
+  }
+
+  void NoteTablesLeftOver() {
+    const std::size_t count = points_ ? points_->CountLeftOver() : 0;
+    if (count == 0) return;
+    summary_.notes.push_back(fmt::format("{} tables of {} were printed at times that the result does not hold", count,
+                                         options_.points.filename().string()));
+  }
+
+  ImportOptions options_;
   frd::Reader reader_;
   OutputFile output_;
   BlockWriter writer_;
   Progress progress_;
   QuantityTable quantities_;
+  std::map<int, std::string> element_types_;  ///< by element id
+  std::optional<PointValues> points_;
   std::string index_name_;
-  FrdImportSummary summary_;
+  ImportSummary summary_;
 };
 
 }  // namespace
 
-FrdImportSummary ImportFrd(const FrdImportOptions& options) {
+ImportSummary ImportFrd(const ImportOptions& options) {
   try {
     return Translation(options).Run();
   } catch (const frd::Error& error) {

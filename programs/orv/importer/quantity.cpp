@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
+#include <span>
 
 namespace orvio::program {
 namespace {
@@ -53,12 +54,22 @@ constexpr std::string_view kTaken[] = {"time", "frequency", "value", "step", "in
 /// Words that end a walk through the groups of a file: no group of ours may have such a name.
 constexpr std::string_view kReserved[] = {"orvblock", "header", "data", "index", ".", "..", ""};
 
-/// A name that can stand in a path.
+constexpr std::size_t kLongestName = 240;  // of the 256 bytes of a name: some are left to tell equal ones apart
+
+}  // namespace
+
 std::string GroupName(std::string name) {
   std::ranges::replace(name, '/', '_');
   if (std::ranges::find(kReserved, name) != std::end(kReserved)) name += "_";
+  return name.substr(0, kLongestName);
+}
+
+std::string Folded(std::string name) {
+  std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return name;
 }
+
+namespace {
 
 std::vector<const frd::Component*> Stored(const frd::Result& result) {
   std::vector<const frd::Component*> stored;
@@ -87,27 +98,6 @@ Measure MeasureOf(const frd::Result& result, const frd::Component& component, Me
   return known == std::end(kKnownComponents) ? of_result : known->measure;
 }
 
-Quantity Describe(const frd::Result& result, bool is_complex) {
-  const auto* known = std::ranges::find(kKnownResults, std::string_view(result.name), &KnownResult::result);
-  const bool is_known = known != std::end(kKnownResults);
-  const auto stored = Stored(result);
-  Quantity quantity;
-  quantity.name = (is_complex ? "Complex_" : "") + GroupName(is_known ? std::string(known->name) : result.name);
-  quantity.class_word = is_known ? std::string(known->class_word) : std::string();
-  quantity.tensor_rank = IsTensorInNameOnly(result) ? 0 : TensorRank(stored);
-  for (const frd::Component* component : stored) {
-    quantity.components.push_back(component->name);
-    quantity.measures.push_back(MeasureOf(result, *component, is_known ? known->measure : Measure::kNone));
-  }
-  return quantity;
-}
-
-/// Names that differ in case only are one name to the readers of a result file.
-std::string Folded(std::string name) {
-  std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return name;
-}
-
 }  // namespace
 
 Quantity CoordinateQuantity() {
@@ -122,18 +112,106 @@ Quantity IndexQuantity(const std::string& name) {
   return quantity;
 }
 
-const Quantity& QuantityTable::Find(const frd::Result& result, bool is_complex, bool& is_new) {
-  Quantity wanted = Describe(result, is_complex);
+Quantity DescribeResult(const frd::Result& result, bool is_complex) {
+  const auto* known = std::ranges::find(kKnownResults, std::string_view(result.name), &KnownResult::result);
+  const bool is_known = known != std::end(kKnownResults);
+  const auto stored = Stored(result);
+  Quantity quantity;
+  quantity.name = (is_complex ? "Complex_" : "") + GroupName(is_known ? std::string(known->name) : result.name);
+  quantity.class_word = is_known ? std::string(known->class_word) : std::string();
+  quantity.tensor_rank = IsTensorInNameOnly(result) ? 0 : TensorRank(stored);
+  for (const frd::Component* component : stored) {
+    quantity.components.push_back(component->name);
+    quantity.measures.push_back(MeasureOf(result, *component, is_known ? known->measure : Measure::kNone));
+  }
+  return quantity;
+}
+
+namespace {
+
+/// Tables of integration points, and the results at the nodes that hold the same quantity.
+struct KnownPoints {
+  std::string_view table;
+  std::string_view result;
+};
+
+constexpr KnownPoints kKnownPoints[] = {
+    {"stresses", "STRESS"},
+    {"strains", "TOSTRAIN"},
+    {"mechanical strains", "MESTRAIN"},
+    {"equivalent plastic strain", "PE"},
+    {"internal energy density", "ENER"},
+    {"internal state variables", "SDV"},
+};
+
+std::string Upper(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return text;
+}
+
+/// Suffixes of components, in the order of the results at the nodes. Each may stand either way round.
+constexpr std::string_view kVectorSuffixes[] = {"X", "Y", "Z"};
+constexpr std::string_view kTensorSuffixes[] = {"XX", "YY", "ZZ", "XY", "YZ", "ZX"};
+
+/// Where the component of one letter and each of the suffixes stands; nothing for components of other names.
+std::vector<std::size_t> FindOrder(const std::vector<std::string>& components,
+                                   std::span<const std::string_view> suffixes) {
+  std::vector<std::size_t> order;
+  for (const std::string_view suffix : suffixes) {
+    const std::string reversed(suffix.rbegin(), suffix.rend());
+    const auto found = std::ranges::find_if(components, [&](const std::string& component) {
+      const std::string name = Upper(component);
+      return name.size() == suffix.size() + 1 && (name.ends_with(suffix) || name.ends_with(reversed));
+    });
+    if (found == components.end()) return {};
+    order.push_back(static_cast<std::size_t>(found - components.begin()));
+  }
+  return order.size() == components.size() ? order : std::vector<std::size_t>();
+}
+
+std::string Underscored(std::string text) {
+  std::ranges::replace(text, ' ', '_');
+  return text;
+}
+
+}  // namespace
+
+Quantity DescribePoints(const frd::PointResult& result, std::vector<std::size_t>& order) {
+  const auto* points = std::ranges::find(kKnownPoints, std::string_view(result.name), &KnownPoints::table);
+  const std::string name =
+      points == std::end(kKnownPoints) ? Underscored(Upper(result.name)) : std::string(points->result);
+  const auto* known = std::ranges::find(kKnownResults, std::string_view(name), &KnownResult::result);
+  const bool is_known = known != std::end(kKnownResults);
+  Quantity quantity;
+  quantity.name = GroupName(is_known ? std::string(known->name) : name);
+  quantity.class_word = is_known ? std::string(known->class_word) : std::string();
+  const auto vector = FindOrder(result.components, kVectorSuffixes);
+  const auto tensor = FindOrder(result.components, kTensorSuffixes);
+  quantity.tensor_rank = !tensor.empty() ? 2 : !vector.empty() ? 1 : 0;
+  order = !tensor.empty() ? tensor : vector;
+  if (order.empty()) {
+    for (std::size_t i = 0; i < result.components.size(); ++i) order.push_back(i);
+  }
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    std::string component = Upper(result.components[order[i]]);
+    if (!tensor.empty()) component = component.substr(0, 1) + std::string(kTensorSuffixes[i]);
+    quantity.components.push_back(component);
+    quantity.measures.push_back(is_known ? known->measure : Measure::kNone);
+  }
+  return quantity;
+}
+
+const Quantity& QuantityTable::Find(Quantity wanted, const std::string& place, bool& is_new) {
   const std::string plain = wanted.name;
   for (int variant = 1;; ++variant) {
     if (variant > 1) wanted.name = plain + "_" + std::to_string(variant);
     const std::string key = Folded(wanted.name);
-    if (used_in_state_.contains(key) || std::ranges::find(kTaken, key) != std::end(kTaken)) continue;
+    if (used_in_state_.contains({place, key}) || std::ranges::find(kTaken, key) != std::end(kTaken)) continue;
     const auto [entry, inserted] = quantities_.try_emplace(key, wanted);
     const Quantity& known = entry->second;
     const bool is_same = known.name == wanted.name && known.components == wanted.components;
     if (!is_same || known.tensor_rank != wanted.tensor_rank) continue;
-    used_in_state_.insert(key);
+    used_in_state_.insert({place, key});
     is_new = inserted;
     return known;
   }

@@ -5,8 +5,10 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "frd/dat_reader.h"
 #include "frd/model.h"
 #include "importer/unit_system.h"
 
@@ -21,26 +23,39 @@ struct Quantity {
   std::vector<Measure> measures;  ///< of the components; none beyond its end
 };
 
+/// The name as it can stand in the path of a block.
+std::string GroupName(std::string name);
+
+/// The name in lower case: names that differ in case only are one name to the readers of a result file.
+std::string Folded(std::string name);
+
 /// Node coordinates.
 Quantity CoordinateQuantity();
 
 /// A column of the state index: "TIME", "STEP". The variables of a file have other names.
 Quantity IndexQuantity(const std::string& name);
 
+/// The quantity of a result at the nodes. Complex values are variables of their own: their blocks have another shape.
+Quantity DescribeResult(const frd::Result& result, bool is_complex);
+
+/// The quantity of values at integration points, under the name that the same quantity has at the nodes. `order` tells
+/// where each of its components stands in the file: the file has the shear components of a tensor in another order.
+Quantity DescribePoints(const frd::PointResult& result, std::vector<std::size_t>& order);
+
 /// Names the quantities of a whole file. A result name whose components change gets a variable for each set of them,
-/// `SDV`, `SDV_2` and so on, because a variable has one list of components. Complex values are variables of their own:
-/// their blocks have another shape.
+/// `SDV`, `SDV_2` and so on, because a variable has one list of components.
 class QuantityTable {
  public:
-  /// Starts a state: within one, every result needs a variable of its own.
+  /// Starts a state: within one, every result of a place needs a variable of its own.
   void BeginState() { used_in_state_.clear(); }
 
-  /// The quantity of a result; `is_new` tells whether it was not answered before.
-  const Quantity& Find(const frd::Result& result, bool is_complex, bool& is_new);
+  /// The quantity under the name that it has in this file; `is_new` tells whether it was not answered before. `place`
+  /// is what the values belong to, such as "NODE".
+  const Quantity& Find(Quantity wanted, const std::string& place, bool& is_new);
 
  private:
   std::map<std::string, Quantity> quantities_;  ///< by their names in lower case
-  std::set<std::string> used_in_state_;
+  std::set<std::pair<std::string, std::string>> used_in_state_;
 };
 
 }  // namespace orvio::program

@@ -27,7 +27,7 @@ void CheckSize(const std::string& file, const ORVEleConnectivity& block) {
 
 ElementTable ReadTable(const std::string& file, ORVEleConnectivity block) {
   CheckSize(file, block);
-  ElementTable table{TextOf(block.m_etypelem), block.m_npele, block.m_ndim, {}, {}, {}};
+  ElementTable table{TextOf(block.m_etypelem), TextOf(block.m_etyppart), block.m_npele, block.m_ndim, {}, {}, {}};
   const auto count = static_cast<std::size_t>(block.m_nele);
   std::vector<std::int64_t> ids(count), parts(count), nodes(count * static_cast<std::size_t>(block.m_npele));
   block.m_idele = ids.data();

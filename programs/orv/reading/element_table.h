@@ -9,6 +9,7 @@ namespace orvio::program {
 /// Elements of one type, in the order of the file.
 struct ElementTable {
   std::string type;
+  std::string part_type;  ///< of what `parts` refers to
   long long nodes_per_element = 0;
   long long dimension = -1;
   std::vector<long long> ids;

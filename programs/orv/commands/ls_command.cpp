@@ -1,0 +1,80 @@
+// orv ls: what lies where in a file.
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+#include "commands/table.h"
+#include "reading/file_tree.h"
+
+namespace orvio::program {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Options {
+  std::string argument;
+  bool is_long = false, recursive = false, json = false;
+};
+
+std::string Cell(const std::optional<std::int64_t>& number) { return number ? fmt::format("{}", *number) : ""; }
+
+std::string NameOf(const TreeEntry& entry) {
+  return entry.kind == "link" ? fmt::format("{} -> {}", entry.path, entry.target) : entry.path;
+}
+
+void PrintLong(const std::vector<TreeEntry>& entries) {
+  Table table({"kind", "key", "count", "bytes", "name"});
+  for (const TreeEntry& entry : entries) {
+    table.Add({entry.kind, Cell(entry.key), Cell(entry.count), fmt::format("{}", entry.bytes), NameOf(entry)});
+  }
+  table.Print("");
+}
+
+Json ToJson(const TreeEntry& entry) {
+  Json json = {{"name", entry.path}, {"kind", entry.kind}};
+  if (entry.key) json["key"] = *entry.key;
+  if (entry.count) json["count"] = *entry.count;
+  if (entry.kind == "link") {
+    json["target"] = entry.target;
+  } else {
+    json["bytes"] = entry.bytes;
+  }
+  return json;
+}
+
+void PrintJson(const FilePlace& place, const std::vector<TreeEntry>& entries) {
+  Json json = {{"file", place.file}, {"place", place.place}, {"entries", Json::array()}};
+  for (const TreeEntry& entry : entries) json["entries"].push_back(ToJson(entry));
+  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+}
+
+void Run(const Options& options) {
+  const FilePlace place = SplitFilePlace(options.argument);
+  const auto entries = ListTree(place.file, place.place, {options.recursive, options.is_long || options.json});
+  if (options.json) return PrintJson(place, entries);
+  if (options.is_long) return PrintLong(entries);
+  for (const TreeEntry& entry : entries) fmt::print("{}\n", NameOf(entry));
+}
+
+}  // namespace
+
+void AddLsCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("ls", "List the sections, groups and blocks of a result file");
+  command
+      ->add_option(
+          "file", options->argument,
+          "Result file, or FILE:PATH for a place in it, such as out.orv:singlestate; below a block its datasets")
+      ->required();
+  command->add_flag("-l,--long", options->is_long, "Also kinds, counts of entities and stored bytes");
+  command->add_flag("-r,--recursive", options->recursive, "Also what lies below, down to the blocks");
+  command->add_flag("--json", options->json, "Print JSON");
+  command->callback([options] { Run(*options); });
+}
+
+}  // namespace orvio::program

@@ -1,0 +1,74 @@
+// orv parts: the parts of a model.
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+#include "commands/csv.h"
+#include "commands/table.h"
+#include "reading/part_table.h"
+
+namespace orvio::program {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Options {
+  std::string file, type;
+  int state = 0;
+  bool csv = false, json = false;
+};
+
+const std::vector<std::string> kHeading = {"type", "id", "title", "material", "material type", "elements"};
+
+std::string Cell(const std::optional<int>& number) { return number ? fmt::format("{}", *number) : ""; }
+
+std::vector<std::string> Cells(const Part& part) {
+  return {part.type,           fmt::format("{}", part.id), part.title,
+          Cell(part.material), Cell(part.material_type),   fmt::format("{}", part.elements)};
+}
+
+Json ToJson(const Part& part) {
+  Json json = {{"type", part.type}, {"id", part.id}, {"title", part.title}, {"elements", part.elements}};
+  if (part.material) json["material"] = *part.material;
+  if (part.material_type) json["material_type"] = *part.material_type;
+  return json;
+}
+
+void PrintJson(const Options& options, const std::vector<Part>& parts) {
+  Json json = {{"file", options.file}, {"state", options.state}, {"parts", Json::array()}};
+  for (const Part& part : parts) json["parts"].push_back(ToJson(part));
+  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+}
+
+void Run(const Options& options) {
+  const std::vector<Part> parts = ReadParts(options.file, options.type, options.state);
+  if (options.json) return PrintJson(options, parts);
+  if (options.csv) {
+    PrintCsvLine(kHeading);
+    for (const Part& part : parts) PrintCsvLine(Cells(part));
+    return;
+  }
+  Table table(kHeading);
+  for (const Part& part : parts) table.Add(Cells(part));
+  table.Print("");
+}
+
+}  // namespace
+
+void AddPartsCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("parts", "List the parts of a model with their titles and materials");
+  command->add_option("file", options->file, "Result file")->required();
+  command->add_option("--type", options->type, "Only parts of this type");
+  command->add_option("--state", options->state, "Parts of a state, from 1; 0 for those of the whole run (default 0)");
+  CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
+  command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
+  command->callback([options] { Run(*options); });
+}
+
+}  // namespace orvio::program

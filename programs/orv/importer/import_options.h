@@ -1,0 +1,33 @@
+// What an import is asked for, and what it tells.
+#pragma once
+
+#include <orvio/orvio.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "importer/unit_system.h"
+
+namespace orvio::program {
+
+struct ImportOptions {
+  std::filesystem::path input;
+  std::filesystem::path output;
+  std::filesystem::path points;  ///< .dat file with the integration-point values of the run; empty: none
+  _ORVVersion version = ORV_VERSION_2_2;
+  std::optional<UnitSystem> units;  ///< none: the file tells no units
+  bool partial = false;             ///< take what is there of a run that broke off
+};
+
+/// What was written.
+struct ImportSummary {
+  std::size_t nodes = 0;
+  std::size_t elements = 0;
+  int states = 0;
+  std::size_t variables = 0;
+  std::vector<std::string> notes;  ///< what a person should know: what was left out, and why
+};
+
+}  // namespace orvio::program
