@@ -36,7 +36,8 @@ std::vector<ORVVariableGrp*>& ORVFiler::GetVariableGroups() { return DataOf(m_pD
 
 ORVVariable* ORVFiler::GetVariable(const char* name) {
   if (!m_pData || !name) return nullptr;
-  return FirstThat(m_pData->variables, [name](const ORVVariable* v) { return EqualIgnoringCase(Content(v->m_varnam), name); });
+  return FirstThat(m_pData->variables,
+                   [name](const ORVVariable* v) { return EqualIgnoringCase(Content(v->m_varnam), name); });
 }
 
 ORVVariableGrp* ORVFiler::GetVariableGroup(const char* name) {

@@ -187,22 +187,22 @@ std::vector<Group> MakeGroups(const std::vector<Stem>& stems, bool is_plane) {
 
 struct KnownName {
   std::string_view word;  ///< in lower case
-  bool is_end;            ///< whether names that end with the word are meant too
-  bool is_vector;         ///< whether a single component is not meant
   std::string_view name;  ///< of the quantity; empty: its own
   std::string_view class_word;
   Measure measure;
+  bool is_end;     ///< whether names that end with the word are meant too
+  bool is_vector;  ///< whether a single component is not meant
 };
 
 constexpr KnownName kKnownNames[] = {
-    {"displ", false, true, "Translational_Displacement", "CLASS_LENGTH", Measure::kLength},
-    {"disp", false, true, "Translational_Displacement", "CLASS_LENGTH", Measure::kLength},
-    {"displacement", false, true, "Translational_Displacement", "CLASS_LENGTH", Measure::kLength},
-    {"vel", false, true, "", "", Measure::kVelocity},
-    {"velocity", false, true, "", "", Measure::kVelocity},
-    {"stress", true, false, "", "CLASS_STRESS", Measure::kStress},
-    {"sigma", false, false, "", "CLASS_STRESS", Measure::kStress},
-    {"strain", true, false, "", "CLASS_STRAIN", Measure::kNone},
+    {"displ", "Translational_Displacement", "CLASS_LENGTH", Measure::kLength, false, true},
+    {"disp", "Translational_Displacement", "CLASS_LENGTH", Measure::kLength, false, true},
+    {"displacement", "Translational_Displacement", "CLASS_LENGTH", Measure::kLength, false, true},
+    {"vel", "", "", Measure::kVelocity, false, true},
+    {"velocity", "", "", Measure::kVelocity, false, true},
+    {"stress", "", "CLASS_STRESS", Measure::kStress, true, false},
+    {"sigma", "", "CLASS_STRESS", Measure::kStress, false, false},
+    {"strain", "", "CLASS_STRAIN", Measure::kNone, true, false},
 };
 
 const KnownName* FindKnown(const std::string& name, bool is_joined) {

@@ -108,7 +108,7 @@ std::string TargetOf(hid_t group, const Link& link) {
   if (H5Lget_info2(group, link.name.c_str(), &info, H5P_DEFAULT) < 0 || info.u.val_size == 0) return {};
   std::string target(info.u.val_size, '\0');
   if (H5Lget_val(group, link.name.c_str(), target.data(), target.size(), H5P_DEFAULT) < 0) return {};
-  return target.c_str();
+  return target.substr(0, target.find('\0'));
 }
 
 class Lister {
