@@ -9,6 +9,7 @@
 
 #include "block/block_keys.h"
 #include "block/reader_lease.h"
+#include "entity/stored_types.h"
 #include "h5/dataset_reader.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
@@ -150,19 +151,6 @@ bool Sum(_ORVDataType type, const void* counts, std::int64_t size, std::int64_t&
   return block.m_nbfloat != 0 ? ReadFloatParameters(block, in) : in.status();
 }
 
-/// Stored types of the datasets that every block has.
-[[nodiscard]] int QueryTypes(ORVEleConnectivity& block, IOH5Reader& reader, hid_t data) {
-  int status = kOk;
-  const auto query = [&](const char* name, _ORVDataType& type) {
-    type = ORV_UNKNOWN_TYPE;
-    if (reader.ReadDatasetType(data, name, &type) != kOk) status = kFail;
-  };
-  query(disk::idele, block.m_ideleType);
-  query(disk::pid, block.m_pidType);
-  query(disk::ic, block.m_icType);
-  return status;
-}
-
 }  // namespace
 
 int ORVEleConnectivity::ReadData(hid_t data, int mode) {
@@ -174,7 +162,8 @@ int ORVEleConnectivity::ReadData(hid_t data, int mode) {
       status = ReadValues(*this, DatasetReader(reader, data));
       if (status != kOk) return status;
     }
-    return mode & ORV_READ_DATA_INFO ? QueryTypes(*this, *reader, data) : status;
+    if (!(mode & ORV_READ_DATA_INFO)) return status;
+    return QueryTypes(*reader, data, {{disk::idele, &m_ideleType}, {disk::pid, &m_pidType}, {disk::ic, &m_icType}});
   });
 }
 

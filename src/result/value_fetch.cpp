@@ -100,8 +100,8 @@ void ValueFetch::ReadBlocks() {
 std::uint64_t ValueFetch::Read(const FetchShare& share, ORVHyperSlab& slab, bool whole, bool with_ids,
                                std::uint64_t place) {
   ORVResult& block = *share.block;
-  // Frames have room for the entities that the host knew of.
-  const Swapped<void*> frames(block.m_fid, share.HasGrown() ? nullptr : block.m_fid);
+  // The host made its array of frames for a count that the block may have lost by an earlier fetch already.
+  const Swapped<void*> frames(block.m_fid, nullptr);
   block.m_res = PlaceOf(place);
   if (request_.want_ids) block.m_entid = ids_ + ids_read_;
   block.m_readIds = with_ids ? 1 : 0;

@@ -80,7 +80,7 @@ bool IsWhole(const ORVResult& block, const ResultKind& kind, const ORVHyperSlab&
 
 FetchPlan::FetchPlan(const FetchRequest& request, const std::vector<ORVResult*>& blocks) : request_(request) {
   for (ORVResult* block : blocks) {
-    if (block) shares_.push_back({block, block->m_nent});
+    if (block) shares_.push_back({block});
   }
 }
 

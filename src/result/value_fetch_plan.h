@@ -24,7 +24,6 @@ struct FetchRequest {
 /// A block and what is read of it.
 struct FetchShare {
   ORVResult* block;
-  std::int64_t listed = 0;   ///< entities of the block before it was looked up in the asked state
   std::uint64_t values = 0;  ///< values of its selections; 0 for a block that is passed over
   ORVHyperSlab slab = {};    ///< what is read at once: the bounds of its selections
   bool whole = false;        ///< the slab is all that the block holds
@@ -32,8 +31,6 @@ struct FetchShare {
 
   /// Tried before the slab, where it is all of a block whose values may be stored without the axis of layers.
   std::optional<ORVHyperSlab> without_layers = {};
-
-  bool HasGrown() const { return block->m_nent > listed; }
 };
 
 /// Selections of one block for a handle, one per stored component.

@@ -323,32 +323,22 @@ void AddFrames(BlockFile& file) {
   file.file().at(file.Part(kState1, 1000, "Node", "SPEED", "data")).dataset<int>("fid", {3}, {7, 8, 9});
 }
 
-TEST_P(ValueFetch, OfAVariableByNameReadsTheFramesOfItsEntitiesIntoAnArrayOfTheHost) {
-  file_.Add(kState1, Nodes(3));
-  AddFrames(file_);
-  for (const int listed : {3, 4}) {
-    ORVResult nodes = Listed("Node", listed);
-    Ints frames(4, -1);
-    nodes.m_fid = frames.data();
-    nodes.m_fswitch = 1;
-    EXPECT_EQ(Fetch({&nodes}, {.variable = "SPEED"}), 0);
-    EXPECT_EQ(frames, (Ints{7, 8, 9, -1}));
-    EXPECT_EQ(nodes.m_fid, frames.data());
-    values_.DeleteAllocation(true);
-  }
-}
-
-TEST_P(ValueFetch, LeavesFramesAloneWhereTheStateHasMoreEntitiesThanTheHostKnewOf) {
+/// A block keeps the count of the state that was fetched last: a second fetch does not know for how many the host made
+/// its array.
+TEST_P(ValueFetch, LeavesFramesOfTheHostAlone) {
   file_.Add(kState1, Nodes(3));
   AddFrames(file_);
   ORVResult nodes = Listed();
   int frame = -1;  // for the one node of another state
   nodes.m_fid = &frame;
   nodes.m_fswitch = 1;
-  EXPECT_EQ(Fetch({&nodes}, {.variable = "SPEED"}), 0);
-  EXPECT_EQ(values_.m_valueCount, 9);
-  EXPECT_EQ(frame, -1);
-  EXPECT_EQ(nodes.m_fid, &frame);
+  for (int fetch = 0; fetch < 2; ++fetch) {
+    EXPECT_EQ(Fetch({&nodes}, {.variable = "SPEED"}), 0);
+    EXPECT_EQ(values_.m_valueCount, 9);
+    EXPECT_EQ(frame, -1);
+    EXPECT_EQ(nodes.m_fid, &frame);
+    values_.DeleteAllocation(true);
+  }
 }
 
 }  // namespace
