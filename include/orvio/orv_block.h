@@ -5,6 +5,7 @@
 #include <H5Lpublic.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -138,6 +139,26 @@ class ORVIO_EXPORT ORVBlock {
   int OH5Read_ATTRIBUTE(hid_t loc, const char* name, int rank, hsize_t* dims, _ORVDataType type, void* buffer);
   int OH5Read_DATATYPE(hid_t loc, const char* name, _ORVDataType* type);
 
+  // ---- Cached datasets, by name. The buffers belong to a buffer manager. Copies of a block share its map.
+
+  /// Reads datasets of this block whole into buffers of the manager; those that are cached already and those that cannot
+  /// be read are passed over. With `toFloat` doubles are kept as floats. The answer is that of the last one tried.
+  int ReadAndCacheDataset(IORVBufferManager& manager, const char* file, int state, std::vector<std::string>& names,
+                          bool toFloat);
+  /// The same for the datasets of a group. Needs a reader.
+  int ReadAndCacheDataset(IORVBufferManager& manager, hid_t group, std::vector<std::string>& names, bool toFloat);
+  void AppendCachedData(const std::string& name, ORVBuffer* buffer);  ///< replaces; null is ignored
+  ORVBuffer* GetCachedDataset(const std::string& name);               ///< null when there is none
+  bool IsDatasetCached(const std::string& name);
+  void DeleteCache();  ///< forgets all cached datasets, for the copies that share them too
+  /// Copies a cached dataset whole (`start` and `count` null, equal types), or a selection of one of floats. 1 with
+  /// `out` left alone when it cannot.
+  int OH5Copy_FromCache(const std::string& name, _ORVDataType cachedType, int rank, std::uint64_t* dims,
+                        _ORVDataType wantedType, std::uint64_t* start, std::uint64_t* count, void* out);
+  /// Copies a selection of an array of floats with these extents.
+  int OH5Copy_SELECTIVE(_ORVDataType cachedType, int rank, std::uint64_t* dims, void* source, _ORVDataType wantedType,
+                        std::uint64_t* start, std::uint64_t* count, void* out);
+
   IOH5Reader* m_pH5Reader;  ///< set during a read only, owned by the reader pool
   int m_nReserved;          ///< stored and copied
   std::int64_t m_BlkKey;    ///< block key; the derived class's constructor sets it
@@ -150,8 +171,8 @@ class ORVIO_EXPORT ORVBlock {
   void* m_pUserData;    ///< copied with the block
   _ORVDataType m_indexIdentType;
   _ORVDataType m_indexValueType;
-  std::map<std::string, ORVBuffer*>* m_pCacheMap;
-  std::string m_BlkPath;  ///< absolute group path of the block in its file
+  std::shared_ptr<std::map<std::string, ORVBuffer*>> m_pCacheMap;  ///< null without cached datasets
+  std::string m_BlkPath;                                           ///< absolute group path of the block in its file
 
  private:
   friend class ORVBlockPathResolver;

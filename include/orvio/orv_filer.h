@@ -14,6 +14,7 @@
 #include "orvio/orv_result_values.h"
 #include "orvio/orv_system.h"
 #include "orvio/orv_types.h"
+#include "orvio/orv_unit.h"
 #include "orvio/orv_variable_grp.h"
 
 struct ORVContainer;
@@ -123,6 +124,10 @@ class ORVIO_EXPORT ORVFiler {
 
   /// Appends nothing: assigns the base units and derived units of the file to the vectors.
   void GetUnitList(std::vector<ORVUnit*>& base, std::vector<ORVUnit*>& derived);
+  /// Appends the units of a component, by the internal id of its handle; a computed one has those of component 0. `out`
+  /// is marked as dimensionless where the file says so. The units are those of GetUnitList. The flag plays no part.
+  void GetComponentUnit(int iid, ORVVariableUnit& out, bool flag);
+  void GetComponentUnit(ORVVariable* variable, int component, ORVVariableUnit& out);  ///< the same for a component
 
   // ---- Results. `type` is a block key, -1 for any. `flags` chooses the list: 1 single-state and constant results,
   // else 2 multi-state ones. An empty vector of types passes all; where names and types are all empty, nothing is found.
@@ -191,8 +196,48 @@ class ORVIO_EXPORT ORVFiler {
                 const char* variable);
   int GetValues(ORVResultValuesBase<double, int>& values, std::vector<ORVResult*>& blocks, int extId, int resultType,
                 const char* variable);
+  /// All states of a variable from the multi-state blocks of an entity type, block behind block. A zone of -1 means that
+  /// of the first block. `shape` is that of `values`, slowest axis first (states, entities, layers, components), with
+  /// the sum of the blocks as entities; the index tables are `stateCount` x the number of index columns. All outputs are
+  /// emptied first; 1 with nothing delivered, but `shape` where the index alone could not be read. After the file has
+  /// grown there is nothing until InitForReload.
+  int GetMultistateResultValues(const std::string& typeName, const std::string& variable, std::vector<int>& ids,
+                                std::vector<std::uint64_t>& shape, std::vector<float>& values,
+                                std::uint64_t& stateCount, std::vector<int>& indexIds, std::vector<float>& indexValues,
+                                int zoneId);
+  /// The index table of one block: the answer is its number of columns, 0 with nothing delivered. The arrays hold
+  /// `stateCount` x columns entries, come from the C allocator and are the caller's.
+  int ReadMultistateIndexValues(ORVResult* block, int& stateCount, int*& indexIds, float*& indexValues);
   /// Reads blocks whole, each at its own path, with their index rows. `path` must be null.
   int ReadValuesByBlockPath(std::vector<ORVResult*>& blocks, ORVFetchValuesWithIndex& values, const char* path);
+
+  // ---- Datasets in memory. Reads of a block that can be served from there do not touch the file.
+
+  /// Holds datasets of a block in memory until ClearCacheData; see ORVResult::CacheData.
+  int CacheData(ORVResult* result, int state, std::vector<std::string>* names, bool toFloat);
+  /// Frees all that is held, whatever the flags: 1 asks for the blocks of the single-state list, 2 for the multi-state
+  /// one, 3 for both.
+  void ClearCacheData(int flags);
+
+  // ---- Properties: records of texts, integers and floats. Arrays come from the C allocator, integers of 4 bytes.
+
+  /// Reads the header (1), the data of a block whose header was read (2) or both (3). 1 for a block without entities.
+  int ReadProperty(ORVProperties* block, int sections, int state);
+  void ClearProperty(ORVProperties* block);  ///< frees the arrays of a block, not the block
+  /// All properties blocks of the constant section and the first state. An empty list is read anew with `load`.
+  std::vector<ORVProperties*>& GetPropertiesBlocks(bool load);
+  void GetPropertiesBlocks(std::vector<ORVResult*>& out);  ///< appends all
+  /// Appends those of an entity type and a name, without regard to case; nothing for null.
+  void GetPropertiesBlocks(const char* typeName, const char* propertyName, std::vector<ORVProperties*>& out);
+  /// As GetResultBlksByName.
+  void GetPropertiesBlocksByName(std::vector<const char*>& typeNames, std::vector<const char*>& names,
+                                 std::vector<ORVResult*>& out, int type);
+  /// The record of the first block of that type and name at a state. The arrays are the caller's; null where the count
+  /// is 0. 1 without such a block.
+  int GetPropertyValues(int state, const char* typeName, const char* propertyName, int& nIds, int** ids, int& nInts,
+                        int** ints, int& nFloats, float** floats);
+  bool HasSecureNodeProperty();            ///< whether there is any properties block
+  bool HasSecureNodeCoordinateProperty();  ///< whether one is of the type "SECURED_NODE" and the name "COORDINATE"
 
   // ---- State index. The tables belong to the filer and are read at first demand, or again with `force`; without
   // states they are empty.

@@ -100,6 +100,17 @@ class ORVIO_EXPORT ORVResult : public ORVBlock {
   hid_t OpenBlockGroup(int state) override;
 
  public:
+  using ORVBlock::CacheData;
+  /// Holds datasets of this block in memory (null or no names: "res" and "indexval"), doubles as floats with `toFloat`.
+  int CacheData(IORVBufferManager& manager, const char* file, int state, bool toFloat, std::vector<std::string>* names);
+  /// As ReadBlock, but what a buffer of the block is set for comes from memory when all of it is cached.
+  int ReadBlockThroughCache(const char* file, int state, int flags);
+  /// Fills the member of an item (ids, values or index) from memory: whole with `start` and `count` null, else that part
+  /// of a dataset of floats. 1 when it is not cached, or not for that state.
+  int FillFromCacheData(int state, _ORVBlockAtt att, int rank, std::uint64_t* start, std::uint64_t* count);
+  /// Fills several; 0 if all could be. `stopOnFirst` ends at the first that could not.
+  int FillFromCacheData(int state, std::vector<_ORVBlockAtt>& atts, bool stopOnFirst);
+
   /// Reads one item of the block into the member of its name.
   virtual int ReadAttribute(const char* file, int state, int sections, _ORVBlockAtt att);
   /// Reads a hyperslab of one dataset.

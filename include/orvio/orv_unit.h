@@ -128,6 +128,9 @@ class ORVIO_EXPORT ORVVariableUnit {  // NOLINT(cppcoreguidelines-virtual-class-
   void GetDebugInf(std::string& report, bool details);
 
  protected:
+  /// The text to show, such as "kg m/s^2"; empty without units. Whether there is one.
+  bool ConstructUnitString(std::string& out);
+
   std::vector<ORVUnit*> m_baseUnits;
   std::vector<float> m_baseExp;
   std::vector<ORVDUnit*> m_deriveUnits;

@@ -5,6 +5,7 @@
 #include "orvio/oh5_io.h"
 #include "orvio/oh5_reader.h"
 #include "orvio/orv_block.h"
+#include "orvio/orv_buffer.h"
 #include "orvio/orv_collector.h"
 #include "orvio/orv_definitions.h"
 #include "orvio/orv_ele_activation.h"

@@ -42,6 +42,7 @@ int Run(int argc, char** argv) {
   orvio::program::AddPartsCommand(app);
   orvio::program::AddStatesCommand(app);
   orvio::program::AddValuesCommand(app);
+  orvio::program::AddHistoryCommand(app);
   orvio::program::AddElementsCommand(app);
   try {
     app.parse(argc, argv);

@@ -18,7 +18,7 @@
 
 using namespace orvio;
 
-ORVBlock::ORVBlock() : m_pCacheMap(nullptr) { Initialize(); }
+ORVBlock::ORVBlock() { Initialize(); }
 
 /// Everything is copied but the reader, which belongs to the read that is running.
 ORVBlock::ORVBlock(const ORVBlock& other)
@@ -111,8 +111,6 @@ int ORVBlock::WriteData(hid_t) { return kFail; }
 int ORVBlock::WriteIndex(hid_t) { return kFail; }
 
 int ORVBlock::CacheData(IORVBufferManager&, const char*, int) { return kFail; }
-
-void ORVBlock::ClearCacheMap() { delete std::exchange(m_pCacheMap, nullptr); }
 
 int ORVBlock::AppendBlockSchema(std::string&) { return kFail; }
 

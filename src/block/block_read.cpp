@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "block/block_parts.h"
 #include "block/reader_lease.h"
 #include "block/walk.h"
 #include "h5/disk_names.h"
@@ -126,12 +127,9 @@ int FindDatasetInfo(IOH5Reader& reader, hid_t group, const std::string& name, _O
   int rank = 0;
   hsize_t dims[H5S_MAX_RANK];
   hsize_t total = 0;
-  if (reader.GetDatasetInfo(group, name, rank, dims, total, type, filters) == kOk) return kOk;
-  for (const char* word : {disk::orvblock, disk::data, disk::index}) {
-    const h5::Group part = h5::LinkExists(group, word) ? h5::OpenGroup(group, word) : h5::Group();
-    if (part && reader.GetDatasetInfo(part.get(), name, rank, dims, total, type, filters) == kOk) return kOk;
-  }
-  return kFail;
+  const bool found = AnyPart(
+      group, [&](hid_t part) { return reader.GetDatasetInfo(part, name, rank, dims, total, type, filters) == kOk; });
+  return found ? kOk : kFail;
 }
 
 }  // namespace

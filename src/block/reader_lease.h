@@ -14,6 +14,7 @@ struct ORVBlockAccess {
   static IOH5Reader* ExchangeReader(ORVBlock& block, IOH5Reader* reader) {
     return std::exchange(block.m_pH5Reader, reader);
   }
+  static auto CacheMap(const ORVBlock& block) { return block.m_pCacheMap; }
 
   static hid_t OpenBySchemaPath(ORVBlock& block, hid_t file, hid_t group) {
     return block.GetBlkGrpUsingSchemaPath(file, group);

@@ -27,7 +27,7 @@ h5::Group OpenData(hid_t block) {
   return h5::OpenGroup(block, h5::LinkExists(block, disk::orvblock) ? disk::orvblock : disk::data);
 }
 
-StoredElementsOf StoredInState(ORVBlock& block, const char* file, int state) {
+h5::StoredElementsOf StoredInState(ORVBlock& block, const char* file, int state) {
   return [&block, file, state](const char* name, std::uint64_t bytes_each) -> std::uint64_t {
     const ReaderLease reader(block, file);
     if (!reader) return 0;
@@ -74,7 +74,7 @@ class EntityScan : public Block {
       Keep();
       return ORV_ACTION_CONTINUE;
     }
-    const StoredElementsOf stored = [this](const char* name, std::uint64_t bytes_each) {
+    const h5::StoredElementsOf stored = [this](const char* name, std::uint64_t bytes_each) {
       const h5::Group data = OpenOwnData();
       return data ? h5::StoredElements(data.get(), name, bytes_each) : 0;
     };

@@ -3,22 +3,19 @@
 // The blocks that list entities, as a filer reads them: header first, then arrays of the C allocator for its counts, then
 // data. Serves ORVEntAttribute, ORVIdentifiers and ORVCollector; the templates are instantiated for these.
 
-#include <functional>
 #include <vector>
 
+#include "h5/array_maker.h"
 #include "orvio/orv_collector.h"
 #include "orvio/orv_ent_attribute.h"
 
 namespace orvio {
 
-/// Elements of a dataset that are really in the file, where one takes so many bytes at least.
-using StoredElementsOf = std::function<std::uint64_t(const char* dataset, std::uint64_t bytes_each)>;
-
 /// Makes the arrays of a block for the counts of its header, zeroed; integers have 4 bytes, and the types say so. An
 /// attribute block gets new ones in place of what it points to, a collector block has its own resized. False when one
 /// cannot be had, or nothing in the file stands behind its size: the block then has none.
-[[nodiscard]] bool AllocateBuffers(ORVEntAttribute& block, const StoredElementsOf& stored);
-[[nodiscard]] bool AllocateBuffers(ORVCollector& block, const StoredElementsOf& stored);
+[[nodiscard]] bool AllocateBuffers(ORVEntAttribute& block, const h5::StoredElementsOf& stored);
+[[nodiscard]] bool AllocateBuffers(ORVCollector& block, const h5::StoredElementsOf& stored);
 
 /// Frees the arrays of a block and leaves it with none.
 void FreeBuffers(ORVEntAttribute& block);

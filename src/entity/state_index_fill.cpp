@@ -3,6 +3,7 @@
 
 #include "entity/state_index_fill.h"
 
+#include <climits>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -111,13 +112,6 @@ void ReadFromStates(std::unique_ptr<ORVIndexBase<int, V>>& holder, bool& stale, 
   if (!skip) FillFromStates(*holder, path);
 }
 
-/// The size of the table of a multi-state block whose header was read.
-std::optional<std::size_t> SizeOfMultiState(ORVIndexBase<int, float>& index, const std::string& path) {
-  const ReaderLease reader(index, path.c_str());
-  if (!reader) return {};
-  return SizeOf(index, *reader, path, index.GetNumState(), index.GetNumState());
-}
-
 template <class V>
 void Drop(std::unique_ptr<ORVIndexBase<int, V>>& holder) {
   if (holder) holder->ClearAll();
@@ -138,12 +132,36 @@ void ReadMultiStateIndex(ORVContainer& data, bool force) {
   if (!NeedsFilling(data.m_pMultiStateIndex, ORV_RESULT_MULTI_ENTITY, data.stale_indexes.multi_state, force)) return;
   ORVIndexBase<int, float>& index = *data.m_pMultiStateIndex;
   Empty(index);
+  // Held from the counts to the rows: a writer that came between them would leave none.
+  const ReaderLease reader(index, data.path.c_str());
+  if (!reader) return;
   int count = 0;
   (void)index.ReadMultiStateIndex(data.path.c_str(), ORV_READ_HEADER, count);  // the counts tell
-  if (Allocate(index, SizeOfMultiState(index, data.path))) {
+  if (Allocate(index, SizeOf(index, *reader, data.path, index.GetNumState(), index.GetNumState()))) {
     (void)index.ReadMultiStateIndex(data.path.c_str(), ORV_READ_DATA, count);  // likewise
   }
   Settle(index, count);
+}
+
+BlockIndexTable ReadBlockIndexTable(const std::string& path, ORVBlock& block) {
+  ORVIndexBase<int, float> index;
+  index.SetBlkPath(block.GetBlkPath());
+  const ReaderLease reader(index, path.c_str());  // held over both passes
+  int rows = 0;
+  if (!reader || index.ReadBlockIndexValues(path.c_str(), &block, ORV_READ_HEADER, rows) != kOk) return {};
+  if (index.GetNumIndex() > INT_MAX || index.GetNumState() > INT_MAX) return {};
+  const std::int64_t rows_of_block = block.IsMultiStatePath() ? index.GetNumState() : 1;
+  const auto size = SizeOf(index, *reader, path, index.GetNumState(), rows_of_block);
+  if (!size) return {};
+  BlockIndexTable table;
+  table.ids = ZeroedArray<int>(*size);
+  table.values = ZeroedArray<float>(*size);
+  if (!table.ids || !table.values) return {};
+  ORVIndexAccess::PointAtRow(index, table.values.get(), table.ids.get(), 0);
+  if (index.ReadBlockIndexValues(path.c_str(), &block, ORV_READ_DATA, rows) != kOk) return {};
+  table.columns = static_cast<int>(index.GetNumIndex());
+  table.states = static_cast<int>(index.GetNumState());
+  return table;
 }
 
 void ClearStateIndexes(ORVContainer& data) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "orvio/orv_buffer.h"
 #include "orvio/orv_definitions.h"
 #include "orvio/orv_ext_var.h"
 #include "orvio/orv_index.h"
@@ -47,8 +48,13 @@ struct ORVContainer {
     bool state = false, state_dp = false, multi_state = false;
   } stale_indexes;
 
-  std::vector<ORVUnit*> base_units;     ///< owned
-  std::vector<ORVUnit*> derived_units;  ///< owned, each an ORVDUnit
+  std::vector<ORVUnit*> base_units;       ///< owned
+  std::vector<ORVUnit*> derived_units;    ///< owned, each an ORVDUnit
+  std::vector<ORVUnit*> component_units;  ///< owned; of handles, by their internal id
+
+  using CacheMap = std::map<std::string, ORVBuffer*>;
+  std::unique_ptr<ORVBufferManager> buffers;        ///< none until something is cached
+  std::vector<std::weak_ptr<CacheMap>> cache_maps;  ///< of the blocks that hold buffers, listed ones or not
 
   std::vector<ORVGenericEntityNameMap*> m_genericTypes;  ///< owned, with their names
   std::vector<std::string> m_frameEntityNames;

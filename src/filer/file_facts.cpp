@@ -7,6 +7,7 @@
 #include "entity/generic_types.h"
 #include "entity/index_types.h"
 #include "entity/state_index_fill.h"
+#include "filer/cached_data.h"
 #include "filer/container.h"
 #include "filer/process_state.h"
 #include "h5/handle.h"
@@ -63,6 +64,7 @@ void DeleteWithBuffers(std::unique_ptr<T>& block) {
 }  // namespace
 
 void ClearContainer(ORVContainer& container) {
+  DropCachedData(container);
   DeleteWithBuffers(container.system);
   DeleteWithBuffers(container.index_types);
   ClearStateIndexes(container);
@@ -75,6 +77,7 @@ void ClearContainer(ORVContainer& container) {
   container.has_secured_node = false;
   ClearUnitTable(container.base_units);
   ClearUnitTable(container.derived_units);
+  ClearUnitTable(container.component_units);
   ClearGenericTypes(container);
   container.m_frameEntityNames.clear();
   container.filter_memo.clear();

@@ -15,6 +15,7 @@
 #include "orvio/orv_filer.h"
 #include "result/properties_discovery.h"
 #include "result/result_discovery.h"
+#include "unit/component_units.h"
 #include "unit/system_read.h"
 #include "unit/unit_tables.h"
 #include "variable/association.h"
@@ -58,6 +59,7 @@ int ORVFiler::ReadResults(int& nextId) {
   (void)AssociateVariables(m_pData->multi_results, nextId, kServesMultiState);
   if (CheckConfig(ORV_CONFIG_ASSIGN_UNITS) != 0 && m_pData->system) {
     FillUnitTables(*m_pData->system, m_pData->base_units, m_pData->derived_units);
+    AssignComponentUnits(*m_pData, 0);
   }
   InitProperityBlockReading(nextId, false);
   return kOk;

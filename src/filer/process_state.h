@@ -14,6 +14,7 @@ class ORVBlock;
 struct ORVContainer;
 struct ORVEntityTypeMap;
 class OH5ReaderPool;
+class ORVHostAllocate;
 
 namespace orvio {
 
@@ -34,7 +35,8 @@ struct ProcessState {
   Compression compression;         ///< see OH5SetCompression
   int g_nResultOverwriteMode = 0;  ///< not 0: an existing result block may be written into
 
-  OH5ReaderPool* reader_pool = nullptr;  ///< made at the first request, never destroyed
+  OH5ReaderPool* reader_pool = nullptr;      ///< made at the first request, never destroyed
+  ORVHostAllocate* buffer_memory = nullptr;  ///< of all cached datasets; made at the first, never destroyed
 
   ORVBlock* g_pCurrentBlock = nullptr;  ///< block of the running group walk
   char g_szCurrentName[257] = {};       ///< name of the deepest group passed on the way to it

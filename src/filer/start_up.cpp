@@ -20,7 +20,6 @@ namespace orvio {
 namespace {
 
 constexpr int kConstant = 0, kMultiState = -1, kFirstState = 1;  // state arguments
-constexpr char kSecuredNode[] = "SECURED_NODE";
 
 struct IgnoringCase {
   using is_transparent = void;

@@ -26,6 +26,9 @@ void ResolveGroupKeys(ORVContainer& data);
 /// Reads the headers of the results of a file into the lists of the container. 1 when memory runs out.
 [[nodiscard]] int DiscoverAllResults(ORVContainer& data, const StartUpScope& scope);
 
+/// Entity type of the properties of nodes that are secured.
+inline constexpr char kSecuredNode[] = "SECURED_NODE";
+
 /// Whether a properties block of the list says that the nodes are secured.
 bool HasSecuredNode(const std::vector<ORVProperties*>& properties);
 

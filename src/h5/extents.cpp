@@ -39,6 +39,33 @@ std::uint64_t StoredElements(hid_t loc, const char* name, std::uint64_t bytes_ea
   return std::min<std::uint64_t>(extents->points, H5Dget_storage_size(dataset.get()) / bytes_each);
 }
 
+namespace {
+
+/// Elements of the chunks that a dataset has; nothing for one that is stored in another layout.
+std::optional<std::uint64_t> ElementsInChunks(hid_t dataset, int rank) {
+  const PropertyList list(H5Dget_create_plist(dataset));
+  if (!list || H5Pget_layout(list.get()) != H5D_CHUNKED) return std::nullopt;
+  hsize_t chunk[H5S_MAX_RANK] = {};
+  hsize_t chunks = 0;
+  if (H5Pget_chunk(list.get(), H5S_MAX_RANK, chunk) != rank) return 0;
+  if (H5Dget_num_chunks(dataset, H5S_ALL, &chunks) < 0) return 0;
+  std::uint64_t elements = 0;
+  const auto each = Product(rank, chunk);
+  return each && !__builtin_mul_overflow(*each, chunks, &elements) ? elements : UINT64_MAX;
+}
+
+}  // namespace
+
+std::uint64_t AllocatedElements(hid_t loc, const char* name) {
+  const Dataset dataset = LinkExists(loc, name) ? OpenDataset(loc, name) : Dataset();
+  const auto extents = dataset ? ExtentsOfDataset(dataset.get()) : std::nullopt;
+  if (!extents) return 0;
+  if (const auto elements = ElementsInChunks(dataset.get(), extents->rank)) return std::min(extents->points, *elements);
+  const Type type(H5Dget_type(dataset.get()));
+  const std::uint64_t size = type ? H5Tget_size(type.get()) : 0;
+  return size > 0 ? std::min<std::uint64_t>(extents->points, H5Dget_storage_size(dataset.get()) / size) : 0;
+}
+
 bool HasZero(int rank, const hsize_t* dims) {
   return rank > 0 && std::any_of(dims, dims + rank, [](hsize_t dim) { return dim == 0; });
 }

@@ -33,4 +33,7 @@ inline constexpr std::uint64_t kUnbackedBytes = std::uint64_t{64} << 20;
 /// that is missing.
 std::uint64_t StoredElements(hid_t loc, const char* name, std::uint64_t bytes_each = 1);
 
+/// The same for a dataset that may be compressed: what its chunks hold counts, however few bytes they take.
+std::uint64_t AllocatedElements(hid_t loc, const char* name);
+
 }  // namespace orvio::h5

@@ -8,6 +8,7 @@
 #include "h5/extents.h"
 #include "h5/file_access.h"
 #include "h5/status.h"
+#include "result/result_cache.h"
 #include "result/result_complex.h"
 #include "result/result_datasets.h"
 #include "result/result_items.h"
@@ -114,8 +115,10 @@ int ORVResult::ReadSelectiveAttribute(const char* file, int state, int sections,
 
 int ORVResult::ReadSelectiveAttribute(const char* file, int state, int /*sections*/, _ORVBlockAtt att, int rank,
                                       std::uint64_t* start, std::uint64_t* count, std::uint64_t* stride,
-                                      std::uint64_t* block, bool /*viaCache*/) {
+                                      std::uint64_t* block, bool viaCache) {
   return h5::Entry(kFail, [&] {
+    if (!file) return kFail;
+    if (!stride && !block && ReadFromCache(*this, state, att, rank, start, count, viaCache)) return kOk;
     const ReaderLease reader(*this, file);
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "block/reader_lease.h"
+#include "h5/extents.h"
 #include "h5/file_access.h"
 #include "h5/status.h"
 #include "result/result_access.h"
@@ -33,6 +34,13 @@ std::uint64_t StoredPoints(ORVResult& block, const char* file, int state, Result
   if (!reader) return 0;
   const h5::Group group(ORVResultAccess::OpenGroup(block, state));
   return group ? PointsIn(*reader, group.get(), part, name) : 0;
+}
+
+std::uint64_t AllocatedPoints(ORVResult& block, const char* file, int state, ResultPart part, const char* name) {
+  const ReaderLease reader(block, file);
+  if (!reader) return 0;
+  const h5::Group group(ORVResultAccess::OpenGroup(block, state));
+  return group ? h5::AllocatedElements(ResultParts(group.get()).of(part), name) : 0;
 }
 
 std::uint64_t StoredPointsAtPath(ORVResult& block, const char* file, ResultPart part, const char* name) {

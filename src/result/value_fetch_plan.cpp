@@ -11,7 +11,6 @@
 #include "orvio/orv_variable_grp.h"
 #include "result/result_complex.h"
 #include "result/result_definition.h"
-#include "result/result_kinds.h"
 #include "result/stored_values.h"
 
 namespace orvio {
@@ -64,7 +63,8 @@ bool HasOneVariable(const ORVResult& block) {
   return block.m_variableGrp && block.m_variableGrp->GetNumberOfVariables() == 1;
 }
 
-/// Whether a slab is all that a block holds. Elements without layers have one.
+}  // namespace
+
 bool IsWhole(const ORVResult& block, const ResultKind& kind, const ORVHyperSlab& slab) {
   if (kind.IsProperties() || !HasOneVariable(block)) return false;
   if (IsConverted(block, slab.m_rank, slab.m_start, slab.m_count)) return false;  // only selections are
@@ -75,8 +75,6 @@ bool IsWhole(const ORVResult& block, const ResultKind& kind, const ORVHyperSlab&
   }
   return true;
 }
-
-}  // namespace
 
 FetchPlan::FetchPlan(const FetchRequest& request, const std::vector<ORVResult*>& blocks) : request_(request) {
   for (ORVResult* block : blocks) {

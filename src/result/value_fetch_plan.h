@@ -1,11 +1,13 @@
 #pragma once
 
-// The first half of a value fetch: what is read of which block, and how much that is. The file is asked for counts only.
+// The first half of a value fetch: what is read of which block, and how much that is. The file is asked for counts
+// only.
 
 #include <optional>
 #include <vector>
 
 #include "result/hyper_slab.h"
+#include "result/result_kinds.h"
 #include "result/value_fetch.h"
 
 namespace orvio {
@@ -53,6 +55,10 @@ std::uint64_t SlabValues(ORVHyperSlab& slab);
 /// The slab of all values of a block; elements without layers are taken for stored without that axis. Nothing for a key
 /// that is none of results, and for a negative count of a damaged header.
 std::optional<ORVHyperSlab> WholeSlab(const ORVResult& block);
+
+/// Whether a slab is all that a block of one variable holds, so that the block may be read whole. Elements without
+/// layers have one.
+bool IsWhole(const ORVResult& block, const ResultKind& kind, const ORVHyperSlab& slab);
 
 class FetchPlan {
  public:

@@ -6,13 +6,14 @@
 #include "unit/unit_model_resolve.h"
 
 namespace orvio {
-namespace {
 
 std::string Number(double value) {
   char text[32];
   (void)std::snprintf(text, sizeof text, "%g", value);  // %g never needs more
   return text;
 }
+
+namespace {
 
 std::string NameOf(const ORVUnit* unit) { return unit ? unit->GetUnitCStr() : ""; }
 

@@ -15,6 +15,9 @@ std::size_t PairsOf(const std::vector<Unit*>& units, const std::vector<float>& e
   return units.size() < exponents.size() ? units.size() : exponents.size();
 }
 
+/// A number as it stands in texts for people: up to six digits.
+std::string Number(double value);
+
 /// The last line of a report: both factors of a unit that is shown as `text`.
 void AppendConversion(std::string& report, const std::string& text, bool exact, double scale);
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <string>
 
@@ -70,13 +69,6 @@ void AddDerivedUnits(const ORVSystem& system, std::vector<ORVUnit*>& derived) {
   }
 }
 
-/// The first unit of each id counts.
-std::map<int, ORVUnit*> ById(const std::vector<ORVUnit*>& units) {
-  std::map<int, ORVUnit*> by_id;
-  for (ORVUnit* unit : units) by_id.try_emplace(unit->GetUnitId(), unit);
-  return by_id;
-}
-
 /// Ids that no base unit has are left out.
 void AddProducts(const ORVSystem& system, const std::vector<ORVUnit*>& base, const std::vector<ORVUnit*>& derived) {
   if (!system.m_pNdbunit || !system.m_pUdbid || !system.m_pUdbexp) return;
@@ -99,6 +91,12 @@ void FillUnitTables(const ORVSystem& system, std::vector<ORVUnit*>& base, std::v
   AddBaseUnits(system, base);
   AddDerivedUnits(system, derived);
   AddProducts(system, base, derived);
+}
+
+UnitsById ById(const std::vector<ORVUnit*>& units) {
+  UnitsById by_id;
+  for (ORVUnit* unit : units) by_id.try_emplace(unit->GetUnitId(), unit);
+  return by_id;
 }
 
 void ClearUnitTable(std::vector<ORVUnit*>& units) {

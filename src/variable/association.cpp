@@ -18,6 +18,7 @@
 #include "h5/status.h"
 #include "h5/text_field.h"
 #include "orvio/orv_filer.h"
+#include "unit/component_units.h"
 #include "variable/computed_measures.h"
 #include "variable/ext_var_search.h"
 #include "variable/variable_buffers.h"
@@ -268,10 +269,14 @@ using namespace orvio;
 int ORVFiler::AssociateVariables(std::vector<ORVResult*>& results, int& nextIID, int applicable) {
   if (!m_pData || results.empty()) return kOk;
   h5::EntryVoid([&] {
+    const std::size_t before = m_pData->ext_vars.size();
     Association association(*this, *m_pData, nextIID);
     for (ORVResult* result : results) {
       if (result) association.Associate(*result, applicable);
     }
+    // The start-up fills the tables of units behind its results; handles that are made later get their units here.
+    const bool has_units = !m_pData->base_units.empty() || !m_pData->derived_units.empty();
+    if (has_units && CheckConfig(ORV_CONFIG_ASSIGN_UNITS) != 0) AssignComponentUnits(*m_pData, before);
   });
   return kOk;
 }

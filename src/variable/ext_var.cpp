@@ -53,15 +53,22 @@ ORVExtVar* AddHandle(std::unique_ptr<ORVExtVar> handle, std::vector<ORVExtVar*>&
 }
 
 /// The handles are walked and not the positions: only a damaged file has millions of those.
-std::vector<int> StoredIids(const std::vector<ORVExtVar*>& handles, int first, std::int64_t count) {
-  std::map<int, int> iid_at;
-  for (const ORVExtVar* handle : handles) {
+std::vector<ORVExtVar*> StoredHandles(const std::vector<ORVExtVar*>& handles, int first, std::int64_t count) {
+  std::map<int, ORVExtVar*> handle_at;
+  for (ORVExtVar* handle : handles) {
     const bool placed = handle && handle->GeIndex() != -1 && handle->GeIndex() >= first &&
                         handle->GeIndex() < std::int64_t{first} + count;
-    if (placed) iid_at.emplace(handle->GeIndex(), handle->GetIID());
+    if (placed) handle_at.emplace(handle->GeIndex(), handle);
   }
+  std::vector<ORVExtVar*> stored;
+  std::ranges::transform(handle_at, std::back_inserter(stored), [](const auto& entry) { return entry.second; });
+  return stored;
+}
+
+std::vector<int> StoredIids(const std::vector<ORVExtVar*>& handles, int first, std::int64_t count) {
+  const std::vector<ORVExtVar*> stored = StoredHandles(handles, first, count);
   std::vector<int> iids;
-  std::ranges::transform(iid_at, std::back_inserter(iids), [](const auto& entry) { return entry.second; });
+  std::ranges::transform(stored, std::back_inserter(iids), &ORVExtVar::GetIID);
   return iids;
 }
 

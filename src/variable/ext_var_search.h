@@ -26,8 +26,11 @@ ORVExtVar* FindExtVar(const std::vector<ORVExtVar*>& handles, std::string_view n
 /// Puts a handle into the list that owns it and into that of its variable.
 ORVExtVar* AddHandle(std::unique_ptr<ORVExtVar> handle, std::vector<ORVExtVar*>& owner, ORVVariable& variable);
 
-/// Internal ids of the handles of stored components from position `first` on, `count` positions long: in order of the
-/// position, for each the first handle there. A position without one gives nothing.
+/// The handles of stored components from position `first` on, `count` positions long: in order of the position, for each
+/// the first handle there. A position without one gives nothing.
+std::vector<ORVExtVar*> StoredHandles(const std::vector<ORVExtVar*>& handles, int first, std::int64_t count);
+
+/// The internal ids of these.
 std::vector<int> StoredIids(const std::vector<ORVExtVar*>& handles, int first, std::int64_t count);
 
 }  // namespace orvio

@@ -302,8 +302,8 @@ TEST_F(BlockRead, StartsWithItsInitialFields) {
     EXPECT_EQ(block.GetBlkPath(), "");
   };
   expect_initial();
-  EXPECT_EQ(block.m_pCacheMap, nullptr);
-  std::map<std::string, ORVBuffer*> cache;
+  EXPECT_FALSE(block.m_pCacheMap);
+  auto cache = std::make_shared<std::map<std::string, ORVBuffer*>>();
   block.m_nReserved = 1;
   block.m_nCompressionFactor = 2;
   block.m_BlkKey = 300;
@@ -316,15 +316,15 @@ TEST_F(BlockRead, StartsWithItsInitialFields) {
   block.m_pUserData = &cache;
   block.m_indexIdentType = ORV_LONG;
   block.m_indexValueType = ORV_DOUBLE;
-  block.m_pCacheMap = &cache;
+  block.m_pCacheMap = cache;
   block.SetBlkPath("/x");
   block.Initialize();
   expect_initial();
-  EXPECT_EQ(block.m_pCacheMap, &cache);
+  EXPECT_EQ(block.m_pCacheMap, cache);
 }
 
 TEST_F(BlockRead, CopiesItsFieldsButNotTheReader) {
-  std::map<std::string, ORVBuffer*> cache;
+  auto cache = std::make_shared<std::map<std::string, ORVBuffer*>>();
   Split();
   RecordingBlock block(200, "NODE");
   block.m_nReserved = 1;
@@ -336,7 +336,7 @@ TEST_F(BlockRead, CopiesItsFieldsButNotTheReader) {
   block.m_pUserData = &cache;
   block.m_indexIdentType = ORV_LONG;
   block.m_indexValueType = ORV_DOUBLE;
-  block.m_pCacheMap = &cache;
+  block.m_pCacheMap = cache;
   block.SetBlkPath("/x");
   ASSERT_EQ(block.OpenH5Reader(file_.path().c_str(), 0), 0);
   const RecordingBlock made(block);
@@ -353,7 +353,7 @@ TEST_F(BlockRead, CopiesItsFieldsButNotTheReader) {
     EXPECT_EQ(copy->m_pUserData, &cache);
     EXPECT_EQ(copy->m_indexIdentType, ORV_LONG);
     EXPECT_EQ(copy->m_indexValueType, ORV_DOUBLE);
-    EXPECT_EQ(copy->m_pCacheMap, &cache);
+    EXPECT_EQ(copy->m_pCacheMap, cache);
     EXPECT_EQ(copy->GetBlkPath(), "/x");
     EXPECT_EQ(copy->GetH5Reader(), nullptr);
   }
@@ -389,9 +389,9 @@ TEST_F(BlockRead, AnswersOneWhereAClassHasNothingOfItsOwn) {
 }
 
 TEST_F(BlockRead, DropsItsCacheMap) {
-  block_.m_pCacheMap = new std::map<std::string, ORVBuffer*>{{"res", nullptr}};
+  block_.m_pCacheMap = std::make_shared<std::map<std::string, ORVBuffer*>>();
   block_.ClearCacheMap();
-  EXPECT_EQ(block_.m_pCacheMap, nullptr);
+  EXPECT_FALSE(block_.m_pCacheMap);
   block_.ClearCacheMap();
 }
 

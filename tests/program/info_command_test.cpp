@@ -45,11 +45,11 @@ SHELL         2           4          2
 SOLID         1           3          3
 
 Variables (4)
-variable  shape   class         components
-ODD       scalar  -             VALUE
-STRESS    scalar  CLASS_STRESS  SXX S,Y
-TEMP      scalar  -
-WAVE      scalar  CLASS_LENGTH  A B
+variable  shape   class         unit  components
+ODD       scalar  -             -     VALUE
+STRESS    scalar  CLASS_STRESS  -     SXX S,Y
+TEMP      scalar  -             -
+WAVE      scalar  CLASS_LENGTH  -     A B
 
 Results (5)
 result  of     count         components  type            where
@@ -72,14 +72,18 @@ TEST_F(InfoCommand, TellsTheSameAsJson) {
   const std::string path = file.path();
   json expected = json::parse(R"({
     "format_version": "2.0.0", "title": "", "solver": "", "unit_system": "", "index": ["TIME", "STEP"],
+    "index_units": ["", ""],
     "states": [{"state": 1, "index": [0.125, 1]}, {"state": 2, "index": [0.25, 1]}],
     "variables": [
-      {"name": "ODD", "key": "ODD", "class": "", "shape": "scalar", "components": ["VALUE"],
+      {"name": "ODD", "key": "ODD", "class": "", "shape": "scalar", "components": ["VALUE"], "units": [""],
        "computed": []},
       {"name": "STRESS", "key": "STRESS", "class": "CLASS_STRESS", "shape": "scalar", "components": ["SXX", "S,Y"],
+       "units": ["", ""],
        "computed": []},
-      {"name": "TEMP", "key": "TEMP", "class": "", "shape": "scalar", "components": [""], "computed": []},
+      {"name": "TEMP", "key": "TEMP", "class": "", "shape": "scalar", "components": [""], "units": [""],
+       "computed": []},
       {"name": "WAVE", "key": "WAVE", "class": "CLASS_LENGTH", "shape": "scalar", "components": ["A", "B"],
+       "units": ["", ""],
        "computed": []}],
     "results": [
       {"section": "constant", "entity": "NODE", "variable": "TEMP", "element_values": false, "complex": false,
@@ -116,12 +120,12 @@ PENTA6       12           6          3
 QUAD8       484           8          2
 
 Variables (5)
-variable                    shape   class         components
-COORDINATE                  vector  CLASS_LENGTH  X Y Z
-PE                          scalar  -             PE
-STRESS                      tensor  CLASS_STRESS  SXX SYY SZZ SXY SYZ SZX
-Translational_Displacement  vector  CLASS_LENGTH  D1 D2 D3
-VELO                        vector  -             V1 V2 V3
+variable                    shape   class         unit  components
+COORDINATE                  vector  CLASS_LENGTH  -     X Y Z
+PE                          scalar  -             -     PE
+STRESS                      tensor  CLASS_STRESS  -     SXX SYY SZZ SXY SYZ SZX
+Translational_Displacement  vector  CLASS_LENGTH  -     D1 D2 D3
+VELO                        vector  -             -     V1 V2 V3
 
 Computed components (11)
 computed                              from
@@ -172,6 +176,21 @@ TEST_F(InfoCommand, TellsTheSameOfEveryVersion) {
   }
 }
 
+TEST_F(InfoCommand, TellsTheUnitsOfComponentsAndOfTheIndex) {
+  const std::string run = FrdRun(FrdBlock({1}, "STRESS", kTensorS, {{1, {1, 2, 3, 4, 5, 6}}}) +
+                                 FrdBlock({1}, "VELO", kVectorD, {{1, {1, 2, 3}}}));
+  const std::string path = Import(WriteFile("run.frd", run), {"--units", "mm-t-s"});
+  const std::string text = RunOrv({"info", path}).out;
+  EXPECT_THAT(text, HasSubstr("variable    shape   class         unit  components\n"
+                              "COORDINATE  vector  CLASS_LENGTH  mm    X Y Z\n"
+                              "STRESS      tensor  CLASS_STRESS  MPa   SXX SYY SZZ SXY SYZ SZX\n"
+                              "VELO        vector  -             mm/s  D1 D2 D3\n"));
+  EXPECT_THAT(text, HasSubstr("state  TIME [s]  STEP\n"));
+  const json info = json::parse(RunOrv({"info", path, "--json"}).out);
+  EXPECT_EQ(info["index_units"], json({"s", ""}));
+  EXPECT_EQ(info["variables"][2]["units"], json({"mm/s", "mm/s", "mm/s"}));
+}
+
 TEST_F(InfoCommand, CountsFromTheLeastToTheMostOverTheStates) {
   const std::string path = Import(WriteFile(
       "run.frd", FrdRun(FrdBlock({1}, "PE", {{"PE"}}, {{1, {1}}, {2, {2}}}) + FrdBlock({2}, "NT", {{"T"}}, {{1, {1}}}) +
@@ -207,6 +226,7 @@ TEST_F(InfoCommand, TellsOfAFileWithoutAnyBlock) {
                    {"solver", ""},
                    {"unit_system", ""},
                    {"index", json::array()},
+                   {"index_units", json::array()},
                    {"states", json::array()},
                    {"variables", json::array()},
                    {"results", json::array()},

@@ -85,6 +85,20 @@ ForgedModel& ForgedModel::variable(const ForgedVariable& variable) {
   return *this;
 }
 
+ForgedModel& ForgedModel::units(const std::string& variable, const ForgedUnits& units) {
+  file_.at(Part((layout_ == kSingle ? "/post/constant/variable/" : "/post/constant/variables/") + variable, "data"));
+  const auto put = [&](const char* name, const auto& values) {
+    if (!values.empty()) file_.dataset(name, {values.size()}, values);
+  };
+  put("mbunit", units.mbunit);
+  put("ubid", units.ubid);
+  put("ubexp", units.ubexp);
+  put("mdunit", units.mdunit);
+  put("udid", units.udid);
+  put("udexp", units.udexp);
+  return *this;
+}
+
 ForgedModel& ForgedModel::group(const std::string& name, int ncoo, const std::vector<ForgedGroupEntry>& entries) {
   const auto nvar = static_cast<hsize_t>(entries.size());
   std::vector<int> counts, offsets;

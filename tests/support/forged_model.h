@@ -19,6 +19,16 @@ struct ForgedVariable {
   std::vector<std::string> labels = {};  ///< of the components; names of the components in the split layout
 };
 
+/// Units of a variable's components: base units and derived ones. Empty tables are not written.
+struct ForgedUnits {
+  std::vector<int> mbunit = {};
+  std::vector<int> ubid = {};
+  std::vector<float> ubexp = {};
+  std::vector<int> mdunit = {};
+  std::vector<int> udid = {};
+  std::vector<float> udexp = {};
+};
+
 struct ForgedGroupEntry {
   std::string key;
   int count;
@@ -50,6 +60,8 @@ class ForgedModel {
   explicit ForgedModel(Layout layout = kSingle);
 
   ForgedModel& variable(const ForgedVariable& variable);
+  /// `variable` is its key, or its name where it has none.
+  ForgedModel& units(const std::string& variable, const ForgedUnits& units);
   ForgedModel& group(const std::string& name, int ncoo, const std::vector<ForgedGroupEntry>& entries);
   /// Index types: their names in the split layout; the name of a group of variables in the single one.
   ForgedModel& index_types(const std::vector<std::string>& names);

@@ -7,6 +7,7 @@ namespace orvio::program {
 
 void AddImportCommand(CLI::App& app);
 void AddElementsCommand(CLI::App& app);
+void AddHistoryCommand(CLI::App& app);
 void AddInfoCommand(CLI::App& app);
 void AddLsCommand(CLI::App& app);
 void AddPartsCommand(CLI::App& app);

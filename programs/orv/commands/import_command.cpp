@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/id_list.h"
 #include "importer/exodus_import.h"
 #include "importer/frd_import.h"
 #include "trouble.h"
@@ -40,6 +41,21 @@ const Importer* FindImporter(const std::string& name) {
 
 std::string AllUnitSystems() { return fmt::format("{}", fmt::join(UnitSystemNames(), ", ")); }
 
+/// "node:5" or "element:7-12"; what follows without a word is of the same kind.
+void AppendHistories(const std::vector<std::string>& texts, ImportOptions& options) {
+  std::vector<long long>* ids = nullptr;
+  for (const std::string& text : texts) {
+    const std::size_t colon = text.find(':');
+    const std::string kind = colon == std::string::npos ? "" : text.substr(0, colon);
+    if (kind == "node") ids = &options.histories.nodes;
+    if (kind == "element") ids = &options.histories.elements;
+    if (!ids || !(kind.empty() || kind == "node" || kind == "element")) {
+      throw CLI::ValidationError("--history", "\"" + text + "\" does not start with node: or element:");
+    }
+    AppendIds("--history", text.substr(colon == std::string::npos ? 0 : colon + 1), *ids);
+  }
+}
+
 void Import(const ImportOptions& options, bool quiet) {
   const Importer* importer = FindImporter(options.input.string());
   if (!importer) {
@@ -49,6 +65,10 @@ void Import(const ImportOptions& options, bool quiet) {
   if (!options.points.empty() && importer->import != ImportFrd) {
     throw Trouble(options.input.string(), "has no .dat file beside it", "leave --dat out");
   }
+  if (!options.histories.empty() && importer->import != ImportExodus) {
+    throw Trouble(options.input.string(), "has its results state by state only",
+                  "leave --history out; orv history reads any result over all states");
+  }
   // The output would take the place of its own input.
   std::error_code error;
   if (std::filesystem::equivalent(options.input, options.output, error)) {
@@ -56,8 +76,9 @@ void Import(const ImportOptions& options, bool quiet) {
   }
   const ImportSummary summary = importer->import(options);
   if (quiet) return;
-  fmt::print(stderr, "{}: {} nodes, {} elements, {} states, {} variables\n", options.output.string(), summary.nodes,
-             summary.elements, summary.states, summary.variables);
+  fmt::print(stderr, "{}: {} nodes, {} elements, {} states, {} variables{}\n", options.output.string(), summary.nodes,
+             summary.elements, summary.states, summary.variables,
+             summary.histories > 0 ? fmt::format(", {} histories", summary.histories) : "");
   for (const std::string& note : summary.notes) fmt::print(stderr, "{}: {}\n", options.input.string(), note);
 }
 
@@ -67,6 +88,7 @@ void AddImportCommand(CLI::App& app) {
   auto options = std::make_shared<ImportOptions>();
   auto quiet = std::make_shared<bool>(false);
   auto units = std::make_shared<std::string>();
+  auto histories = std::make_shared<std::vector<std::string>>();
   CLI::App* command =
       app.add_subcommand("import",
                          "Translate the result of a solver into a result file: CalculiX (.frd, .frd.gz) or "
@@ -79,9 +101,15 @@ void AddImportCommand(CLI::App& app) {
       ->transform(CLI::CheckedTransformer(kVersions));
   command->add_option("--units", *units, "Units of the run, which the result does not tell: " + AllUnitSystems())
       ->check(CLI::IsMember(UnitSystemNames()));
+  command
+      ->add_option("--history", *histories,
+                   "Also store the results of these nodes or elements of an Exodus file over all states, such as "
+                   "node:1,5-9 or element:12")
+      ->delimiter(',');
   command->add_flag("--partial", options->partial, "Take what is there of a run that broke off");
   command->add_flag("-q,--quiet", *quiet, "No summary");
-  command->callback([options, quiet, units] {
+  command->callback([options, quiet, units, histories] {
+    AppendHistories(*histories, *options);
     if (!units->empty()) options->units = FindUnitSystem(*units);
     Import(*options, *quiet);
   });

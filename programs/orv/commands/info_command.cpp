@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -10,6 +11,7 @@
 #include "commands/commands.h"
 #include "commands/table.h"
 #include "reading/file_model.h"
+#include "reading/units.h"
 
 namespace orvio::program {
 namespace {
@@ -26,6 +28,7 @@ Json ToJson(const VariableInfo& variable) {
           {"class", variable.class_word},
           {"shape", variable.shape},
           {"components", variable.components},
+          {"units", variable.units},
           {"computed", variable.computed}};
 }
 
@@ -63,6 +66,7 @@ void PrintJson(const FileModel& model) {
                      {"solver", model.solver},
                      {"unit_system", model.unit_system},
                      {"index", model.index_names},
+                     {"index_units", model.index_units},
                      {"states", ListToJson(model.states)},
                      {"variables", ListToJson(model.variables)},
                      {"results", ListToJson(model.results)},
@@ -89,10 +93,13 @@ std::string Counts(const ResultInfo& result) {
 }
 
 /// Long lists are cut in the middle; --json has them whole.
-void PrintStates(const std::vector<std::string>& names, const std::vector<StateInfo>& states) {
+void PrintStates(const FileModel& model) {
   constexpr std::size_t kShown = 60, kFirst = 40, kLast = 10;
+  const std::vector<StateInfo>& states = model.states;
   std::vector<std::string> heading = {"state"};
-  heading.insert(heading.end(), names.begin(), names.end());
+  for (std::size_t i = 0; i < model.index_names.size(); ++i) {
+    heading.push_back(WithUnit(model.index_names[i], model.index_units[i]));
+  }
   Table table(heading);
   for (std::size_t i = 0; i < states.size(); ++i) {
     if (states.size() > kShown && i == kFirst) {
@@ -109,15 +116,27 @@ void PrintStates(const std::vector<std::string>& names, const std::vector<StateI
   table.Print(fmt::format("States ({})", states.size()));
 }
 
+/// "mm", or one for each component where they differ: "mm mm -".
+std::string Units(const VariableInfo& variable) {
+  std::vector<std::string> units = variable.units;
+  for (std::string& unit : units) {
+    if (unit.empty()) unit = "-";
+  }
+  if (units.empty()) return "-";
+  const bool differ = std::ranges::any_of(units, [&](const std::string& unit) { return unit != units.front(); });
+  return differ ? fmt::format("{}", fmt::join(units, ", ")) : units.front();
+}
+
 void PrintVariables(const std::vector<VariableInfo>& variables) {
   constexpr std::size_t kShown = 12;
-  Table table({"variable", "shape", "class", "components"});
+  Table table({"variable", "shape", "class", "unit", "components"});
   for (const VariableInfo& variable : variables) {
     const std::size_t shown = variable.components.size() > kShown ? kShown : variable.components.size();
     std::string components = fmt::format(
         "{}", fmt::join(variable.components.begin(), variable.components.begin() + static_cast<long>(shown), " "));
     if (shown < variable.components.size()) components += fmt::format(" ... ({})", variable.components.size());
-    table.Add({variable.name, variable.shape, variable.class_word.empty() ? "-" : variable.class_word, components});
+    table.Add({variable.name, variable.shape, variable.class_word.empty() ? "-" : variable.class_word, Units(variable),
+               components});
   }
   table.Print(fmt::format("Variables ({})", variables.size()));
 }
@@ -162,7 +181,7 @@ void PrintText(const FileModel& model) {
   PrintVariables(model.variables);
   PrintComputed(model.variables);
   PrintResults(model.results);
-  PrintStates(model.index_names, model.states);
+  PrintStates(model);
 }
 
 }  // namespace

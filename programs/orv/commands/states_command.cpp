@@ -12,6 +12,7 @@
 #include "commands/table.h"
 #include "reading/result_file.h"
 #include "reading/state_selection.h"
+#include "reading/units.h"
 
 namespace orvio::program {
 namespace {
@@ -28,9 +29,15 @@ struct Row {
   std::vector<double> index;
 };
 
-std::vector<std::string> Heading(const std::vector<std::string>& names) {
+struct Columns {
+  std::vector<std::string> names, units;
+};
+
+std::vector<std::string> Heading(const Columns& columns) {
   std::vector<std::string> heading = {"state"};
-  heading.insert(heading.end(), names.begin(), names.end());
+  for (std::size_t i = 0; i < columns.names.size(); ++i) {
+    heading.push_back(WithUnit(columns.names[i], columns.units[i]));
+  }
   return heading;
 }
 
@@ -42,20 +49,21 @@ std::vector<std::string> Cells(const Row& row, std::size_t columns) {
   return cells;
 }
 
-void Print(const Options& options, const std::vector<std::string>& names, const std::vector<Row>& rows) {
+void Print(const Options& options, const Columns& columns, const std::vector<Row>& rows) {
   if (options.json) {
-    Json json = {{"file", options.file}, {"index", names}, {"states", Json::array()}};
+    Json json = {
+        {"file", options.file}, {"index", columns.names}, {"index_units", columns.units}, {"states", Json::array()}};
     for (const Row& row : rows) json["states"].push_back({{"state", row.state}, {"index", row.index}});
     fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
     return;
   }
   if (options.csv) {
-    PrintCsvLine(Heading(names));
-    for (const Row& row : rows) PrintCsvLine(Cells(row, names.size()));
+    PrintCsvLine(Heading(columns));
+    for (const Row& row : rows) PrintCsvLine(Cells(row, columns.names.size()));
     return;
   }
-  Table table(Heading(names));
-  for (const Row& row : rows) table.Add(Cells(row, names.size()));
+  Table table(Heading(columns));
+  for (const Row& row : rows) table.Add(Cells(row, columns.names.size()));
   table.Print("");
 }
 
@@ -67,7 +75,7 @@ void Run(const Options& options) {
   } else {
     for (int state = 1; state <= file.states(); ++state) rows.push_back({state, file.IndexOf(state)});
   }
-  Print(options, file.IndexNames(), rows);
+  Print(options, {file.IndexNames(), file.IndexUnits()}, rows);
 }
 
 }  // namespace

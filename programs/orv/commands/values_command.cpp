@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -12,9 +11,11 @@
 
 #include "commands/commands.h"
 #include "commands/csv.h"
+#include "commands/id_list.h"
 #include "commands/table.h"
 #include "reading/result_file.h"
 #include "reading/state_selection.h"
+#include "reading/units.h"
 #include "reading/value_table.h"
 #include "trouble.h"
 
@@ -22,23 +23,6 @@ namespace orvio::program {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr long long kMaxIdRange = 100'000'000;
-
-/// "5", or "7-12".
-void AppendIds(const std::string& text, std::vector<long long>& ids) {
-  long long first = 0, last = 0;
-  const char* end = text.data() + text.size();
-  auto parsed = std::from_chars(text.data(), end, first);
-  last = first;
-  if (parsed.ec == std::errc() && parsed.ptr != end && *parsed.ptr == '-') {
-    parsed = std::from_chars(parsed.ptr + 1, end, last);
-  }
-  if (parsed.ec != std::errc() || parsed.ptr != end || last < first || last - first > kMaxIdRange) {
-    throw CLI::ValidationError("--ids", "\"" + text + "\" is no id and no range of ids such as 7-12");
-  }
-  for (long long id = first; id <= last; ++id) ids.push_back(id);
-}
 
 /// The shortest text that reads back as the same value.
 std::string ValueText(const ValueTable& table, std::size_t row, std::size_t column) {
@@ -60,7 +44,7 @@ Json ValueJson(const ValueTable& table, std::size_t row, std::size_t column) {
 std::vector<std::string> Heading(const ValueTable& table) {
   std::vector<std::string> heading = {"id"};
   if (table.has_layers) heading.emplace_back("layer");
-  heading.insert(heading.end(), table.columns.begin(), table.columns.end());
+  for (std::size_t i = 0; i < table.columns.size(); ++i) heading.push_back(WithUnit(table.columns[i], table.units[i]));
   return heading;
 }
 
@@ -128,11 +112,8 @@ Json ToJson(const ValueTable& table) {
     entry["values"] = std::move(values);
     rows.push_back(std::move(entry));
   }
-  return {{"entity", table.entity},
-          {"variable", table.variable},
-          {"state", table.state},
-          {"columns", table.columns},
-          {"rows", std::move(rows)}};
+  return {{"entity", table.entity},   {"variable", table.variable}, {"state", table.state},
+          {"columns", table.columns}, {"units", table.units},       {"rows", std::move(rows)}};
 }
 
 void PrintJson(const std::string& file, const std::vector<ValueTable>& tables) {
@@ -150,7 +131,7 @@ struct Options {
 };
 
 void Run(Options& options) {
-  for (const std::string& id : options.ids) AppendIds(id, options.request.ids);
+  for (const std::string& id : options.ids) AppendIds("--ids", id, options.request.ids);
   ResultFile file(options.file);
   std::vector<ValueTable> tables;
   for (const int state : StatesOf(file, options.states)) {

@@ -57,16 +57,16 @@ struct SideSet {
   std::vector<int> sides;      ///< of those elements, numbered as Exodus does, from 1
 };
 
-/// The variables of the nodes, of the elements or of the node sets.
+/// The variables of the model as a whole, of the nodes, of the elements or of the node sets.
 struct Variables {
   std::vector<std::string> names;
-  /// For each block or set which variables it has, as places in `names`, ascending. One entry for the nodes.
+  /// For each block or set which variables it has, as places in `names`, ascending. One entry for the model and for the nodes.
   std::vector<std::vector<std::size_t>> present;
 };
 
-/// One variable at one state.
+/// One variable at one state, or one of the model at all states.
 struct Values {
-  std::vector<double> numbers;  ///< one per node, per element of the block or per node of the set
+  std::vector<double> numbers;  ///< one per state, per node, per element of the block or per node of the set
   bool is_double = false;       ///< whether the file itself holds doubles; floats are kept without loss
 };
 

@@ -39,6 +39,8 @@ class Reader {
   /// Value of time of a state, which counts from 0.
   double ReadTime(int state) const;
 
+  /// Of the model as a whole: one entry.
+  Variables ReadGlobalVariables() const;
   /// An entry for all nodes.
   Variables ReadNodalVariables() const;
   /// An entry per block.
@@ -46,6 +48,8 @@ class Reader {
   /// An entry per node set.
   Variables ReadNodeSetVariables() const;
 
+  /// One value per state, of the variable at a place in the list of names.
+  Values ReadGlobal(std::size_t variable) const;
   /// The values at a state of the variable at a place in the list of names. Blocks and sets count from 0.
   Values ReadNodal(std::size_t variable, int state) const;
   Values ReadElements(std::size_t variable, std::size_t block, int state) const;
@@ -59,6 +63,7 @@ class Reader {
   std::vector<int> ReadPositions(const std::string& variable, const Shape& shape, int most, const char* of) const;
   std::vector<int> ReadSides(const std::string& variable, int count) const;
   ElementBlock ReadBlock(std::size_t block, int first) const;
+  Variables ReadVariablesOfAll(const std::string& kind) const;
   Variables ReadVariables(const std::string& kind, const std::string& place, const std::vector<int>& sizes) const;
   Values ReadAtState(const Variable& variable, int state, const Shape& start, const Shape& count) const;
   Values ReadOfPlace(const std::string& variable, int count, int state) const;

@@ -49,14 +49,26 @@ Values Reader::ReadAtState(const Variable& variable, int state, const Shape& sta
   return {file_.Reals(variable, first, count), variable.IsDouble()};
 }
 
-// ---- Nodes
-
-Variables Reader::ReadNodalVariables() const {
-  Variables variables = ReadVariables("nod", "", {});
+/// Of a place that has all of them.
+Variables Reader::ReadVariablesOfAll(const std::string& kind) const {
+  Variables variables = ReadVariables(kind, "", {});
   variables.present.resize(1);
   for (std::size_t i = 0; i < variables.names.size(); ++i) variables.present[0].push_back(i);
   return variables;
 }
+
+// ---- The model as a whole
+
+Variables Reader::ReadGlobalVariables() const { return ReadVariablesOfAll("glo"); }
+
+Values Reader::ReadGlobal(std::size_t variable) const {
+  const Variable all = file_.Get("vals_glo_var", {Size(announced_states_), Size(file_.Count("num_glo_var"))});
+  return {file_.Reals(all, {0, variable}, {Size(states_), 1}), all.IsDouble()};
+}
+
+// ---- Nodes
+
+Variables Reader::ReadNodalVariables() const { return ReadVariablesOfAll("nod"); }
 
 /// Older files have all variables in one.
 Values Reader::ReadNodal(std::size_t variable, int state) const {

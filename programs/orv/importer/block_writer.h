@@ -13,6 +13,9 @@
 
 namespace orvio::program {
 
+/// Entity type of the nodes.
+inline constexpr char kNodeType[] = "NODE";
+
 /// Elements of one type.
 struct ElementGroup {
   std::string type_name;     ///< unique in the file
@@ -31,13 +34,14 @@ struct StateIndex {
   int step = 0;
 };
 
-/// Values of one quantity at the nodes.
-struct NodalValues {
+/// Values of one quantity at the nodes, or at other entities without layers.
+struct EntityValues {
+  std::string entity_type = kNodeType;
   std::vector<int>* ids = nullptr;
   void* values = nullptr;  ///< ids x components, pairs for complex values
   _ORVDataType type = ORV_FLOAT;
   bool is_complex = false;
-  std::string zone;  ///< name of the set that the nodes are of; empty for the nodes of the mesh
+  std::string zone = {};  ///< name of the set that the nodes are of; empty for the nodes of the mesh
   int zone_id = 0;
 };
 
@@ -100,10 +104,12 @@ class BlockWriter {
   /// The ids that entities go by outside. Files up to version 2.0 have no place for them: nothing is written.
   void WriteIdentifiers(const std::string& entity_type, std::vector<int>& ids);
   void WriteSets(SetTable& sets);
-  void WriteConstant(const Quantity& quantity, const NodalValues& values);
+  void WriteConstant(const Quantity& quantity, const EntityValues& values);
   /// States are added one by one, from 1.
-  void WriteInState(const StateIndex& index, const Quantity& quantity, const NodalValues& values);
+  void WriteInState(const StateIndex& index, const Quantity& quantity, const EntityValues& values);
   void WriteInState(const StateIndex& index, const Quantity& quantity, const ElementValues& values);
+  /// All states of a quantity in one block: the values are states x what they are for one state.
+  void WriteOverStates(const std::vector<StateIndex>& states, const Quantity& quantity, const EntityValues& values);
 
  private:
   void Write(ORVBlock& block, int state, int what, const std::string& described_as);

@@ -11,7 +11,8 @@
 namespace orvio::program {
 namespace {
 
-constexpr char kPartType[] = "PART", kNodeType[] = "NODE";
+constexpr char kPartType[] = "PART";
+constexpr int kIndexColumns = 2;  // value and step
 
 }  // namespace
 
@@ -103,9 +104,9 @@ void BlockWriter::WriteSets(SetTable& sets) {
 namespace {
 
 /// A zone is part of the name by which the block is found: the same quantity may stand at the nodes of many.
-ORVResult MakeResult(const Quantity& quantity, const NodalValues& values) {
+ORVResult MakeResult(const Quantity& quantity, const EntityValues& values) {
   ORVResult result(values.is_complex ? ORV_RESULT_ENTITY_COMPLEX : ORV_RESULT_ENTITY);
-  result.SetEntityAndVarName(kNodeType, quantity.name);
+  result.SetEntityAndVarName(values.entity_type, quantity.name);
   Assign(result.m_etypzone, values.zone);
   Assign(result.m_subBlockName, values.zone);
   result.m_zoneid = values.zone_id;
@@ -136,16 +137,16 @@ ORVResult MakeResult(const Quantity& quantity, const ElementValues& values) {
 
 }  // namespace
 
-void BlockWriter::WriteConstant(const Quantity& quantity, const NodalValues& values) {
+void BlockWriter::WriteConstant(const Quantity& quantity, const EntityValues& values) {
   ORVResult result = MakeResult(quantity, values);
   Write(result, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA, quantity.name);
 }
 
 void BlockWriter::WriteInState(const StateIndex& index, ORVResult& result, const std::string& described_as) {
   // Both columns are told apart by their place; the identifier of a row is the state.
-  int identifiers[] = {index.state, index.state};
-  double row[] = {index.value, static_cast<double>(index.step)};
-  result.m_nindex = std::size(row);
+  int identifiers[kIndexColumns] = {index.state, index.state};
+  double row[kIndexColumns] = {index.value, static_cast<double>(index.step)};
+  result.m_nindex = kIndexColumns;
   result.m_indexident = identifiers;
   result.m_indexval = row;
   result.m_indexvalType = ORV_DOUBLE;
@@ -153,7 +154,7 @@ void BlockWriter::WriteInState(const StateIndex& index, ORVResult& result, const
         fmt::format("{} of state {}", described_as, index.state));
 }
 
-void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity, const NodalValues& values) {
+void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity, const EntityValues& values) {
   ORVResult result = MakeResult(quantity, values);
   WriteInState(index, result, quantity.name);
 }
@@ -161,6 +162,24 @@ void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity
 void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity, const ElementValues& values) {
   ORVResult result = MakeResult(quantity, values);
   WriteInState(index, result, quantity.name + " of " + values.element_type);
+}
+
+void BlockWriter::WriteOverStates(const std::vector<StateIndex>& states, const Quantity& quantity,
+                                  const EntityValues& values) {
+  std::vector<int> identifiers;
+  std::vector<double> rows;
+  for (const StateIndex& index : states) {
+    identifiers.insert(identifiers.end(), {index.state, index.state});
+    rows.insert(rows.end(), {index.value, static_cast<double>(index.step)});
+  }
+  ORVResult result = MakeResult(quantity, values);
+  result.SetBlockType(values.is_complex ? ORV_RESULT_MULTI_ENTITY_COMPLEX : ORV_RESULT_MULTI_ENTITY);
+  result.m_nstate = static_cast<std::int64_t>(states.size());
+  result.m_nindex = kIndexColumns;
+  result.m_indexident = identifiers.data();
+  result.m_indexval = rows.data();
+  result.m_indexvalType = ORV_DOUBLE;
+  Write(result, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA | ORV_WRITE_INDEX, quantity.name + " over all states");
 }
 
 }  // namespace orvio::program

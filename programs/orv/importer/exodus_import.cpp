@@ -15,15 +15,16 @@
 #include "importer/block_writer.h"
 #include "importer/exodus_element.h"
 #include "importer/exodus_quantity.h"
-#include "importer/output_file.h"
+#include "importer/history_recorder.h"
 #include "importer/progress.h"
 #include "importer/quantity.h"
+#include "output_file.h"
 #include "trouble.h"
 
 namespace orvio::program {
 namespace {
 
-constexpr char kNodeType[] = "NODE", kNodeSet[] = "NODE_SET", kSideSet[] = "SIDE_SET";
+constexpr char kNodeSet[] = "NODE_SET", kSideSet[] = "SIDE_SET", kGlobal[] = "GLOBAL";
 
 /// What the file tells of the run: its title, and the solver, which is the first that wrote to it.
 Origin OriginOf(const exodus::Header& header) {
@@ -101,7 +102,8 @@ class Translation {
         reader_(options.input),
         output_(options.output),
         writer_(output_.working_path(), options.output.string(), options.version),
-        progress_("importing") {}
+        progress_("importing"),
+        histories_(options.histories.nodes, options.histories.elements) {}
 
   ImportSummary Run() {
     RequireWhole();
@@ -111,8 +113,10 @@ class Translation {
     WriteBlocks();
     WriteNodeSets();
     WriteSideSets();
+    RequireChosen();
     PlanResults();
     WriteStates();
+    WriteHistories();
     writer_.WriteIndexTypes({"TIME", "STEP"});
     output_.Commit();
     return summary_;
@@ -141,7 +145,7 @@ class Translation {
     NarrowUnlessDouble(nodes.is_double, table);
     const Quantity coordinate = CoordinateQuantity();
     writer_.WriteVariable(coordinate);
-    writer_.WriteConstant(coordinate, NodalValues{&node_ids_, table.Data(), table.type, false, {}, 0});
+    writer_.WriteConstant(coordinate, EntityValues{kNodeType, &node_ids_, table.Data(), table.type, false, {}, 0});
     writer_.WriteIdentifiers(kNodeType, node_ids_);
     summary_.nodes = node_ids_.size();
     summary_.variables = 1;
@@ -253,6 +257,19 @@ class Translation {
     }
   }
 
+  /// Nodes and elements that the user named.
+  void RequireChosen() const {
+    std::vector<int> elements;
+    for (const Place& block : blocks_) elements.insert(elements.end(), block.ids.begin(), block.ids.end());
+    for (const bool is_element : {false, true}) {
+      const std::vector<long long> missing = histories_.Missing(is_element ? elements : node_ids_, is_element);
+      if (missing.empty()) continue;
+      throw Trouble(options_.input.string(),
+                    fmt::format("has no {} {}", is_element ? "element" : "node", missing.front()),
+                    "give ids of the file to --history");
+    }
+  }
+
   std::vector<PlannedResult> Plan(const std::string& place, const std::vector<std::string>& names,
                                   const std::vector<std::size_t>& present, bool has_points) {
     std::vector<PlannedResult> results;
@@ -270,6 +287,7 @@ class Translation {
     for (int state = 0; state < reader_.states(); ++state) {
       progress_.Show(static_cast<double>(state) / reader_.states(), fmt::format("state {}", state + 1));
       const StateIndex index{state + 1, reader_.ReadTime(state), state + 1};
+      states_.push_back(index);
       WriteNodalResults(index, nodes_, [&](std::size_t variable) { return reader_.ReadNodal(variable, state); });
       for (Place& block : blocks_) WriteElementResults(index, block);
       for (Place& set : node_sets_) {
@@ -286,8 +304,11 @@ class Translation {
     for (const PlannedResult& result : place.results) {
       Table table = Gather(result, place.ids.size(), read);
       writer_.WriteInState(index, *result.quantity,
-                           NodalValues{&place.ids, table.Data(), table.type, false, place.name, place.id});
+                           EntityValues{kNodeType, &place.ids, table.Data(), table.type, false, place.name, place.id});
       written_ = true;
+      if (&place == &nodes_) {
+        histories_.Take({kNodeType, result.quantity, &place.ids, 1, false, table.type, table.Data()});
+      }
     }
   }
 
@@ -304,7 +325,22 @@ class Translation {
       values.type = table.type;
       writer_.WriteInState(index, *result.quantity, values);
       written_ = true;
+      histories_.Take({block.name, result.quantity, &block.ids, result.sources.size(), true, table.type, table.Data()});
     }
+  }
+
+  /// The model as a whole is one entity, number 1, whose variables are stored over all states.
+  void WriteHistories() {
+    if (states_.empty()) return;
+    const exodus::Variables variables = reader_.ReadGlobalVariables();
+    std::vector<int> id = {1};
+    for (const PlannedResult& result : Plan(kGlobal, variables.names, variables.present.front(), false)) {
+      Table table = Gather(result, states_.size(), [&](std::size_t variable) { return reader_.ReadGlobal(variable); });
+      writer_.WriteOverStates(states_, *result.quantity,
+                              EntityValues{kGlobal, &id, table.Data(), table.type, false, {}, 0});
+      ++summary_.histories;
+    }
+    summary_.histories += histories_.Write(writer_, states_);
   }
 
   /// The variables of a result side by side. One of them in double precision makes all of them so.
@@ -338,6 +374,8 @@ class Translation {
   std::vector<int> node_ids_;
   Place nodes_;
   std::vector<Place> blocks_, node_sets_;
+  std::vector<StateIndex> states_;
+  HistoryRecorder histories_;
   bool written_ = false;  ///< whether any state has a result
   ImportSummary summary_;
 };

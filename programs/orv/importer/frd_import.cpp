@@ -15,10 +15,10 @@
 #include "frd/element_type.h"
 #include "frd/reader.h"
 #include "importer/block_writer.h"
-#include "importer/output_file.h"
 #include "importer/point_values.h"
 #include "importer/progress.h"
 #include "importer/quantity.h"
+#include "output_file.h"
 #include "trouble.h"
 
 namespace orvio::program {
@@ -129,11 +129,11 @@ class Translation {
     if (nodes.ids.empty()) throw Trouble(options_.input.string(), "has no nodes", "check that the solver ran");
     const Quantity coordinate = CoordinateQuantity();
     writer_.WriteVariable(coordinate);
-    NodalValues values{&nodes.ids, nodes.coordinates.data(), ORV_FLOAT, false, {}, 0};
-    if (nodes.binary) values = {&nodes.ids, nodes.precise_coordinates.data(), ORV_DOUBLE, false, {}, 0};
+    EntityValues values{kNodeType, &nodes.ids, nodes.coordinates.data(), ORV_FLOAT, false, {}, 0};
+    if (nodes.binary) values = {kNodeType, &nodes.ids, nodes.precise_coordinates.data(), ORV_DOUBLE, false, {}, 0};
     writer_.WriteConstant(coordinate, values);
-    writer_.WriteIdentifiers("NODE", nodes.ids);
-    AttributeTable attributes{"NODE", nodes.ids, {}, 0, {}};
+    writer_.WriteIdentifiers(kNodeType, nodes.ids);
+    AttributeTable attributes{kNodeType, nodes.ids, {}, 0, {}};
     writer_.WriteAttributes(attributes);
     summary_.nodes = nodes.ids.size();
     summary_.variables = 1;
@@ -252,7 +252,8 @@ class Translation {
     std::vector<float> pairs;
     if (imaginary) pairs = Interleave(real.values, imaginary->values);
     float* values = imaginary ? pairs.data() : real.values.data();
-    writer_.WriteInState(index, quantity, NodalValues{&real.ids, values, ORV_FLOAT, imaginary != nullptr, {}, 0});
+    writer_.WriteInState(index, quantity,
+                         EntityValues{kNodeType, &real.ids, values, ORV_FLOAT, imaginary != nullptr, {}, 0});
   }
 
   /// The quantity as the output has it, defined there at its first use.

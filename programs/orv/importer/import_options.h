@@ -19,6 +19,11 @@ struct ImportOptions {
   _ORVVersion version = ORV_VERSION_2_2;
   std::optional<UnitSystem> units;  ///< none: the file tells no units
   bool partial = false;             ///< take what is there of a run that broke off
+  /// Ids of the nodes and elements whose results are also stored as histories, one block over all states.
+  struct {
+    std::vector<long long> nodes, elements;
+    bool empty() const { return nodes.empty() && elements.empty(); }
+  } histories;
 };
 
 /// What was written.
@@ -27,6 +32,7 @@ struct ImportSummary {
   std::size_t elements = 0;
   int states = 0;
   std::size_t variables = 0;
+  std::size_t histories = 0;       ///< blocks over all states
   std::vector<std::string> notes;  ///< what a person should know: what was left out, and why
 };
 

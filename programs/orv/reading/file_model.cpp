@@ -7,13 +7,13 @@
 #include <filesystem>
 
 #include "reading/result_file.h"
+#include "reading/units.h"
 #include "reading/words.h"
 #include "trouble.h"
 
 namespace orvio::program {
 namespace {
 
-constexpr std::size_t kNameWidth = 256;
 constexpr const char* kShapes[] = {"scalar", "vector", "tensor", "plane tensor"};
 
 /// The walk reaches its collector through this: its callback gets nothing but the block.
@@ -39,7 +39,7 @@ std::string ShapeOf(ORVVariable& variable) {
 /// Files up to version 1.2 have a field per name, later ones pack the labels.
 std::string LabelOf(const ORVVariable& variable, std::int64_t i) {
   if (variable.m_subslen < 1) {
-    return variable.m_pCname ? TextOf(variable.m_pCname + static_cast<std::size_t>(i) * kNameWidth) : "";
+    return variable.m_pCname ? TextOf(variable.m_pCname + static_cast<std::size_t>(i) * kFieldWidth) : "";
   }
   if (!variable.m_pSubscr || !variable.m_pSubscnt || !variable.m_pSubsoffs) return {};
   const std::int64_t offset = variable.m_pSubsoffs[i], length = variable.m_pSubscnt[i];
@@ -137,10 +137,11 @@ std::vector<ORVEleConnectivity> ReadElementHeaders(const std::string& path) {
   return blocks;
 }
 
-VariableInfo DescribeVariable(ORVVariable& variable) {
+VariableInfo DescribeVariable(ORVFiler& filer, ORVVariable& variable) {
   VariableInfo info{
-      TextOf(variable.m_varnam), TextOf(variable.m_varkey), TextOf(variable.m_varclass), ShapeOf(variable), {}, {}};
+      TextOf(variable.m_varnam), TextOf(variable.m_varkey), TextOf(variable.m_varclass), ShapeOf(variable), {}, {}, {}};
   for (std::int64_t i = 0; i < variable.m_ncoo; ++i) info.components.push_back(LabelOf(variable, i));
+  for (int i = 0; i < variable.m_ncoo; ++i) info.units.push_back(UnitOf(filer, variable, i));
   for (const ORVExtVar* handle : variable.m_extVars) {
     if (handle->GeIndex() == -1) info.computed.push_back(handle->GetName());
   }
@@ -158,8 +159,9 @@ FileModel ReadFileModel(const std::string& path) {
   model.solver = TextOrNothing(filer.GetSolverName());
   if (filer.GetSystem()) model.unit_system = TextOf(filer.GetSystem()->m_sys);
   model.index_names = file.IndexNames();
+  model.index_units = file.IndexUnits();
   for (ORVVariable* variable : filer.GetVariables()) {
-    if (IsShown(file, *variable, model.variables)) model.variables.push_back(DescribeVariable(*variable));
+    if (IsShown(file, *variable, model.variables)) model.variables.push_back(DescribeVariable(filer, *variable));
   }
   model.elements = ReadElements(path);
   for (const int list : {1, 0}) {

@@ -14,6 +14,7 @@ struct VariableInfo {
   std::string name, key, class_word;
   std::string shape;  ///< "scalar", "vector", "tensor", "plane tensor"
   std::vector<std::string> components;
+  std::vector<std::string> units;     ///< one per component, empty where the file tells none
   std::vector<std::string> computed;  ///< names of the measures that can be computed from the components
 };
 
@@ -44,6 +45,7 @@ struct FileModel {
   ORVFileVersion version;
   std::string title, solver, unit_system;  ///< empty where the file does not tell
   std::vector<std::string> index_names;    ///< columns of the index of a state
+  std::vector<std::string> index_units;    ///< one per name
   std::vector<VariableInfo> variables;     ///< those that only name index columns are left out
   std::vector<StateInfo> states;
   std::vector<ElementInfo> elements;
@@ -54,7 +56,7 @@ struct FileModel {
 FileModel ReadFileModel(const std::string& path);
 
 /// What a variable of a filer is.
-VariableInfo DescribeVariable(ORVVariable& variable);
+VariableInfo DescribeVariable(ORVFiler& filer, ORVVariable& variable);
 
 /// Headers of the connectivity blocks of the constant section.
 std::vector<ORVEleConnectivity> ReadElementHeaders(const std::string& path);

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 
 #include "reading/file_model.h"
+#include "reading/units.h"
 #include "reading/words.h"
 
 namespace orvio::program {
@@ -34,6 +36,7 @@ ResultFile::ResultFile(std::string path)
     : path_(std::move(path)), states_(CheckResultFile(path_)), filer_(path_.c_str()) {
   NamedInMessages() = path_;
   ORVFiler::SetVerbosCallback(PrintMessage);
+  filer_.SetConfig(ORV_CONFIG_ASSIGN_UNITS);
   int next_id = 1;
   (void)filer_.InitReader(next_id);  // a file without results still has a mesh to show
 }
@@ -46,18 +49,35 @@ void ResultFile::LearnLaterResults(int state) {
   (void)filer_.UpdateContainer(state, added, kNextAfterTheLargest, 0);  // what cannot be read is not there
 }
 
-std::vector<std::string> ResultFile::IndexNames() {
-  std::vector<std::string> names;
+std::size_t ResultFile::IndexColumns() {
   const ORVIndexBase<int, double>* index = filer_.GetStateIndexDP(false);
-  const ORVSimulationType* types = filer_.GetIndexTypes();
   const bool has_rows = index && index->GetNumState() > 0;  // the number of columns alone is a claim of the file
-  const std::int64_t columns = has_rows ? index->GetNumIndex() : 0;
-  for (std::int64_t i = 0; i < columns; ++i) {
-    const bool is_named = types && i < types->m_nindex;
-    std::string name = is_named ? TextOf(types->m_pEtypindex + i * 256) : "";
+  return has_rows ? static_cast<std::size_t>(index->GetNumIndex()) : 0;
+}
+
+std::vector<std::string> ResultFile::IndexNames(std::size_t columns) {
+  const ORVSimulationType* types = filer_.GetIndexTypes();
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < columns; ++i) {
+    const bool is_named = types && i < static_cast<std::size_t>(types->m_nindex);
+    std::string name = is_named ? TextOf(types->m_pEtypindex + i * kFieldWidth) : "";
     names.push_back(name.empty() ? fmt::format("index {}", i + 1) : name);
   }
   return names;
+}
+
+/// The columns are named by variables: those of a group, or in older files those of the same names.
+std::vector<std::string> ResultFile::IndexUnits(std::size_t columns) {
+  const ORVSimulationType* types = filer_.GetIndexTypes();
+  const ORVVariableGrp* group = types ? filer_.GetVariableGroup(types->m_etypvar) : nullptr;
+  std::vector<std::string> units;
+  for (const std::string& name : IndexNames(columns)) {
+    const std::size_t i = units.size();
+    const bool is_member = group && i < group->m_variables.size();
+    ORVVariable* variable = is_member ? group->m_variables[i] : filer_.GetVariable(name.c_str());
+    units.push_back(variable ? UnitOf(filer_, *variable, 0) : "");
+  }
+  return units;
 }
 
 std::vector<double> ResultFile::IndexOf(int state) {
@@ -65,6 +85,26 @@ std::vector<double> ResultFile::IndexOf(int state) {
   if (!index || state < 1 || state > index->GetNumState()) return {};
   const double* row = index->GetIndexVals() + (state - 1) * index->GetNumIndex();
   return {row, row + index->GetNumIndex()};
+}
+
+std::vector<std::vector<double>> ResultFile::IndexOver(ORVResult& result) {
+  int states = 0;
+  int* ids = nullptr;
+  float* values = nullptr;
+  const int columns = filer_.ReadMultistateIndexValues(&result, states, ids, values);  // checks what the file claims
+  std::free(ids);
+  std::free(values);
+  if (columns < 1 || states < 1) return {};
+  std::vector<double> all(static_cast<std::size_t>(states) * static_cast<std::size_t>(columns));
+  ORVResult block = result;
+  block.m_nstate = states;
+  block.m_nindex = columns;
+  block.m_indexval = all.data();
+  block.m_indexvalType = ORV_DOUBLE;
+  if (block.ReadAttribute(path_.c_str(), 0, ORV_READ_INDEX, ORV_ATT_INDEXVAL) != 0) return {};
+  std::vector<std::vector<double>> rows;
+  for (auto row = all.begin(); row != all.end(); row += columns) rows.emplace_back(row, row + columns);
+  return rows;
 }
 
 long long ResultFile::CountAt(const ORVResult& result, int state) const {

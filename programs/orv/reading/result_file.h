@@ -3,6 +3,7 @@
 
 #include <orvio/orvio.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -24,17 +25,27 @@ class ResultFile {
   /// Makes the results known that only later states have: those of one state, or of all (0).
   void LearnLaterResults(int state);
 
-  /// Names of the index columns; numbered where the file names none.
-  std::vector<std::string> IndexNames();
+  /// Names of the columns of the state index; numbered where the file names none.
+  std::vector<std::string> IndexNames() { return IndexNames(IndexColumns()); }
+  /// One per name; empty where the file tells none.
+  std::vector<std::string> IndexUnits() { return IndexUnits(IndexColumns()); }
+  /// The same for so many columns of another index.
+  std::vector<std::string> IndexNames(std::size_t columns);
+  std::vector<std::string> IndexUnits(std::size_t columns);
   /// Index values of a state, 1-based; empty where its index cannot be read.
   std::vector<double> IndexOf(int state);
 
-  /// Number of entities of a result in a state (0: constant); 0 when it is not stored there.
+  /// Index values of the states of a block that holds all of them; none where they cannot be read.
+  std::vector<std::vector<double>> IndexOver(ORVResult& result);
+
+  /// Number of entities of a result in a state (0: constant, -1: over all states); 0 when it is not stored there.
   long long CountAt(const ORVResult& result, int state) const;
   /// Whether the values of a result are doubles in a state.
   bool IsDouble(ORVResult& result, int state);
 
  private:
+  std::size_t IndexColumns();
+
   std::string path_;
   int states_;
   ORVFiler filer_;

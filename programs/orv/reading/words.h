@@ -7,8 +7,11 @@
 
 namespace orvio::program {
 
+/// Bytes of a stored text field.
+inline constexpr std::size_t kFieldWidth = 256;
+
 /// A stored text field without its padding.
-std::string TextOf(const char* field, std::size_t width = 256);
+std::string TextOf(const char* field, std::size_t width = kFieldWidth);
 
 /// Names of variables, types and components compare without regard to case.
 bool SameWord(std::string_view a, std::string_view b);

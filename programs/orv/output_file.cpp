@@ -1,6 +1,6 @@
 // Output under a working name.
 
-#include "importer/output_file.h"
+#include "output_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,0 +1,158 @@
+// orv history: values over all states.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "commands/commands.h"
+#include "commands/csv.h"
+#include "commands/id_list.h"
+#include "commands/table.h"
+#include "plot/line_plot.h"
+#include "reading/history.h"
+#include "reading/units.h"
+
+namespace orvio::program {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// The shortest text that reads back as the same value; nothing for a state without one.
+std::string Text(const History& history, const std::optional<double>& value) {
+  if (!value) return "";
+  return history.is_double ? fmt::format("{}", *value) : fmt::format("{}", static_cast<float>(*value));
+}
+
+std::vector<std::string> Heading(const History& history) {
+  std::vector<std::string> heading = {"state"};
+  for (std::size_t i = 0; i < history.index_names.size(); ++i) {
+    heading.push_back(WithUnit(history.index_names[i], history.index_units[i]));
+  }
+  const std::vector<std::string> names = CurveNames(history);
+  for (std::size_t i = 0; i < names.size(); ++i) heading.push_back(WithUnit(names[i], history.curves[i].unit));
+  return heading;
+}
+
+std::vector<std::string> Row(const History& history, std::size_t row) {
+  std::vector<std::string> cells = {fmt::format("{}", history.states[row])};
+  for (const double value : history.index[row]) cells.push_back(fmt::format("{}", value));
+  cells.resize(1 + history.index_names.size());
+  for (const Curve& curve : history.curves) cells.push_back(Text(history, curve.values[row]));
+  return cells;
+}
+
+void PrintText(const History& history) {
+  Table table(Heading(history));
+  for (std::size_t row = 0; row < history.states.size(); ++row) table.Add(Row(history, row));
+  table.Print("");
+}
+
+void PrintCsv(const History& history) {
+  PrintCsvLine(Heading(history));
+  for (std::size_t row = 0; row < history.states.size(); ++row) PrintCsvLine(Row(history, row));
+}
+
+/// JSON has no word for values that are not finite.
+Json ToJson(const std::optional<double>& value) {
+  if (!value) return nullptr;
+  if (!std::isfinite(*value)) return fmt::format("{}", *value);
+  return *value;
+}
+
+Json ToJson(const Curve& curve) {
+  Json json = {{"entity", curve.entity}, {"component", curve.component}, {"unit", curve.unit}, {"id", curve.id}};
+  if (!curve.zone.empty()) json["zone"] = curve.zone;
+  if (curve.layer != 0) json["layer"] = curve.layer;
+  Json values = Json::array();
+  for (const auto& value : curve.values) values.push_back(ToJson(value));
+  json["values"] = std::move(values);
+  return json;
+}
+
+void PrintJson(const std::string& file, const History& history) {
+  Json json = {{"file", file},
+               {"variable", history.variable},
+               {"index", history.index_names},
+               {"index_units", history.index_units},
+               {"states", Json::array()},
+               {"curves", Json::array()}};
+  for (std::size_t row = 0; row < history.states.size(); ++row) {
+    json["states"].push_back({{"state", history.states[row]}, {"index", history.index[row]}});
+  }
+  for (const Curve& curve : history.curves) json["curves"].push_back(ToJson(curve));
+  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+}
+
+/// What all curves have in common of a member, else `otherwise`.
+std::string Common(const History& history, std::string Curve::*member, const std::string& otherwise) {
+  const std::string& first = history.curves.front().*member;
+  const bool is_common =
+      std::ranges::all_of(history.curves, [&](const Curve& curve) { return curve.*member == first; });
+  return is_common ? first : otherwise;
+}
+
+/// Over the first index value, or over the states where they have none.
+LinePlot PlotOf(const History& history) {
+  LinePlot plot;
+  const std::string unit = Common(history, &Curve::unit, "");
+  plot.title = history.variable;
+  plot.y_label = WithUnit(Common(history, &Curve::component, history.variable), unit);
+  const bool has_index =
+      !history.index_names.empty() && std::ranges::none_of(history.index, [](const auto& row) { return row.empty(); });
+  plot.x_label = has_index ? WithUnit(history.index_names.front(), history.index_units.front()) : "state";
+  for (std::size_t row = 0; row < history.states.size(); ++row) {
+    plot.x.push_back(has_index ? history.index[row].front() : history.states[row]);
+  }
+  const std::vector<std::string> names = CurveNames(history);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    plot.lines.push_back(
+        {unit.empty() ? WithUnit(names[i], history.curves[i].unit) : names[i], history.curves[i].values});
+  }
+  if (names.size() == 1) plot.title += ", " + names.front();
+  return plot;
+}
+
+struct Options {
+  std::string file;
+  HistoryRequest request;
+  std::vector<std::string> ids;
+  std::string plot;
+  bool csv = false, json = false;
+};
+
+void Run(Options& options) {
+  for (const std::string& id : options.ids) AppendIds("--ids", id, options.request.values.ids);
+  ResultFile file(options.file);
+  const History history = ReadHistory(file, options.request);
+  if (!options.plot.empty()) DrawLines(PlotOf(history), options.plot);
+  if (options.json) return PrintJson(options.file, history);
+  if (options.csv) return PrintCsv(history);
+  if (options.plot.empty()) PrintText(history);
+}
+
+}  // namespace
+
+void AddHistoryCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("history", "Print or draw values over all states");
+  command->add_option("file", options->file, "Result file")->required();
+  command
+      ->add_option("--var", options->request.values.variable,
+                   "Variable by name or key, or component by the name of its handle, as orv info names them")
+      ->required();
+  command->add_option("--component", options->request.values.component, "Component by name or by number from 1");
+  command->add_option("--entity", options->request.values.entity, "Only values of this entity or element type");
+  command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")->delimiter(',');
+  command->add_option("--layer", options->request.layer, "Only this layer of elements, from 1")
+      ->check(CLI::PositiveNumber);
+  command->add_option("--plot", options->plot, "Draw into this file, which ends in .svg or .png; needs gnuplot");
+  CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
+  command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
+  command->callback([options] { Run(*options); });
+}
+
+}  // namespace orvio::program
