@@ -49,7 +49,9 @@ struct ORVBuffer {
   ORVAllocator* m_allocator = nullptr;
 
   _ORVDataType m_type = ORV_UNKNOWN_TYPE;  ///< of the elements
-  int m_state = 0;                         ///< that it was read in; 0 constant section, negative multi-state section
+  /// State that it was read in; 0 constant section, negative multi-state section, INT_MAX the group of a state that is
+  /// not known: it serves none.
+  int m_state = 0;
   int m_rank = 0;
   std::uint64_t m_dims[8] = {};
 };

@@ -222,6 +222,7 @@ class ORVIO_EXPORT ORVFiler {
   // ---- Properties: records of texts, integers and floats. Arrays come from the C allocator, integers of 4 bytes.
 
   /// Reads the header (1), the data of a block whose header was read (2) or both (3). 1 for a block without entities.
+  /// Arrays of an earlier read are forgotten and not freed: ClearProperty goes first.
   int ReadProperty(ORVProperties* block, int sections, int state);
   void ClearProperty(ORVProperties* block);  ///< frees the arrays of a block, not the block
   /// All properties blocks of the constant section and the first state. An empty list is read anew with `load`.
@@ -236,7 +237,7 @@ class ORVIO_EXPORT ORVFiler {
   /// is 0. 1 without such a block.
   int GetPropertyValues(int state, const char* typeName, const char* propertyName, int& nIds, int** ids, int& nInts,
                         int** ints, int& nFloats, float** floats);
-  bool HasSecureNodeProperty();            ///< whether there is any properties block
+  bool HasSecureNodeProperty();  ///< whether a block of the list is of the type "SECURED_NODE", whatever its case
   bool HasSecureNodeCoordinateProperty();  ///< whether one is of the type "SECURED_NODE" and the name "COORDINATE"
 
   // ---- State index. The tables belong to the filer and are read at first demand, or again with `force`; without

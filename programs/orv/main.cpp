@@ -50,9 +50,9 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kFine : kTrouble;
   } catch (const std::bad_alloc&) {
-    fmt::print(stderr, "orv: out of memory; choose fewer values with --component or --state\n");
+    fmt::print(stderr, "orv: out of memory; ask for less at a time\n");
   } catch (const std::exception& error) {
-    fmt::print(stderr, "orv: {}\n", error.what());
+    if (std::ferror(stdout) == 0) fmt::print(stderr, "orv: {}\n", error.what());  // else told below
   }
   return kTrouble;
 }

@@ -3,9 +3,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "block/block_keys.h"
 #include "block/block_parts.h"
@@ -47,6 +50,7 @@ bool MakeRoom(ORVBuffer& buffer, const HeldDataset& dataset) {
   if (buffer.m_data && room && *room >= dataset.bytes()) return true;
   if (!buffer.m_allocator || !room) return false;
   if (buffer.m_data) buffer.m_allocator->deallocate(static_cast<char*>(buffer.m_data), *room);
+  buffer.m_data = nullptr;  // allocate() may be a host's and throw
   buffer.m_elementSize = ElementSize(dataset.type);
   buffer.m_count = 0;
   buffer.m_data = buffer.m_allocator->allocate(dataset.bytes());
@@ -91,6 +95,8 @@ NewBuffer ReadWhole(IORVBufferManager& manager, IOH5Reader& reader, hid_t loc, c
   if (!CanBeHeld(held, loc, name)) return none;
   NewBuffer buffer(manager.CreateBuffer(held.type, held.rank, held.dims, name, block), {&manager});
   if (!buffer || !MakeRoom(*buffer, held)) return none;
+  // A dataset that has no storage and is never to be filled is read with success, but leaves the memory as it is.
+  std::memset(buffer->m_data, 0, held.bytes());
   const int status = reader.ReadDatasetAll(loc, name.c_str(), held.rank, held.dims, held.type, buffer->m_data);
   if (status != kOk) return none;
   Describe(*buffer, held, StateOfGroup(loc));
@@ -109,6 +115,35 @@ bool HasExtents(const ORVBuffer& buffer, int rank, const std::uint64_t* dims) {
   const auto count = h5::Product(rank, dims);
   return count && *count <= buffer.m_count;
 }
+
+/// What a block holds of other states, out of the way of a read. A dataset that is in its place when the scope ends has
+/// replaced it; where there is none, it is put back.
+class SetAside {
+ public:
+  using Map = std::map<std::string, ORVBuffer*>;
+
+  SetAside(IORVBufferManager& manager, const std::shared_ptr<Map>& map, std::size_t most)
+      : manager_(manager), of_the_block_(map), from_(map) {
+    taken_.reserve(most);
+  }
+  SetAside(const SetAside&) = delete;
+  SetAside& operator=(const SetAside&) = delete;
+  ~SetAside() {
+    if (of_the_block_ != from_) return;  // the host's manager had the block forget all it held
+    for (Map::node_type& node : taken_) {
+      const Map::insert_return_type put_back = from_->insert(std::move(node));
+      if (!put_back.inserted) manager_.ReleaseBuffer(put_back.node.mapped());
+    }
+  }
+
+  void Take(const std::string& name) { taken_.push_back(from_->extract(name)); }
+
+ private:
+  IORVBufferManager& manager_;
+  const std::shared_ptr<Map>& of_the_block_;
+  const std::shared_ptr<Map> from_;
+  std::vector<Map::node_type> taken_;
+};
 
 }  // namespace
 
@@ -156,13 +191,6 @@ void ORVBlock::AppendCachedData(const std::string& name, ORVBuffer* buffer) {
 
 int ORVBlock::ReadAndCacheDataset(IORVBufferManager& manager, const char* file, int state,
                                   std::vector<std::string>& names, bool toFloat) {
-  // A block holds each dataset in one state: that of the last read.
-  const auto forget_other_states = [&](const std::string& name) {
-    ORVBuffer* buffer = GetCachedDataset(name);
-    if (!buffer || ServesState(*this, *buffer, state)) return;
-    m_pCacheMap->erase(name);
-    manager.ReleaseBuffer(buffer);
-  };
   const auto set_state = [&](const std::string& name) {
     ORVBuffer* buffer = GetCachedDataset(name);
     if (buffer && buffer->m_state == kUnknownState) buffer->m_state = state;
@@ -172,7 +200,12 @@ int ORVBlock::ReadAndCacheDataset(IORVBufferManager& manager, const char* file, 
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));
     if (!group) return kFail;
-    std::ranges::for_each(names, forget_other_states);
+    // A block holds each dataset in one state: that of the last read that succeeded.
+    SetAside other_states(manager, m_pCacheMap, names.size());
+    for (const std::string& name : names) {
+      const ORVBuffer* buffer = GetCachedDataset(name);
+      if (buffer && !ServesState(*this, *buffer, state)) other_states.Take(name);
+    }
     const int status = ReadAndCacheDataset(manager, group.get(), names, toFloat);
     std::ranges::for_each(names, set_state);
     return status;

@@ -81,7 +81,7 @@ void ORVFiler::GetPropertiesBlocksByName(std::vector<const char*>& typeNames, st
   });
 }
 
-bool ORVFiler::HasSecureNodeProperty() { return m_pData && !m_pData->properties.empty(); }
+bool ORVFiler::HasSecureNodeProperty() { return m_pData && HasSecuredNode(m_pData->properties); }
 
 bool ORVFiler::HasSecureNodeCoordinateProperty() {
   return h5::Entry(false, [&] {

@@ -59,7 +59,7 @@ int ORVProperties::ReadHeader(hid_t group, int flags) {
   in.strip(m_etypzone);
   in.defaulted(disk::zoneid, m_zoneid);
   in.if_present(disk::nindex, m_nindex);
-  in.strip(m_etyp);  // only now: a header that ends above keeps the blanks
+  in.strip(m_etyp);  // these two only now: both keep their blanks where a line above has failed
   in.strip(m_etypvar);
   return in.status();
 }
@@ -165,6 +165,11 @@ std::uint64_t StoredBytes(hid_t data) {
   return dataset ? H5Dget_storage_size(dataset.get()) : 0;
 }
 
+/// Writers leave the ids out where all entities have a record.
+[[nodiscard]] int ReadIdsThatExist(ORVProperties& block, IOH5Reader* reader, hid_t data) {
+  return h5::LinkExists(data, disk::entid) ? ReadIds(block, reader, data) : kOk;
+}
+
 /// Zeroed room for the texts of all entities and a terminator; null when nothing in the file stands behind its size.
 Bytes MakeRoom(std::uint64_t room, hid_t data) {
   if (room >= h5::kUnbackedBytes && room > StoredBytes(data)) return nullptr;
@@ -183,8 +188,9 @@ int ORVProperties::ReadSelAttWithCallBack(hid_t group, int state, _ORVBlockAtt a
     const auto room = TextBytes(*this, std::max(m_nbstring, 1));
     const Bytes texts = room ? MakeRoom(*room, data) : nullptr;
     if (!texts) return kFail;
-    int status = ReadIds(*this, GetH5Reader(), data);
-    if (status == kOk) status = ReadTexts(GetH5Reader(), data, m_length, texts.get(), *room);
+    const int ids_status = ReadIdsThatExist(*this, GetH5Reader(), data);
+    const int texts_status = ReadTexts(GetH5Reader(), data, m_length, texts.get(), *room);
+    const int status = texts_status != kOk ? texts_status : ids_status;
     const Swapped<char*> for_the_call(m_cparam, texts.get());
     m_readCallBack(status, this, m_readCallBackData);
     return status;

@@ -38,9 +38,9 @@ bool AllocateBuffers(ORVProperties& block, const h5::StoredElementsOf& stored) {
 }
 
 void FreeBuffers(ORVProperties& block) {
-  // QUIRK: a block without entities keeps its arrays, and what the counts do not have is forgotten unfreed. No filer has
-  // made these: they are the host's own, of whatever allocator. Pinned by
-  // FilerPropertiesClear.FreesNothingThatTheCountsDoNotHave.
+  // QUIRK: a block without entities keeps its arrays, and what the counts do not have is forgotten unfreed. A filer has
+  // not made these for the counts as they are: they are the host's own, of whatever allocator, or older than the counts.
+  // Pinned by FilerPropertiesClear.FreesNothingThatTheCountsDoNotHave.
   if (block.m_nent == 0) return;
   std::free(block.m_entid);
   if (block.m_nbint != 0) std::free(block.m_iparam);

@@ -8,8 +8,9 @@
 
 namespace orvio {
 
-/// Reads the block that carries its names or path already: its header (1), the data of one whose header was read (2), or
-/// both (3). 1 for a data read without entities. A block whose data cannot be read has no arrays.
+/// Reads the block that carries its names or path already: its header (1), the data of one whose header was read (2),
+/// or both (3). 1 for a data read without entities. A block whose data cannot be read has no arrays, but one without
+/// entities or of another kind keeps what it had.
 [[nodiscard]] int ReadProperty(ORVProperties& block, const char* file, int state, int sections);
 
 /// What a host asks of a block: the ids of its entities and their numbers, entity by entity. No array where the count

@@ -51,9 +51,8 @@ bool ReadFromCache(ORVResult& block, int state, _ORVBlockAtt att, int rank, std:
   const bool served = kind->IsEntity() || (kind->IsMultistate() && via_cache && !block.m_readIds);
   if (!served) return false;
   const bool values = att == ORV_ATT_RES;
-  const bool with_ids = values && block.m_readIds;
+  const bool with_ids = values && block.m_readIds && block.m_entid;
   if (values && MayBeConverted(block, rank, start, count)) return false;
-  if (with_ids && !block.m_entid) return false;  // the file tells whether there are ids to miss
   if (block.FillFromCacheData(state, att, rank, start, count) != kOk) return false;
   return !with_ids || block.FillFromCacheData(state, ORV_ATT_IDS, 1, nullptr, nullptr) == kOk;
 }

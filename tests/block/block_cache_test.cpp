@@ -1,12 +1,16 @@
 // The datasets that a block holds in memory: how they get there, and the map of them. Copies out of
 // memory are in block_cache_copy_test, the memory itself in buffer_manager_test.
 
+#include <climits>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
+#include "block/cached_dataset.h"
 #include "block/caching_block.h"
 
 namespace {
@@ -96,6 +100,58 @@ TEST_F(BlockCache, HoldsOneStateOfADataset) {
   EXPECT_EQ(block_.Held<float>("res"), Floats{2});
 }
 
+TEST_F(BlockCache, KeepsTheOtherStateOfADatasetThatCannotBeRead) {
+  file_.at(State(1) + "/block").dataset<float>("res", {1}, {1}).dataset<float>("indexval", {2}, {7, 8});
+  file_.at(State(2) + "/block").dataset<float>("res", {1}, {2});
+  ASSERT_EQ(Cache({"res", "indexval"}, 1), 0);
+  const ORVBuffer* buffer = block_.GetCachedDataset("indexval");
+  EXPECT_EQ(Cache({"indexval"}, 2), 1);
+  EXPECT_EQ(Cache({"res", "indexval", "indexval"}, 2), 1);
+  EXPECT_EQ(block_.GetCachedDataset("indexval"), buffer);
+  EXPECT_EQ(block_.Held<float>("indexval"), (Floats{7, 8}));
+  EXPECT_TRUE(orvio::ServesState(block_, *buffer, 1));
+  EXPECT_FALSE(orvio::ServesState(block_, *buffer, 2));
+  EXPECT_EQ(block_.Held<float>("res"), Floats{2});
+}
+
+TEST_F(BlockCache, OfAGroupInAStateServesNoneUntilItIsReadFromTheFile) {
+  file_.at(State(1) + "/block").dataset<float>("res", {1}, {1});
+  Names names = {"res"};
+  ASSERT_EQ(block_.OpenH5Reader(file_.path().c_str(), 0), 0);
+  const hid_t group = block_.OpenBlockGroup(1);
+  EXPECT_EQ(block_.ReadAndCacheDataset(manager_, group, names, false), 0);
+  H5Gclose(group);
+  block_.CloseH5Reader();
+  const ORVBuffer* buffer = block_.GetCachedDataset("res");
+  ASSERT_NE(buffer, nullptr);
+  EXPECT_EQ(buffer->m_state, INT_MAX);
+  EXPECT_EQ(block_.Held<float>("res"), Floats{1});
+  for (const int state : {1, 2, 0, -1, INT_MAX}) EXPECT_FALSE(orvio::ServesState(block_, *buffer, state)) << state;
+
+  file_.at(State(1) + "/block").dataset<float>("res", {1}, {5});
+  EXPECT_EQ(Cache({"res", "missing"}, 2), 1);  // there is no such state
+  EXPECT_EQ(block_.GetCachedDataset("res")->m_state, INT_MAX);
+  EXPECT_EQ(Cache({"res"}, 1), 0);
+  EXPECT_EQ(block_.Held<float>("res"), Floats{5});
+  EXPECT_EQ(block_.GetCachedDataset("res")->m_state, 1);
+  EXPECT_TRUE(orvio::ServesState(block_, *block_.GetCachedDataset("res"), 1));
+}
+
+TEST_F(BlockCache, OfAGroupStaysUnknownWhenTheFileHasNoSuchDataset) {
+  AtBlock().dataset<float>("res", {1}, {1});
+  file_.at(State(1) + "/block").dataset<float>("extra", {1}, {3});
+  file_.at(State(2) + "/block").dataset<float>("res", {1}, {2});
+  Names names = {"extra"};
+  ASSERT_EQ(block_.OpenH5Reader(file_.path().c_str(), 0), 0);
+  const hid_t group = block_.OpenBlockGroup(1);
+  EXPECT_EQ(block_.ReadAndCacheDataset(manager_, group, names, false), 0);
+  H5Gclose(group);
+  block_.CloseH5Reader();
+  EXPECT_EQ(Cache({"extra"}, 2), 1);
+  ASSERT_TRUE(block_.IsDatasetCached("extra"));
+  EXPECT_EQ(block_.GetCachedDataset("extra")->m_state, INT_MAX);
+}
+
 TEST_F(BlockCache, WithoutFileOrGroupFails) {
   Names names = {"res"};
   EXPECT_EQ(block_.ReadAndCacheDataset(manager_, nullptr, 0, names, false), 1);
@@ -152,6 +208,7 @@ class HostManager : public IORVBufferManager {
     buffer.m_count = count;
     buffer.m_allocator = allocator;
     buffer.m_data = count ? std::malloc(element * count) : nullptr;
+    if (buffer.m_data) std::memset(buffer.m_data, 0x7f, element * count);
     return &buffer;
   }
   void ReleaseBuffer(ORVBuffer* buffer) override { released.push_back(buffer); }
@@ -198,6 +255,47 @@ TEST_F(BlockCacheOfAHost, GetsMemoryForABufferThatIsTooSmall) {
   }
 }
 
+TEST_F(BlockCacheOfAHost, HasZerosWhereTheFileStoresNothing) {
+  for (const H5D_layout_t layout : {H5D_CONTIGUOUS, H5D_CHUNKED}) {
+    AtBlock().drop("res").raw([layout](hid_t here) {
+      const hsize_t dims[] = {3};
+      const Id space(H5Screate_simple(1, dims, nullptr), "space");
+      const Id list(H5Pcreate(H5P_DATASET_CREATE), "list");
+      Check(H5Pset_layout(list.get(), layout), "layout");
+      if (layout == H5D_CHUNKED) Check(H5Pset_chunk(list.get(), 1, dims), "chunk");
+      Check(H5Pset_fill_time(list.get(), H5D_FILL_TIME_NEVER), "fill time");  // a read leaves the memory as it is
+      const Id made(H5Dcreate2(here, "res", H5T_NATIVE_FLOAT, space.get(), H5P_DEFAULT, list.get(), H5P_DEFAULT),
+                    "res");
+    });
+    host_.count = 3;
+    EXPECT_EQ(CacheAtHost(), 0) << layout;
+    EXPECT_EQ(block_.Held<float>("res"), (Floats{0, 0, 0})) << layout;
+    block_.DeleteCache();
+  }
+}
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // that of the base is fixed
+
+/// Frees, and has nothing to give.
+class ExhaustedMemory : public ORVHostAllocate {
+ public:
+  char* allocate(std::size_t /*size*/) override { throw std::bad_alloc(); }
+};
+
+#pragma GCC diagnostic pop
+
+TEST_F(BlockCacheOfAHost, LeavesNoFreedMemoryInABufferThatGetsNoMore) {
+  ExhaustedMemory exhausted;
+  host_.allocator = &exhausted;
+  host_.count = 2;
+  EXPECT_EQ(CacheAtHost(), 1);
+  ASSERT_EQ(host_.made.size(), 1U);
+  EXPECT_EQ(host_.made[0]->m_data, nullptr);
+  EXPECT_EQ(host_.released, std::vector<ORVBuffer*>{host_.made[0].get()});
+  EXPECT_FALSE(block_.IsDatasetCached("res"));
+}
+
 TEST_F(BlockCacheOfAHost, WithoutABufferOrMemoryHoldsNothing) {
   host_.allocator = nullptr;
   EXPECT_EQ(CacheAtHost(), 1);
@@ -217,6 +315,43 @@ TEST_F(BlockCacheOfAHost, GetsTheBufferOfAnotherStateBack) {
   EXPECT_EQ(block_.ReadAndCacheDataset(host_, file_.path().c_str(), 1, names, false), 0);
   EXPECT_EQ(block_.ReadAndCacheDataset(host_, file_.path().c_str(), 2, names, false), 0);
   EXPECT_EQ(host_.released, std::vector<ORVBuffer*>{host_.made.at(0).get()});
+}
+
+TEST_F(BlockCacheOfAHost, GetsNothingBackForAStateThatCannotBeRead) {
+  file_.at(State(1) + "/block").dataset<float>("res", {1}, {1});
+  file_.at(State(2) + "/block");
+  host_.count = 1;
+  Names names = {"res"};
+  EXPECT_EQ(block_.ReadAndCacheDataset(host_, file_.path().c_str(), 1, names, false), 0);
+  EXPECT_EQ(block_.ReadAndCacheDataset(host_, file_.path().c_str(), 2, names, false), 1);
+  EXPECT_TRUE(host_.released.empty());
+  EXPECT_EQ(block_.Held<float>("res"), Floats{1});
+}
+
+/// Has a block forget all it holds before it makes a buffer, as one that runs out of memory would.
+class ForgettingManager : public HostManager {
+ public:
+  ORVBuffer* CreateBuffer(_ORVDataType type, int rank, std::uint64_t* dims, const std::string& name,
+                          ORVBlock* block) override {
+    block->ClearCacheMap();
+    return HostManager::CreateBuffer(type, rank, dims, name, block);
+  }
+};
+
+TEST_F(BlockCacheOfAHost, PutsNothingBackIntoABlockThatWasMadeToForget) {
+  file_.at(State(1) + "/block").dataset<float>("res", {1}, {1}).dataset<float>("extra", {1}, {3});
+  file_.at(State(2) + "/block").dataset<float>("res", {1}, {2});
+  ForgettingManager forgetting;
+  forgetting.count = 1;
+  Names names = {"extra"};
+  EXPECT_EQ(block_.ReadAndCacheDataset(forgetting, file_.path().c_str(), 1, names, false), 0);
+  CachingBlock copy = block_;
+  names = {"extra", "res"};
+  EXPECT_EQ(block_.ReadAndCacheDataset(forgetting, file_.path().c_str(), 2, names, false), 0);
+  EXPECT_FALSE(block_.IsDatasetCached("extra"));
+  EXPECT_FALSE(copy.IsDatasetCached("extra"));
+  EXPECT_EQ(block_.Held<float>("res"), Floats{2});
+  EXPECT_TRUE(forgetting.released.empty());
 }
 
 // ---- The map

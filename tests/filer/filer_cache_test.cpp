@@ -18,6 +18,7 @@ namespace {
 
 using namespace orv_test;
 using Floats = std::vector<float>;
+using Ints = std::vector<int>;
 using Names = std::vector<std::string>;
 using Results = std::vector<ORVResult*>;
 
@@ -54,6 +55,13 @@ class FilerCache : public OrvTest, public ::testing::WithParamInterface<ForgedMo
     const int status = block.FillFromCacheData(state, ORV_ATT_RES, 0, nullptr, nullptr);
     block.m_res = nullptr;
     return status == 0 ? values : Floats{};
+  }
+  static Ints HeldIds(ORVResult& block) {
+    Ints ids(2, -1);
+    block.m_entid = ids.data();
+    const int status = block.FillFromCacheData(1, ORV_ATT_IDS, 0, nullptr, nullptr);
+    block.m_entid = nullptr;
+    return status == 0 ? ids : Ints{};
   }
 
   ForgedModel model_{GetParam()};
@@ -157,7 +165,20 @@ TEST_P(FilerCache, ForgetsCopiesWhenAllIsClearedOrReadAgain) {
   EXPECT_EQ(Held(second), Floats{});
 }
 
-TEST_P(FilerCache, KeepsWhatIsHeldWhenABlockGoes) {
+TEST_P(FilerCache, KeepsWhatIsHeldForCopiesWhenABlockGoes) {
+  Names names = {"res"};
+  ORVResult copy;
+  {
+    ORVResult own = *Single();
+    ASSERT_EQ(filer_->CacheData(&own, 1, &names, false), 0);
+    copy = own;
+  }
+  EXPECT_EQ(Held(copy), (Floats{1, 2, -1, -1}));
+  filer_->ClearCacheData(3);
+  EXPECT_EQ(Held(copy), Floats{});
+}
+
+TEST_P(FilerCache, RemembersNoBlockThatWentWithAllItsCopies) {
   Names names = {"res"};
   {
     ORVResult own = *Single();
@@ -177,16 +198,26 @@ TEST_P(FilerCache, RemembersABlockOnce) {
 }
 
 TEST_P(FilerCache, ForgetsABlockOfAnotherFilerForBoth) {
-  Names names = {"res"};
-  Names ids = {"entid"};
-  OpenFiler other(model_.path().c_str());
-  ORVResult own = *Single();
-  ASSERT_EQ(filer_->CacheData(&own, 1, &names, false), 0);
-  ASSERT_EQ(other.CacheData(&own, 1, &ids, false), 0);
-  filer_->ClearCacheData(3);
-  EXPECT_EQ(Held(own), Floats{});
-  other.ClearCacheData(3);
-  EXPECT_EQ(Held(own), Floats{});
+  enum class Ends { kFirstClears, kOtherClears, kOtherGoes };
+  for (const Ends end : {Ends::kFirstClears, Ends::kOtherClears, Ends::kOtherGoes}) {
+    Names names = {"res"};
+    Names ids = {"entid"};
+    auto other = std::make_unique<OpenFiler>(model_.path().c_str());
+    ORVResult own = *Single();
+    ASSERT_EQ(filer_->CacheData(&own, 1, &names, false), 0);
+    ASSERT_EQ(other->CacheData(&own, 1, &ids, false), 0);
+    EXPECT_EQ(Held(own), (Floats{1, 2, -1, -1}));
+    EXPECT_EQ(HeldIds(own), (Ints{10, 20}));
+    if (end == Ends::kFirstClears) filer_->ClearCacheData(3);
+    if (end == Ends::kOtherClears) other->ClearCacheData(3);
+    if (end == Ends::kOtherGoes) other.reset();
+    EXPECT_EQ(Held(own), Floats{});
+    EXPECT_EQ(HeldIds(own), Ints{});
+    if (other) other->ClearCacheData(3);
+    filer_->ClearCacheData(3);
+    EXPECT_EQ(Held(own), Floats{});
+    EXPECT_EQ(HeldIds(own), Ints{});
+  }
 }
 
 }  // namespace

@@ -300,38 +300,49 @@ TEST_F(FilerPropertiesLookup, ByNameAppends) {
 
 // ---- Yes or no
 
-TEST_F(FilerPropertiesList, OfAnyBlockCountsAsSecureNodeProperty) {
+TEST_F(FilerPropertiesList, HasASecureNodePropertyByTypeAlone) {
+  for (const char* type : {"SECURED_NODE", "secured_node"}) {
+    PropertiesFile file;
+    file.Add(IdsOnly("/post/constant", "NODE", "MASS"));
+    file.Add(IdsOnly("/post/constant", type, "MASS"));
+    PropertiesFiler filer(file.path().c_str());
+    EXPECT_FALSE(filer.HasSecureNodeProperty());  // not read yet
+    filer.GetPropertiesBlocks(true);
+    EXPECT_TRUE(filer.HasSecureNodeProperty()) << type;
+    EXPECT_FALSE(filer.HasSecureNodeCoordinateProperty());
+  }
+}
+
+TEST_F(FilerPropertiesList, WithoutThatTypeHasNoSecureNodeProperty) {
   PropertiesFile file;
   file.Add(IdsOnly("/post/constant", "NODE", "MASS"));
   PropertiesFiler filer(file.path().c_str());
-  EXPECT_FALSE(filer.HasSecureNodeProperty());  // not read yet
-  filer.GetPropertiesBlocks(true);
-  EXPECT_TRUE(filer.HasSecureNodeProperty());
-  EXPECT_FALSE(filer.HasSecureNodeCoordinateProperty());
+  EXPECT_EQ(filer.GetPropertiesBlocks(true).size(), 1U);
+  EXPECT_FALSE(filer.HasSecureNodeProperty());
   EXPECT_FALSE(ORVFiler(nullptr).HasSecureNodeProperty());
   EXPECT_FALSE(ORVFiler(nullptr).HasSecureNodeCoordinateProperty());
 }
 
 struct SecuredCase {
   const char *etyp, *name, *variable, *key;
-  bool secured;
+  bool node, coordinate;
 };
 
 TEST_F(FilerPropertiesList, HasASecureNodeCoordinateByTypeAndVariable) {
-  for (const SecuredCase& each : {SecuredCase{"SECURED_NODE", "XYZ", "XYZ", "COORDINATE", true},
-                                  SecuredCase{"secured_node", "Coordinate", "coordinate", "coordinate", true},
-                                  SecuredCase{"SECURED_NODE", "COORDINATE", "COORDINATE", "XYZ", false},
-                                  SecuredCase{"SECURED_NODE", "COORDINATE", "Speed", "COORDINATE", false},
-                                  SecuredCase{"SECURED_NODE", "MASS", "MASS", "MASS", false},
-                                  SecuredCase{"NODE", "COORDINATE", "COORDINATE", "COORDINATE", false}}) {
+  for (const SecuredCase& each : {SecuredCase{"SECURED_NODE", "XYZ", "XYZ", "COORDINATE", true, true},
+                                  SecuredCase{"secured_node", "Coordinate", "coordinate", "coordinate", true, true},
+                                  SecuredCase{"SECURED_NODE", "COORDINATE", "COORDINATE", "XYZ", true, false},
+                                  SecuredCase{"SECURED_NODE", "COORDINATE", "Speed", "COORDINATE", true, false},
+                                  SecuredCase{"SECURED_NODE", "MASS", "MASS", "MASS", true, false},
+                                  SecuredCase{"NODE", "COORDINATE", "COORDINATE", "COORDINATE", false, false}}) {
     PropertiesFile file;
     file.model().variable({.name = each.variable, .key = each.key});
     file.Add(IdsOnly("/post/constant", each.etyp, each.name));
     PropertiesFiler filer(file.path().c_str());
     int next_id = 1;
     (void)filer.InitReader(next_id);
-    EXPECT_TRUE(filer.HasSecureNodeProperty());
-    EXPECT_EQ(filer.HasSecureNodeCoordinateProperty(), each.secured) << each.etyp << each.name << each.variable;
+    EXPECT_EQ(filer.HasSecureNodeProperty(), each.node) << each.etyp;
+    EXPECT_EQ(filer.HasSecureNodeCoordinateProperty(), each.coordinate) << each.etyp << each.name << each.variable;
   }
 }
 

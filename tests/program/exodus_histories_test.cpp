@@ -101,6 +101,12 @@ TEST_F(ExodusHistories, OfFloatsAreFloats) {
   EXPECT_EQ(raw.values<float>(Block("NODE/temp") + "/res").size(), 2U);
 }
 
+TEST_F(ExodusHistories, OfLayersAreCurvesOfTheirZones) {
+  const std::string path = Import(exodus_forge::SmallExodus().Write(TempPath("run.e")), {"--history", "element:11"});
+  EXPECT_EQ(RunOrv({"history", path, "--var", "eqps", "--entity", "HEXA8", "--csv"}).out,
+            "state,TIME,STEP,eqps@11/POINT_1,eqps@11/POINT_2\n1,0.5,1,800,700\n2,1.5,2,810,710\n");
+}
+
 TEST_F(ExodusHistories, AreCountedInTheSummary) {
   const ProgramRun run = RunOrv({"import", ExodusWithGlobals().Write(TempPath("run.e")), TempPath("out.orv")});
   EXPECT_THAT(run.err, HasSubstr("2 states, "));

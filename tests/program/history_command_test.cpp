@@ -185,6 +185,59 @@ TEST_F(HistoryCommand, ShowsUnitsInHeadings) {
   EXPECT_THAT(run.out, StartsWith("state,TIME [s],STEP,SXX [MPa]\n1,"));
 }
 
+TEST_F(HistoryCommand, NamesTheZone) {
+  AddIndex(AddNodalResult(file_, kState1, "ODD/INLET", 1000, 1, 1), {0.125, 1})
+      .text("etypvar", "ODD")
+      .text("etypzone", "INLET")
+      .dataset<std::int32_t>("entid", {1}, {2})
+      .dataset<float>("res", {1, 1}, {77});
+  EXPECT_THAT(History({"ODD", "--ids", "2", "--csv"}),
+              StartsWith("state,TIME,STEP,VALUE@2/INLET,VALUE@2\n1,0.125,1,77,inf\n"));
+  const json history = json::parse(History({"ODD", "--ids", "2", "--json"}));
+  EXPECT_EQ(history.at("curves").at(0).at("zone"), "INLET");
+  EXPECT_FALSE(history.at("curves").at(1).contains("zone"));
+}
+
+TEST_F(HistoryCommand, TakesTheFirstOfTwoValuesOfAnEntity) {
+  AddIndex(AddNodalResult(file_, kState1, "ODD/AGAIN", 1000, 1, 1), {0.125, 1})
+      .text("etypvar", "ODD")
+      .dataset<std::int32_t>("entid", {1}, {2})
+      .dataset<float>("res", {1, 1}, {77});
+  EXPECT_THAT(History({"ODD", "--ids", "2", "--csv"}), StartsWith("state,TIME,STEP,VALUE\n1,0.125,1,77\n"));
+}
+
+TEST_F(HistoryCommand, ComesFromTheStatesWhereTheyHaveTheIdOnAnotherEntityType) {
+  AddMultiState(file_, "SHELL", "STRESS", {11, 21});
+  EXPECT_THAT(History({"STRESS", "--ids", "21", "--csv"}),
+              StartsWith("state,TIME,STEP,SXX,\"S,Y\"\n1,0.125,1,-1,-2\n"));
+  EXPECT_THAT(History({"STRESS", "--ids", "11", "--csv"}),
+              StartsWith("state,TIME,STEP,SHELL:SXX,\"SHELL:S,Y\"\n1,0.1,1,11.1,-11.1\n"));
+}
+
+TEST_F(HistoryCommand, ComesFromTheStatesWhereABlockOverAllStatesIsDamagedOrTooShort) {
+  AddMultiState(file_, "NODE", "WAVE", {5, 6});
+  const std::string block = "/post/multistate/multientityresults/NODE/WAVE/orvblock";
+  for (const int states : {0, 1, 12}) {
+    file_.at(block).integer("nstate", states);
+    EXPECT_EQ(RunOrv({"history", file_.path(), "--var", "WAVE", "--ids", "5", "--component", "A", "--csv"}).out,
+              "state,TIME,STEP,A.re,A.im\n1,0.125,1,0.1,-1e-300\n2,0.25,1,,\n")
+        << states;
+  }
+}
+
+TEST_F(HistoryCommand, TakesTheIndexOfTheStatesWhereABlockHasNone) {
+  AddMultiState(file_, "NODE", "WAVE", {5, 6});
+  file_.at("/post/multistate/multientityresults/NODE/WAVE/orvblock").drop("indexval");
+  EXPECT_EQ(History({"WAVE", "--ids", "5", "--component", "A", "--csv"}),
+            "state,TIME,STEP,A\n1,0.125,1,11.1\n2,0.25,1,21.1\n3,,,31.1\n");
+}
+
+TEST_F(HistoryCommand, RefusesALayerThatIsNone) {
+  const ProgramRun run = Run({"STRESS", "--layer", "0"});
+  EXPECT_EQ(run.exit_code, 2);
+  EXPECT_THAT(run.err, HasSubstr("--layer: Value 0 not in range 1 to 2147483647"));
+}
+
 // ---- Drawings
 
 class HistoryPlot : public HistoryCommand {
@@ -259,6 +312,14 @@ TEST_F(HistoryPlot, WithoutItsProgramSaysWhatToInstallAndLeavesTheOldPicture) {
   ExpectTrouble(run, "gnuplot", "is not installed");
   EXPECT_THAT(run.err, HasSubstr("gnuplot-nox"));
   EXPECT_EQ(BytesOf(TempPath("a.svg")), "old");
+}
+
+TEST_F(HistoryPlot, DoesNotTakeThePlaceOfItsData) {
+  const std::string path = TempPath("data.svg");
+  std::filesystem::copy_file(file_.path(), path);
+  const std::string before = BytesOf(path);
+  ExpectTrouble(RunOrv({"history", path, "--var", "ENERGY", "--plot", path}), path, "is the file to read");
+  EXPECT_EQ(BytesOf(path), before);
 }
 
 TEST_F(HistoryPlot, ThatCannotBeWrittenLeavesNothing) {

@@ -144,6 +144,45 @@ TEST_F(ValuesCommand, NumbersEntitiesWithoutIds) {
   EXPECT_EQ(Values({"TEMP", "--csv"}), "id,C1\n1,0.1\n2,300\n");
 }
 
+TEST_F(ValuesCommand, RefusesABlockWhoseIdsAreDamaged) {
+  file_.at("/post/constant/entityresults/NODE/TEMP/orvblock").drop("entid").dataset<std::int32_t>("entid", {1}, {3});
+  const ProgramRun run = Run({"TEMP"});
+  ExpectTrouble(run, file_.path(), "block /post/constant/entityresults/NODE/TEMP/orvblock cannot be read");
+}
+
+/// One id on all nodes and in a zone.
+void AddZone(ForgedFile& file) {
+  AddIndex(AddNodalResult(file, kState1, "ODD/INLET", 1000, 1, 1), {0.125, 1})
+      .text("etypvar", "ODD")
+      .text("etypzone", "INLET")
+      .dataset<std::int32_t>("entid", {1}, {2})
+      .dataset<float>("res", {1, 1}, {77});
+}
+
+TEST_F(ValuesCommand, TellsTheZoneOfABlock) {
+  AddZone(file_);
+  EXPECT_EQ(Values({"ODD", "--state", "1", "--ids", "2"}),
+            "\nNODE, zone INLET\nid  VALUE\n 2     77\n\nNODE\nid  VALUE\n 2    inf\n");
+  EXPECT_EQ(Values({"ODD", "--state", "1", "--ids", "2", "--csv"}),
+            "entity,zone,id,VALUE\nNODE,INLET,2,77\nNODE,,2,inf\n");
+  const json values = json::parse(Values({"ODD", "--state", "1", "--ids", "2", "--json"}));
+  EXPECT_EQ(values["blocks"][0]["zone"], "INLET");
+  EXPECT_FALSE(values["blocks"][1].contains("zone"));
+}
+
+TEST_F(ValuesCommand, TakesTheFileBehindItsIds) {
+  const ProgramRun run = RunOrv({"values", "--var", "TEMP", "--ids", "1", file_.path(), "--csv"});
+  EXPECT_EQ(run.out, "id,C1\n1,300\n");
+}
+
+TEST_F(ValuesCommand, ShowsControlCharactersOfNamesAsQuestionMarks) {
+  AddVariable(file_, "X", "", 0, {"A\033[31mB"});
+  AddNodalResult(file_, "/post/constant/", "X", 1000, 1, 1)
+      .dataset<std::int32_t>("entid", {1}, {1})
+      .dataset<float>("res", {1, 1}, {5});
+  EXPECT_EQ(Values({"X"}), "id  A?[31mB\n 1        5\n");
+}
+
 TEST_F(ValuesCommand, NumbersComponentsWithoutALabel) {
   file_.at("/post/constant/variable/STRESS/orvblock").integer("subslen", 0);
   EXPECT_EQ(Values({"STRESS", "--state", "1", "--entity", "SOLID", "--csv"}), "id,layer,C1,C2\n21,1,-1,-2\n");
@@ -210,13 +249,27 @@ TEST_F(ValuesCommand, RefusesWhatTheFileDoesNotHold) {
 }
 
 TEST_F(ValuesCommand, RefusesIdsThatAreNone) {
-  for (const char* ids : {"x", "5-", "9-7", "1-2-3", "1 2", "99999999999999999999", "1-99999999999"}) {
+  for (const char* ids : {"x", "5-", "9-7", "1-2-3", "1 2", "99999999999999999999", "-1"}) {
     SCOPED_TRACE(ids);
     const ProgramRun run = Run({"STRESS", "--state", "1", "--ids=" + std::string(ids)});
     EXPECT_EQ(run.exit_code, 2);
     EXPECT_EQ(run.out, "");
     EXPECT_THAT(run.err, testing::HasSubstr("\"" + std::string(ids) + "\" is no id and no range of ids such as 7-12"));
   }
+}
+
+TEST_F(ValuesCommand, RefusesMoreThanAMillionIds) {
+  for (const char* ids : {"1-1000001", "0-9223372036854775807", "1-600000,1-600000", "1-99999999999"}) {
+    SCOPED_TRACE(ids);
+    const ProgramRun run = Run({"STRESS", "--state", "1", "--ids=" + std::string(ids)});
+    EXPECT_EQ(run.exit_code, 2);
+    EXPECT_THAT(run.err, testing::HasSubstr("makes more than a million ids; ask for fewer at a time"));
+  }
+}
+
+TEST_F(ValuesCommand, TakesTheLargestId) {
+  ExpectRefused({"STRESS", "--state", "1", "--ids", "9223372036854775807"},
+                "\"STRESS\" has no value at id 9223372036854775807; leave out --ids to see which there are");
 }
 
 TEST_F(ValuesCommand, RefusesTwoKindsOfOutput) {

@@ -367,14 +367,38 @@ TEST_F(PropertiesCallBack, IsToldOfTextsThatCannotBeRead) {
   EXPECT_EQ(call_.calls, 1);
   EXPECT_EQ(call_.status, 1);
   EXPECT_EQ(call_.texts, std::string(13, '\0'));
+  EXPECT_EQ(call_.id, 102);
   EXPECT_EQ(block_.m_cparam, block_.texts.data());
 }
 
-TEST_F(PropertiesCallBack, IsToldOfIdsThatCannotBeRead) {
+TEST_F(PropertiesCallBack, IsToldOfIdsThatCannotBeReadAndGetsTheTexts) {
+  ForgedProperties retyped, too_many, dangling;
+  retyped.data().retype("entid");
+  too_many.data().dataset<std::int32_t>("entid", {3}, {101, 102, 103});
+  dangling.data().drop("entid").soft_link("entid", "/nowhere");
+  for (ForgedProperties* file : {&retyped, &too_many, &dangling}) {
+    Prepare(*file);
+    call_ = Call();
+    EXPECT_EQ(Read(*file), 1);
+    EXPECT_EQ(call_.calls, 1);
+    EXPECT_EQ(call_.status, 1);
+    EXPECT_EQ(call_.texts, std::string(kTexts) + '\0');
+    EXPECT_EQ(call_.id, -1);
+  }
+}
+
+TEST_F(PropertiesCallBack, GetsTheTextsWhereThereAreNoIds) {
   ForgedProperties file;
-  file.data().retype("entid");
+  file.data().drop("entid");
   Prepare(file);
+  EXPECT_EQ(Read(file), 0);
+  EXPECT_EQ(call_.calls, 1);
+  EXPECT_EQ(call_.status, 0);
+  EXPECT_EQ(call_.texts, std::string(kTexts) + '\0');
+  EXPECT_EQ(call_.id, -1);
+  file.data().drop("cparam");
   EXPECT_EQ(Read(file), 1);
+  EXPECT_EQ(call_.calls, 2);
   EXPECT_EQ(call_.status, 1);
 }
 

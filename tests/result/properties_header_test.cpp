@@ -148,6 +148,20 @@ TEST_F(PropertiesHeader, EndsAtTheFirstThatIsMissing) {
   EXPECT_EQ(block.m_nent, 0);
 }
 
+TEST_F(PropertiesHeader, LosesTheBlanksOfItsNamesOnlyWhenAllLinesAreRead) {
+  ForgedProperties file;
+  file.header().text("etypprop", "MASS", 6).text("etyp", "NODE", 6).retype("nindex");
+  TestProperties block;
+  EXPECT_EQ(block.Read(file, ORV_READ_HEADER), 1);
+  EXPECT_STREQ(block.m_etypvar, "MASS  ");
+  EXPECT_STREQ(block.m_etyp, "NODE  ");
+  file.header().integer("nindex", 2);
+  block.SetEntityAndVarName("SECURED_NODE", "COORDINATE");
+  EXPECT_EQ(block.Read(file, ORV_READ_HEADER), 0);
+  EXPECT_STREQ(block.m_etypvar, "MASS");
+  EXPECT_STREQ(block.m_etyp, "NODE");
+}
+
 TEST_F(PropertiesHeader, OfNoEntitiesIsRead) {
   ForgedProperties file;
   file.header().integer("nent", 0);

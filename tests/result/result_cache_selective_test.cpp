@@ -172,11 +172,17 @@ TEST_F(ResultCacheOfNodes, ForgetsIdsThatTheFileDoesNotHave) {
   EXPECT_EQ(block_.m_readIds, 0);
 }
 
-TEST_F(ResultCacheOfNodes, LeavesIdsWithoutADestinationToTheFile) {
-  ASSERT_EQ(Cache(block_, forged_, {"res", "entid"}), 0);
-  block_.m_readIds = 1;
-  block_.m_entid = nullptr;
-  EXPECT_EQ(Select(block_, 18, {1, 0}, {1, 1}, forged_.path().c_str()), 1);
+TEST_F(ResultCacheOfNodes, ServesValuesWhereIdsHaveNoDestination) {
+  for (const char* held : {"res", "entid"}) {  // it makes no difference whether there are ids in memory
+    ASSERT_EQ(Cache(block_, forged_, {held}), 0);
+    values_.assign(8, -1);
+    block_.m_readIds = 1;
+    block_.m_entid = nullptr;
+    EXPECT_EQ(Select(block_, 18, {1, 0}, {1, 1}), 0) << held;
+    EXPECT_EQ(values_, (Floats{3, -1, -1, -1, -1, -1, -1, -1})) << held;
+    EXPECT_EQ(block_.m_readIds, 1);
+  }
+  EXPECT_EQ(ids_, Ints(3, -1));
 }
 
 TEST_F(ResultCacheOfNodes, ServesOtherItemsWithoutIdsBesideThem) {

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -15,6 +17,7 @@
 #include "plot/line_plot.h"
 #include "reading/history.h"
 #include "reading/units.h"
+#include "trouble.h"
 
 namespace orvio::program {
 namespace {
@@ -124,7 +127,16 @@ struct Options {
   bool csv = false, json = false;
 };
 
+/// The picture would take the place of its own data.
+void RequireAnotherFile(const Options& options) {
+  std::error_code error;
+  if (!options.plot.empty() && std::filesystem::equivalent(options.file, options.plot, error)) {
+    throw Trouble(options.plot, "is the file to read", "choose another name for the picture");
+  }
+}
+
 void Run(Options& options) {
+  RequireAnotherFile(options);
   for (const std::string& id : options.ids) AppendIds("--ids", id, options.request.values.ids);
   ResultFile file(options.file);
   const History history = ReadHistory(file, options.request);
@@ -146,9 +158,11 @@ void AddHistoryCommand(CLI::App& app) {
       ->required();
   command->add_option("--component", options->request.values.component, "Component by name or by number from 1");
   command->add_option("--entity", options->request.values.entity, "Only values of this entity or element type");
-  command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")->delimiter(',');
+  command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")
+      ->delimiter(',')
+      ->allow_extra_args(false);
   command->add_option("--layer", options->request.layer, "Only this layer of elements, from 1")
-      ->check(CLI::PositiveNumber);
+      ->check(CLI::Range(1, std::numeric_limits<int>::max()));
   command->add_option("--plot", options->plot, "Draw into this file, which ends in .svg or .png; needs gnuplot");
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);

@@ -2,11 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <cstddef>
 
 namespace orvio::program {
 namespace {
 
-constexpr long long kMaxIdRange = 100'000'000;
+constexpr std::size_t kMostIds = 1'000'000;
 
 }  // namespace
 
@@ -18,10 +19,14 @@ void AppendIds(const std::string& option, const std::string& text, std::vector<l
   if (parsed.ec == std::errc() && parsed.ptr != end && *parsed.ptr == '-') {
     parsed = std::from_chars(parsed.ptr + 1, end, last);
   }
-  if (parsed.ec != std::errc() || parsed.ptr != end || last < first || last - first > kMaxIdRange) {
+  if (parsed.ec != std::errc() || parsed.ptr != end || first < 0 || last < first) {
     throw CLI::ValidationError(option, "\"" + text + "\" is no id and no range of ids such as 7-12");
   }
-  for (long long id = first; id <= last; ++id) ids.push_back(id);
+  const auto width = static_cast<std::size_t>(last - first);  // one less than there are
+  if (width >= kMostIds || ids.size() + width >= kMostIds) {
+    throw CLI::ValidationError(option, "\"" + text + "\" makes more than a million ids; ask for fewer at a time");
+  }
+  for (std::size_t i = 0; i <= width; ++i) ids.push_back(first + static_cast<long long>(i));
 }
 
 }  // namespace orvio::program

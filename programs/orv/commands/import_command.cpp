@@ -105,7 +105,8 @@ void AddImportCommand(CLI::App& app) {
       ->add_option("--history", *histories,
                    "Also store the results of these nodes or elements of an Exodus file over all states, such as "
                    "node:1,5-9 or element:12")
-      ->delimiter(',');
+      ->delimiter(',')
+      ->allow_extra_args(false);
   command->add_flag("--partial", options->partial, "Take what is there of a run that broke off");
   command->add_flag("-q,--quiet", *quiet, "No summary");
   command->callback([options, quiet, units, histories] {

@@ -15,7 +15,23 @@ bool LooksLikeNumber(const std::string& cell) {
          std::ranges::any_of(cell, [](unsigned char c) { return std::isdigit(c) != 0 || c == 'n'; });
 }
 
+/// Names of a file may hold what a terminal takes for commands.
+std::string Shown(std::string text) {
+  std::ranges::replace_if(
+      text, [](unsigned char c) { return std::iscntrl(c) != 0; }, '?');
+  return text;
+}
+
 }  // namespace
+
+Table::Table(std::vector<std::string> heading) : heading_(std::move(heading)) {
+  std::ranges::transform(heading_, heading_.begin(), Shown);
+}
+
+void Table::Add(std::vector<std::string> row) {
+  std::ranges::transform(row, row.begin(), Shown);
+  rows_.push_back(std::move(row));
+}
 
 void Table::Print(const std::string& title) const {
   std::vector<std::size_t> widths;
@@ -36,7 +52,7 @@ void Table::Print(const std::string& title) const {
     line.erase(line.find_last_not_of(' ') + 1);
     fmt::print("{}\n", line);
   };
-  if (!title.empty()) fmt::print("\n{}\n", title);
+  if (!title.empty()) fmt::print("\n{}\n", Shown(title));
   print_row(heading_);
   for (const auto& row : rows_) print_row(row);
 }

@@ -6,12 +6,13 @@
 
 namespace orvio::program {
 
-/// Rows under a heading, each column as wide as its widest cell. Columns of numbers stand to the right.
+/// Rows under a heading, each column as wide as its widest cell. Columns of numbers stand to the right. Control characters
+/// are shown as question marks.
 class Table {
  public:
-  explicit Table(std::vector<std::string> heading) : heading_(std::move(heading)) {}
+  explicit Table(std::vector<std::string> heading);
 
-  void Add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  void Add(std::vector<std::string> row);
 
   /// Prints to standard output below a title, or without one when it is empty.
   void Print(const std::string& title) const;

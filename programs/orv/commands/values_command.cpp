@@ -55,7 +55,7 @@ std::vector<std::string> Row(const ValueTable& table, std::size_t row) {
   return cells;
 }
 
-/// Which of state and entity type differ between tables, and so have to be shown.
+/// Which of state, entity type and zone differ between tables, and so have to be shown.
 struct Differing {
   explicit Differing(const std::vector<ValueTable>& tables) {
     for (const ValueTable& table : tables) {
@@ -63,15 +63,17 @@ struct Differing {
       // Two blocks of one type in a state are told apart by their headings too.
       const auto in_state = [&](const ValueTable& other) { return other.state == table.state; };
       entity = entity || std::ranges::count_if(tables, in_state) > 1 || table.entity != tables.front().entity;
+      zone = zone || !table.zone.empty();
     }
   }
 
-  bool state = false, entity = false;
+  bool state = false, entity = false, zone = false;
 };
 
 std::string Title(const ValueTable& table, const Differing& differing) {
   const std::string state = differing.state ? fmt::format("state {}", table.state) : "";
-  const std::string entity = differing.entity ? table.entity : "";
+  std::string entity = differing.entity ? table.entity : "";
+  if (!table.zone.empty()) entity += (entity.empty() ? "zone " : ", zone ") + table.zone;
   return state + (state.empty() || entity.empty() ? "" : ", ") + entity;
 }
 
@@ -87,16 +89,18 @@ void PrintText(const std::vector<ValueTable>& tables) {
 /// With several states or blocks the state and the entity type are the first columns.
 void PrintCsv(const std::vector<ValueTable>& tables) {
   const Differing differing(tables);
-  const auto line = [&](const std::string& state, const std::string& entity, std::vector<std::string> fields) {
+  const auto line = [&](const std::string& state, const std::string& entity, const std::string& zone,
+                        std::vector<std::string> fields) {
+    if (differing.zone) fields.insert(fields.begin(), zone);
     if (differing.entity) fields.insert(fields.begin(), entity);
     if (differing.state) fields.insert(fields.begin(), state);
     PrintCsvLine(fields);
   };
   std::vector<std::string> heading;
   for (const ValueTable& table : tables) {
-    if (heading != Heading(table)) line("state", "entity", heading = Heading(table));
+    if (heading != Heading(table)) line("state", "entity", "zone", heading = Heading(table));
     for (std::size_t row = 0; row < table.ids.size(); ++row) {
-      line(fmt::format("{}", table.state), table.entity, Row(table, row));
+      line(fmt::format("{}", table.state), table.entity, table.zone, Row(table, row));
     }
   }
 }
@@ -112,8 +116,10 @@ Json ToJson(const ValueTable& table) {
     entry["values"] = std::move(values);
     rows.push_back(std::move(entry));
   }
-  return {{"entity", table.entity},   {"variable", table.variable}, {"state", table.state},
-          {"columns", table.columns}, {"units", table.units},       {"rows", std::move(rows)}};
+  Json json = {{"entity", table.entity},   {"variable", table.variable}, {"state", table.state},
+               {"columns", table.columns}, {"units", table.units},       {"rows", std::move(rows)}};
+  if (!table.zone.empty()) json["zone"] = table.zone;
+  return json;
 }
 
 void PrintJson(const std::string& file, const std::vector<ValueTable>& tables) {
@@ -157,7 +163,9 @@ void AddValuesCommand(CLI::App& app) {
                       std::string(kStatesHelp) + ". 0 or none for constant values");
   command->add_option("--component", options->request.component, "Component by name or by number from 1");
   command->add_option("--entity", options->request.entity, "Only values of this entity or element type");
-  command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")->delimiter(',');
+  command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")
+      ->delimiter(',')
+      ->allow_extra_args(false);
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
   command->callback([options] { Run(*options); });

@@ -68,9 +68,11 @@ std::string Commands(const LinePlot& plot, const std::string& terminal) {
   return text + '\n';
 }
 
-[[noreturn]] void Refuse(const std::string& what) {
-  throw Trouble(kDrawer, what, "install the package gnuplot-nox, or take the numbers with --csv");
+[[noreturn]] void RefuseWithoutDrawer() {
+  throw Trouble(kDrawer, "is not installed", "install the package gnuplot-nox, or take the numbers with --csv");
 }
+
+[[noreturn]] void Refuse(const std::string& what) { throw Trouble(kDrawer, what, "take the numbers with --csv"); }
 
 File ScratchFile() {
   File file(std::tmpfile());
@@ -104,10 +106,13 @@ void RunDrawer(std::FILE* commands, std::FILE* picture, std::FILE* complaints) {
   pid_t child = 0;
   const int error = posix_spawnp(&child, kDrawer, &actions, nullptr, arguments, environ);
   posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) Refuse(error == ENOENT ? "is not installed" : std::strerror(error));
+  if (error == ENOENT) RefuseWithoutDrawer();
+  if (error != 0) Refuse(fmt::format("cannot be started: {}", std::strerror(error)));
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
-  if (!WIFEXITED(status) || WEXITSTATUS(status) == 127) Refuse("is not installed, or ended early");
+  constexpr int kNotStarted = 127;
+  if (!WIFEXITED(status)) Refuse("was ended early");
+  if (WEXITSTATUS(status) == kNotStarted) RefuseWithoutDrawer();
   if (WEXITSTATUS(status) != 0) Refuse(ComplaintIn(complaints));
 }
 

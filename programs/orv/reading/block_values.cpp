@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <cstdint>
+#include <numeric>
+#include <string>
 
 #include "trouble.h"
 
@@ -37,6 +39,19 @@ void RefuseBlock(const ResultFile& file, const ORVResult& block) {
                 "the file is damaged, or from another kind of writer");
 }
 
+namespace {
+
+/// Whether a block has a dataset of ids, damaged or not.
+bool HasIds(const ResultFile& file, ORVResult& block, int state) {
+  std::vector<std::string> names;
+  (void)block.GetDatasetNames(ORV_READ_DATA, names);  // always 0
+  std::vector<_ORVDataType> types;
+  (void)block.ReadDatasetFileDataType(file.path().c_str(), state, {names.back()}, types);  // the types tell
+  return !types.empty() && types.front() != ORV_UNKNOWN_TYPE;
+}
+
+}  // namespace
+
 template <class T>
 std::vector<T> ReadComponent(ResultFile& file, ORVResult& block, int iid, int state) {
   return Fetch<T>(state).Read(file, block, iid);
@@ -51,10 +66,12 @@ std::vector<long long> ReadIds(const ResultFile& file, const ORVResult& block, i
   reader.m_nent = static_cast<std::int64_t>(count);
   reader.m_entid = ids.data();
   reader.m_entidType = ORV_LONG;
-  const bool read = reader.ReadAttribute(file.path().c_str(), state, ORV_READ_DATA, ORV_ATT_IDS) == 0;
-  std::vector<long long> answer(ids.begin(), ids.end());
-  for (std::size_t i = 0; !read && i < count; ++i) answer[i] = static_cast<long long>(i) + 1;  // numbered without ids
-  return answer;
+  if (reader.ReadAttribute(file.path().c_str(), state, ORV_READ_DATA, ORV_ATT_IDS) == 0)
+    return {ids.begin(), ids.end()};
+  if (HasIds(file, reader, state)) RefuseBlock(file, block);
+  std::vector<long long> numbers(count);
+  std::iota(numbers.begin(), numbers.end(), 1);
+  return numbers;
 }
 
 }  // namespace orvio::program

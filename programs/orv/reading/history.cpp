@@ -12,6 +12,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "reading/block_values.h"
 #include "reading/value_table.h"
 #include "reading/words.h"
 #include "trouble.h"
@@ -102,9 +103,44 @@ class Collector {
   std::unordered_set<long long> ids_;  ///< that have a value in any state and layer
 };
 
-/// From the blocks that hold all states; nothing when they lack something.
+/// Results of that name that the states hold one by one.
+std::vector<ORVResult*> FindInStates(ResultFile& file, const ValueRequest& request) {
+  file.LearnLaterResults(0);
+  std::vector<ORVResult*> blocks = FindBlocks(file, request, ResultList::kSingleState).blocks;
+  std::erase_if(blocks, [](const ORVResult* block) { return block->IsConstantBlk(); });
+  return blocks;
+}
+
+/// Whether a block over all states is of the same entities. Elements with several points have a zone for each.
+bool IsTwin(const ORVResult& in_states, const ORVResult& over_states) {
+  const bool same_zone = in_states.IsElementResult() || SameWord(ZoneOf(in_states), ZoneOf(over_states));
+  return same_zone && SameWord(TextOf(in_states.m_etyp), TextOf(over_states.m_etyp));
+}
+
+/// Whether a result has an entity that is asked for, in the first state that holds it.
+bool HasAnyOf(ResultFile& file, const std::vector<long long>& ids, const ORVResult& block) {
+  for (int state = 1; state <= file.states(); ++state) {
+    const long long count = file.CountAt(block, state);
+    if (count < 1) continue;
+    const std::vector<long long> stored = ReadIds(file, block, state, static_cast<std::size_t>(count));
+    const std::unordered_set<long long> known(stored.begin(), stored.end());
+    return std::ranges::any_of(ids, [&](long long id) { return known.contains(id); });
+  }
+  return false;
+}
+
+/// From the blocks that hold all states; nothing when these lack something that the states have.
 std::optional<History> ReadOverStates(ResultFile& file, const HistoryRequest& request) {
-  const FoundQuantity quantity = FindMultiStateBlocks(file, request.values);
+  const FoundQuantity quantity = FindBlocks(file, request.values, ResultList::kMultiState);
+  if (quantity.blocks.empty()) return std::nullopt;
+  const std::vector<ORVResult*> in_states = FindInStates(file, request.values);
+  bool names_entities = false;
+  for (const ORVResult* block : in_states) {
+    const auto is_twin = [&](const ORVResult* other) { return IsTwin(*block, *other); };
+    if (std::ranges::any_of(quantity.blocks, is_twin)) continue;
+    names_entities = true;
+    if (HasAnyOf(file, request.values.ids, *block)) return std::nullopt;
+  }
   Collector collector(file, request);
   std::vector<std::vector<double>> index;
   std::size_t rows = 0;
@@ -115,8 +151,11 @@ std::optional<History> ReadOverStates(ResultFile& file, const HistoryRequest& re
     rows = tables.size();
     index = file.IndexOver(*block);
   }
-  if (collector.empty() || !collector.HasAllIds()) return std::nullopt;
+  const bool is_short = !in_states.empty() && rows < static_cast<std::size_t>(file.states());
+  if (collector.empty() || !collector.HasAllIds() || is_short) return std::nullopt;
   History history = collector.Finish(rows);
+  history.names_entities = names_entities;
+  for (std::size_t row = index.size(); row < rows; ++row) index.push_back(file.IndexOf(static_cast<int>(row + 1)));
   index.resize(rows);
   history.index = std::move(index);
   return history;
@@ -154,7 +193,12 @@ void NameIndex(ResultFile& file, History& history) {
 }  // namespace
 
 History ReadHistory(ResultFile& file, const HistoryRequest& request) {
-  std::optional<History> history = ReadOverStates(file, request);
+  std::optional<History> history;
+  try {
+    history = ReadOverStates(file, request);
+  } catch (const Trouble&) {
+    if (FindInStates(file, request.values).empty()) throw;  // else a damaged block takes nothing away from the states
+  }
   if (!history) history = ReadStateByState(file, request);
   if (history->curves.empty()) {
     throw Trouble(file.path(), fmt::format("\"{}\" has no layer {}", request.values.variable, request.layer),
@@ -173,7 +217,8 @@ std::vector<std::string> CurveNames(const History& history) {
   }
   std::vector<std::string> names;
   for (const Curve& curve : history.curves) {
-    std::string name = entities.size() > 1 ? curve.entity + ":" + curve.component : curve.component;
+    std::string name =
+        entities.size() > 1 || history.names_entities ? curve.entity + ":" + curve.component : curve.component;
     if (places.size() > 1) name += fmt::format("@{}", curve.id);
     if (places.size() > 1 && curve.layer != 0) name += fmt::format(".{}", curve.layer);
     if (places.size() > 1 && !curve.zone.empty()) name += "/" + curve.zone;

@@ -24,7 +24,8 @@ struct Curve {
 
 struct History {
   std::string variable;
-  bool is_double = false;  ///< whether the file holds doubles
+  bool names_entities = false;  ///< whether other entity types have values of that name, too
+  bool is_double = false;       ///< whether the file holds doubles
   std::vector<std::string> index_names, index_units;
   std::vector<int> states;                 ///< 1-based
   std::vector<std::vector<double>> index;  ///< of each state; empty where it cannot be read

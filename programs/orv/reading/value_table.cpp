@@ -95,9 +95,10 @@ BlockColumns<T> ReadColumns(ResultFile& file, ORVResult& block, const std::vecto
 
 /// Fills rows, ids and layers of one of the states that a block holds, counted from 0.
 template <class T>
-void FillRows(const BlockColumns<T>& read, const ValueRequest& request, std::size_t state, ValueTable& table) {
+void FillRows(const BlockColumns<T>& read, const std::vector<std::size_t>& entities, std::size_t state,
+              ValueTable& table) {
   std::vector<T> rows;
-  for (const std::size_t entity : ChooseEntities(request, read.ids)) {
+  for (const std::size_t entity : entities) {
     for (std::size_t layer = 0; layer < read.layers; ++layer) {
       table.ids.push_back(read.ids[entity]);
       if (table.has_layers) table.layers.push_back(static_cast<int>(layer + 1));
@@ -109,12 +110,6 @@ void FillRows(const BlockColumns<T>& read, const ValueRequest& request, std::siz
     }
   }
   table.values = std::move(rows);
-}
-
-/// Blocks of all entities have a word for the zone that says nothing.
-std::string ZoneOf(const ORVResult& block) {
-  const std::string zone = TextOf(block.m_etypzone);
-  return SameWord(zone, "ZONE") ? "" : zone;
 }
 
 /// A table without rows.
@@ -139,7 +134,8 @@ ValueTable Describe(const ORVResult& block, const FoundQuantity& quantity,
 template <class T>
 ValueTable ReadTable(ResultFile& file, const ValueRequest& request, ORVResult& block,
                      const std::vector<ComponentColumn>& columns, ValueTable table) {
-  FillRows(ReadColumns<T>(file, block, columns, table.state, 1), request, 0, table);
+  const BlockColumns<T> read = ReadColumns<T>(file, block, columns, table.state, 1);
+  FillRows(read, ChooseEntities(request, read.ids), 0, table);
   return table;
 }
 
@@ -160,10 +156,11 @@ void AppendStates(ResultFile& file, const ValueRequest& request, ORVResult& bloc
                   std::vector<ValueTable>& tables) {
   const auto states = static_cast<std::size_t>(std::max<std::int64_t>(block.m_nstate, 0));
   const BlockColumns<T> read = ReadColumns<T>(file, block, columns, kOverStates, states);
+  const std::vector<std::size_t> entities = ChooseEntities(request, read.ids);
   for (std::size_t state = 0; state < states && read.Step() > 0; ++state) {
     tables.push_back(frame);
     tables.back().state = static_cast<int>(state + 1);
-    FillRows(read, request, state, tables.back());
+    FillRows(read, entities, state, tables.back());
   }
 }
 
@@ -184,14 +181,14 @@ std::vector<ValueTable> ReadValueTables(ResultFile& file, const ValueRequest& re
   if (!tables.empty()) return tables;
   const bool any_entity = request.entity.empty();
   const std::string of_entity = any_entity ? "" : fmt::format(" of \"{}\"", request.entity);
-  const bool over_states = !FindMultiStateBlocks(file, request).blocks.empty();
+  const bool over_states = !FindBlocks(file, request, ResultList::kMultiState).blocks.empty();
   throw Trouble(file.path(), fmt::format("{} has no values of \"{}\"{}", Place(state), request.variable, of_entity),
                 over_states ? "they are stored over all states: orv history shows them"
                             : fmt::format("stored there: {}", NamesAt(file, state, !any_entity)));
 }
 
-FoundQuantity FindMultiStateBlocks(ResultFile& file, const ValueRequest& request) {
-  FoundQuantity quantity = FindQuantity(file, request.variable, ResultList::kMultiState);
+FoundQuantity FindBlocks(ResultFile& file, const ValueRequest& request, ResultList list) {
+  FoundQuantity quantity = FindQuantity(file, request.variable, list);
   KeepEntity(request, quantity.blocks);
   return quantity;
 }

@@ -34,8 +34,8 @@ std::vector<ValueTable> ReadValueTables(ResultFile& file, const ValueRequest& re
 /// The same without a complaint: empty where that state has none. Results of later states must be known to the file.
 std::vector<ValueTable> FindValueTables(ResultFile& file, const ValueRequest& request, int state);
 
-/// The blocks of that variable that hold all states.
-FoundQuantity FindMultiStateBlocks(ResultFile& file, const ValueRequest& request);
+/// The blocks of that variable and entity type in one of the lists.
+FoundQuantity FindBlocks(ResultFile& file, const ValueRequest& request, ResultList list);
 
 /// One table per state of such a block; states count from 1 in the order of its rows.
 std::vector<ValueTable> ReadMultiStateTables(ResultFile& file, const ValueRequest& request,

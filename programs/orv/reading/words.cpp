@@ -14,6 +14,11 @@ std::string TextOf(const char* field, std::size_t width) {
   return text;
 }
 
+std::string ZoneOf(const ORVResult& block) {
+  const std::string zone = TextOf(block.m_etypzone);
+  return SameWord(zone, "ZONE") ? "" : zone;
+}
+
 bool SameWord(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
