@@ -14,7 +14,7 @@ class ORVBlock;
 struct ORVContainer;
 struct ORVEntityTypeMap;
 class OH5ReaderPool;
-class ORVHostAllocate;
+class ORVHostAllocate;  // NOLINT(cppcoreguidelines-virtual-class-destructor): as its definition says
 
 namespace orvio {
 

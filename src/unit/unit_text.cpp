@@ -49,9 +49,10 @@ Fraction ProductOf(const std::vector<Unit*>& units, const std::vector<float>& ex
   for (std::size_t i = 0; i < PairsOf(units, exponents); ++i) {
     if (!units[i] || units[i]->GetUnitStrLength() == 0) continue;
     std::string& text = IsAbove(exponents[i]) ? product.numerator : product.denominator;
-    const bool first = text.empty();
-    const std::string factor = Factor(units[i]->GetUnitCStr(), exponents[i], first);
-    text = Cut(first ? factor : text + " " + factor);
+    const std::string factor = Factor(units[i]->GetUnitCStr(), exponents[i], text.empty());
+    if (!text.empty()) text += ' ';
+    text += factor;
+    text = Cut(std::move(text));
   }
   if (product.numerator.empty() && !product.denominator.empty()) product.numerator = kOne;
   return product;

@@ -18,8 +18,6 @@
 #include "output_file.h"
 #include "trouble.h"
 
-extern char** environ;
-
 namespace orvio::program {
 namespace {
 

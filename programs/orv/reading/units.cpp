@@ -8,7 +8,7 @@ namespace {
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
 /// The library's text of a unit.
-struct ShownUnit : ORVVariableUnit {
+struct ShownUnit : ORVVariableUnit {  // NOLINT(cppcoreguidelines-virtual-class-destructor): see above
   std::string Text() {
     std::string text;
     return ConstructUnitString(text) ? text : "";
