@@ -167,8 +167,14 @@ TEST_F(HistoryCommand, RefusesWhatNoStateHas) {
   ExpectRefused({"STRESS", "--ids", "12,99"},
                 "\"STRESS\" has no value at id 99 in any state; orv values shows which ids there are");
   ExpectRefused({"STRESS", "--ids", "12", "--layer", "3"},
-                "\"STRESS\" has no layer 3; orv values shows which layers there are");
+                "\"STRESS\" has no layer 3; leave out --layer to see which there are");
   ExpectRefused({"STRESS", "--component", "SZZ"}, "\"STRESS\" has no component \"SZZ\"; its components are SXX, S,Y");
+}
+
+TEST_F(HistoryCommand, RefusesWhatABlockOverAllStatesLacks) {
+  ExpectRefused({"ENERGY", "--ids", "1,7"},
+                "\"ENERGY\" has no value at id 7 in any state; leave out --ids to see which there are");
+  ExpectRefused({"ENERGY", "--layer", "2"}, "\"ENERGY\" has no layer 2; leave out --layer to see which there are");
 }
 
 TEST_F(HistoryCommand, IsWhereValuesAtAStateSendForABlockOverAllStates) {

@@ -116,7 +116,7 @@ void PrintStates(const FileModel& model) {
   table.Print(fmt::format("States ({})", states.size()));
 }
 
-/// "mm", or one for each component where they differ: "mm mm -".
+/// "mm", or one for each component where they differ: "mm, mm, -".
 std::string Units(const VariableInfo& variable) {
   std::vector<std::string> units = variable.units;
   for (std::string& unit : units) {

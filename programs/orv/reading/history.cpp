@@ -42,12 +42,11 @@ class Collector {
   }
 
   /// Throws Trouble for an id of the request that no state has.
-  void RequireAll() const {
+  void RequireAll(const char* advice) const {
     for (const long long id : request_.values.ids) {
       if (ids_.contains(id)) continue;
       throw Trouble(file_.path(),
-                    fmt::format("\"{}\" has no value at id {} in any state", request_.values.variable, id),
-                    "orv values shows which ids there are");
+                    fmt::format("\"{}\" has no value at id {} in any state", request_.values.variable, id), advice);
     }
   }
 
@@ -129,7 +128,7 @@ bool HasAnyOf(ResultFile& file, const std::vector<long long>& ids, const ORVResu
   return false;
 }
 
-/// From the blocks that hold all states; nothing when these lack something that the states have.
+/// From the blocks that hold all states; nothing when these lack something that the states may have.
 std::optional<History> ReadOverStates(ResultFile& file, const HistoryRequest& request) {
   const FoundQuantity quantity = FindBlocks(file, request.values, ResultList::kMultiState);
   if (quantity.blocks.empty()) return std::nullopt;
@@ -151,8 +150,11 @@ std::optional<History> ReadOverStates(ResultFile& file, const HistoryRequest& re
     rows = tables.size();
     index = file.IndexOver(*block);
   }
-  const bool is_short = !in_states.empty() && rows < static_cast<std::size_t>(file.states());
-  if (collector.empty() || !collector.HasAllIds() || is_short) return std::nullopt;
+  if (in_states.empty()) {
+    collector.RequireAll("leave out --ids to see which there are");
+  } else if (collector.empty() || !collector.HasAllIds() || rows < static_cast<std::size_t>(file.states())) {
+    return std::nullopt;
+  }
   History history = collector.Finish(rows);
   history.names_entities = names_entities;
   for (std::size_t row = index.size(); row < rows; ++row) index.push_back(file.IndexOf(static_cast<int>(row + 1)));
@@ -176,7 +178,7 @@ History ReadStateByState(ResultFile& file, const HistoryRequest& request) {
     throw Trouble(file.path(), fmt::format("no state has values of \"{}\"{}", request.values.variable, of_entity),
                   is_constant ? "they are constant: orv values shows them" : "orv info lists the results of the file");
   }
-  collector.RequireAll();
+  collector.RequireAll("orv values shows which ids there are");
   History history = collector.Finish(static_cast<std::size_t>(file.states()));
   for (const int state : history.states) history.index.push_back(file.IndexOf(state));
   return history;
@@ -202,7 +204,7 @@ History ReadHistory(ResultFile& file, const HistoryRequest& request) {
   if (!history) history = ReadStateByState(file, request);
   if (history->curves.empty()) {
     throw Trouble(file.path(), fmt::format("\"{}\" has no layer {}", request.values.variable, request.layer),
-                  "orv values shows which layers there are");
+                  "leave out --layer to see which there are");
   }
   NameIndex(file, *history);
   return *std::move(history);

@@ -44,6 +44,8 @@ ResultFile::ResultFile(std::string path)
 ResultFile::~ResultFile() { ORVFiler::SetVerbosCallback(nullptr); }
 
 void ResultFile::LearnLaterResults(int state) {
+  if (knows_all_results_) return;
+  knows_all_results_ = state == 0;
   int added = 0;
   constexpr int kNextAfterTheLargest = -1;
   (void)filer_.UpdateContainer(state, added, kNextAfterTheLargest, 0);  // what cannot be read is not there

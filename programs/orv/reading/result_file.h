@@ -48,6 +48,7 @@ class ResultFile {
 
   std::string path_;
   int states_;
+  bool knows_all_results_ = false;
   ORVFiler filer_;
 };
 
