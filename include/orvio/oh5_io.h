@@ -104,7 +104,8 @@ ORVIO_EXPORT int OH5OpenBlockSubGroups(hid_t parent, const char* name, int what,
 /// Closes each of them once.
 ORVIO_EXPORT int OH5CloseBlockSubGroups(hid_t header, hid_t data, hid_t index);
 
-/// Opens a file with the current access flags and opens or makes a path in it. -1 on failure, with `*file` -1.
+/// Opens a file with the current access flags and opens or makes a path in it; "./post" is "/post". -1 on failure, with
+/// `*file` -1.
 ORVIO_EXPORT hid_t OH5OpenGroupChain(const char* name, hid_t* file, const std::string& path);
 
 extern "C" {

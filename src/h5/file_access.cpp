@@ -13,9 +13,17 @@ namespace {
 /// A result file must not make its reader open another file.
 herr_t RefuseExternalLink(const char*, const char*, const char*, const char*, unsigned*, hid_t, void*) { return -1; }
 
-/// The cached access list, made anew when a host has closed HDF5 in between.
+/// Whether a cached id still is the list that was made. A host may have closed HDF5 in between: its ids begin anew
+/// then, and the same number may be any other list.
+bool IsOurs(hid_t cached, hid_t list_class) {
+  H5L_elink_traverse_t callback = nullptr;
+  void* data = nullptr;
+  return cached > 0 && H5Iget_type(cached) == H5I_GENPROP_LST && H5Pisa_class(cached, list_class) > 0 &&
+         H5Pget_elink_cb(cached, &callback, &data) >= 0 && callback == RefuseExternalLink;
+}
+
 hid_t AccessList(hid_t& cached, hid_t list_class) {
-  if (cached > 0 && H5Iis_valid(cached) > 0) return cached;
+  if (IsOurs(cached, list_class)) return cached;
   cached = H5Pcreate(list_class);
   if (cached > 0 && H5Pset_elink_cb(cached, RefuseExternalLink, nullptr) < 0) {
     PropertyList dropped(std::exchange(cached, H5I_INVALID_HID));

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "h5/disk_names.h"
 #include "h5/entry.h"
+#include "h5/file_access.h"
 #include "h5/handle.h"
 #include "orvio/oh5_io.h"
 
@@ -75,15 +77,13 @@ void OH5GetLinkTarget(hid_t loc, const char* name, char* buffer, const H5L_info1
     H5L_info1_t fetched = {};
     if (!info && name && H5Lget_info1(loc, name, &fetched, H5P_DEFAULT) < 0) return;
     const H5L_info1_t* link = info ? info : name ? &fetched : nullptr;
-    if (!link || link->type == H5L_TYPE_HARD) {
-      (void)H5Iget_name(loc, buffer, kPathWidth);  // an object without a name has an empty one
-      return;
-    }
     std::string target;
     std::string file;
-    if (!name || link->u.val_size >= kPathWidth) return;
-    if (orvio::h5::ReadLinkTarget(loc, name, *link, target, file) && target.size() < kPathWidth) {
-      std::memcpy(buffer, target.c_str(), target.size() + 1);
+    if (!link || link->type == H5L_TYPE_HARD) {
+      target = orvio::h5::NameOf(loc);  // one that is too long is refused: its beginning is another object
+    } else if (!name || link->u.val_size >= kPathWidth || !orvio::h5::ReadLinkTarget(loc, name, *link, target, file)) {
+      return;
     }
+    if (target.size() < kPathWidth) std::memcpy(buffer, target.c_str(), target.size() + 1);
   });
 }

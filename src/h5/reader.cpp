@@ -237,18 +237,12 @@ int ReadNumState(const char* file, int* count) {
   *count = 0;
   if (!file) return kFail;
   return h5::Entry(kFail, [&] {
-    IOH5Reader* reader = OH5ReaderPool::Get().Request(file, H5F_ACC_RDONLY);
-    const bool open = reader->GetFileId() >= 0;
+    const h5::ShortLease reader(file);
     std::string path;
-    if (open && reader->GetPostPath(path) == kOk) {
-      const hid_t section =
-          reader->OpenGroup(reader->GetFileId(), (path + "/" + disk::singlestate).c_str(), H5P_DEFAULT);
-      if (section >= 0) {
-        *count = reader->GetNumLinks(section);
-        (void)reader->CloseGroup(section);  // reading only
-      }
-    }
-    (void)OH5ReaderPool::Get().Release(reader);
-    return open ? kOk : kFail;
+    if (reader->GetFileId() < 0 || reader->GetPostPath(path) != kOk) return kFail;
+    path.append("/").append(disk::singlestate);
+    const h5::Group section(reader->OpenGroup(reader->GetFileId(), path.c_str(), H5P_DEFAULT));
+    if (section) *count = reader->GetNumLinks(section.get());
+    return kOk;
   });
 }

@@ -47,3 +47,21 @@ class OH5ReaderPool {
   std::forward_list<IOH5Reader*>::iterator youngest_ = age_.before_begin();
   std::map<std::string, int> keep_open_;
 };
+
+namespace orvio::h5 {
+
+/// A reader of a file for the length of a question. Declare it before the handles: the close of the file closes what is
+/// still open in it, so the handles must go first.
+class ShortLease {
+ public:
+  explicit ShortLease(const char* file) : reader_(OH5ReaderPool::Get().Request(file, 0)) {}  // 0: read-only
+  ~ShortLease() { (void)OH5ReaderPool::Get().Release(reader_); }                             // nothing to lose
+  ShortLease(const ShortLease&) = delete;
+  ShortLease& operator=(const ShortLease&) = delete;
+  IOH5Reader* operator->() const { return reader_; }
+
+ private:
+  IOH5Reader* reader_;
+};
+
+}  // namespace orvio::h5

@@ -172,7 +172,8 @@ int OH5Write_SELECTIVE(hid_t loc, const char* name, int rank, const hsize_t* sta
   if (!name || !data || rank > H5S_MAX_RANK || (rank > 0 && (!start || !count))) return kFail;
   return h5::Entry(kFail, [&] {
     const h5::TypeRow* row = h5::FindNumericType(type);
-    if (rank > 0 && !row && type != ORV_CHAR && type != ORV_CHAR_FIXED) return kFail;
+    const bool known = row || type == ORV_CHAR || type == ORV_CHAR_FIXED;
+    if (!known && rank > 0 && !h5::HasZero(rank, count)) return kFail;  // a count of zero is told first
     return h5::WriteGrowing({loc, name, rank, start, count, stride, block, extent, row, data});
   });
 }

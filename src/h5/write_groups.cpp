@@ -78,13 +78,14 @@ int OpenBlockSubGroups(hid_t parent, const char* name, int what, hid_t* base, hi
   return kOk;
 }
 
-/// Opens or makes each part of a path from the one before. Empty parts are passed over.
+/// Opens or makes each part of a path from the one before. Empty parts are passed over, and so is the "." that the paths
+/// of the fixed groups begin with: no link has that name.
 Group OpenChain(hid_t file, std::string_view path) {
   Group last;
   while (!path.empty()) {
     const std::string part(path.substr(0, path.find('/')));
     path.remove_prefix(std::min(part.size() + 1, path.size()));
-    if (part.empty()) continue;
+    if (part.empty() || part == ".") continue;
     last = OpenOrCreateGroup(last ? last.get() : file, part.c_str());
     if (!last) break;
   }

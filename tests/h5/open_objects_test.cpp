@@ -75,6 +75,17 @@ TEST_F(LinkTarget, IsEmptyForAMissingLinkAndForATargetThatDoesNotFit) {
   OH5GetLinkTarget(-1, "x", nullptr, nullptr);
 }
 
+TEST_F(LinkTarget, IsEmptyForAPlaceWhosePathDoesNotFit) {
+  for (const std::size_t length : {2998U, 2999U}) {  // behind the slash
+    const std::string path = "/" + std::string(length, 'p');
+    file_.group(path);
+    const Location place(file_.path(), path.c_str());
+    char buffer[3000] = "before";
+    OH5GetLinkTarget(place.id(), nullptr, buffer, nullptr);
+    EXPECT_EQ(buffer, length == 2998 ? path : std::string()) << length;
+  }
+}
+
 TEST_F(LinkTarget, UsesTheInformationHandedIn) {
   file_.soft_link("soft", "/post/x");
   const Location place(file_.path(), "/post/constant");

@@ -1,6 +1,6 @@
 // The reader of files on disk, operation by operation, and the count of states. What it reads of datasets and
 // attributes: dataset_read_test, selective_read_test, attribute_test; the file header: file_header_test; files that
-// lead elsewhere: hostile_file_test.
+// lead elsewhere: hostile_file_test; what it asks of itself: reader_interface_test.
 
 #include "orvio/oh5_reader.h"
 

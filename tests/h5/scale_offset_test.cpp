@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -47,6 +48,21 @@ class ScaleOffset : public H5Test {
   template <class T>
   std::vector<T> Stored() {
     return RawFile(file_.path()).values<T>(kValues);
+  }
+
+  /// Makes "x" with HDF5 alone: integers of four bits each.
+  void ForgeFourBits(const std::vector<std::int32_t>& values, const std::function<void(hid_t list)>& set) {
+    file_.raw([&](hid_t here) {
+      const hsize_t dims[] = {values.size()};
+      const hsize_t unlimited[] = {H5S_UNLIMITED};
+      const Id space(H5Screate_simple(1, dims, unlimited), "space");
+      const Id list(H5Pcreate(H5P_DATASET_CREATE), "list");
+      Check(H5Pset_chunk(list.get(), 1, dims), "chunk");
+      Check(H5Pset_scaleoffset(list.get(), H5Z_SO_INT, 4), "scale-offset");
+      set(list.get());
+      const Id made(H5Dcreate2(here, "x", H5T_NATIVE_INT, space.get(), H5P_DEFAULT, list.get(), H5P_DEFAULT), "x");
+      Check(H5Dwrite(made.get(), H5T_NATIVE_INT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), "x");
+    });
   }
 
   ForgedFile file_ = std::move(ForgedFile("filter").at(kBlock));
@@ -146,6 +162,52 @@ TEST_F(ScaleOffset, OfADatasetThatIsThereIsAsFineAsItWasMade) {
   OH5SetCompression(1, 9);
   EXPECT_EQ(Write<double>({1e12, 2}), 0);
   EXPECT_NEAR(Stored<double>()[0], 1e12, 0.1);
+}
+
+TEST_F(ScaleOffset, OfIntegersWithFixedBitsRefusesWhatNeedsMore) {
+  ForgeFourBits({1, 2, 3, 4}, [](hid_t) {});
+  EXPECT_EQ(Write<std::int32_t>({1, 16, 3, 2}), 1);
+  EXPECT_EQ(LastText(), "OH5Write_INT::\n\t Failed to write ::\"x\"");
+  EXPECT_EQ(Write<std::int64_t>({1, 100, 1000, 5}), 1);
+  EXPECT_EQ(Stored<std::int32_t>(), (std::vector<std::int32_t>{1, 2, 3, 4}));
+  EXPECT_EQ(Write<std::int32_t>({1000001, 1000015, 1000003, 1000002}), 0);
+  EXPECT_EQ(Stored<std::int32_t>(), (std::vector<std::int32_t>{1000001, 1000015, 1000003, 1000002}));
+}
+
+TEST_F(ScaleOffset, OfIntegersWithFixedBitsTakesTheFillValueBesideAnyOther) {
+  ForgeFourBits({1, 2, 3, 4}, [](hid_t) {});
+  EXPECT_EQ(Write<std::int32_t>({0, 1000, 1014, 0}), 0);
+  EXPECT_EQ(Stored<std::int32_t>(), (std::vector<std::int32_t>{0, 1000, 1014, 0}));
+  EXPECT_EQ(Write<std::int32_t>({0, 0, 0, 0}), 0);
+  EXPECT_EQ(Stored<std::int32_t>(), (std::vector<std::int32_t>{0, 0, 0, 0}));
+}
+
+TEST_F(ScaleOffset, OfIntegersWithFixedBitsTakesTheDatasetsOwnFillValue) {
+  ForgeFourBits({1, 2, 3, 4}, [](hid_t list) {
+    const int fill = -7;
+    Check(H5Pset_fill_value(list, H5T_NATIVE_INT, &fill), "fill value");
+  });
+  EXPECT_EQ(Write<std::int32_t>({-7, 1000, 1014, 1001}), 0);
+  EXPECT_EQ(Stored<std::int32_t>(), (std::vector<std::int32_t>{-7, 1000, 1014, 1001}));
+  EXPECT_EQ(Write<std::int32_t>({0, 1000, 1014, 1001}), 1);
+}
+
+TEST_F(ScaleOffset, OfIntegersWithFixedBitsUsesAllOfThemWithoutAFillValue) {
+  ForgeFourBits({1, 2, 3, 4}, [](hid_t list) { Check(H5Pset_fill_value(list, H5T_NATIVE_INT, nullptr), "no fill"); });
+  EXPECT_EQ(Write<std::int32_t>({1000, 1015, 1001, 1002}), 0);
+  EXPECT_EQ(Stored<std::int32_t>(), (std::vector<std::int32_t>{1000, 1015, 1001, 1002}));
+  EXPECT_EQ(Write<std::int32_t>({1000, 1016, 1001, 1002}), 1);
+  EXPECT_EQ(Stored<std::int32_t>(), (std::vector<std::int32_t>{1000, 1015, 1001, 1002}));
+}
+
+TEST_F(ScaleOffset, OfIntegersWithFixedBitsRefusesGrowthThatNeedsMore) {
+  ForgeFourBits({1, 2, 3, 4}, [](hid_t) {});
+  const Location place(file_.path(), kBlock, H5F_ACC_RDWR);
+  const hsize_t start[] = {4}, count[] = {4}, extent[] = {4};
+  const std::int32_t wide[] = {1, 2, 3, 16};
+  EXPECT_EQ(OH5Write_SELECTIVE(place.id(), "x", 1, start, count, nullptr, nullptr, ORV_INT, extent, wide), 1);
+  const std::int32_t narrow[] = {1, 2, 3, 15};
+  EXPECT_EQ(OH5Write_SELECTIVE(place.id(), "x", 1, start, count, nullptr, nullptr, ORV_INT, extent, narrow), 0);
 }
 
 }  // namespace

@@ -171,6 +171,9 @@ TEST_F(SelectiveWrite, RefusesACountOfZero) {
   EXPECT_EQ(Write<std::int32_t>(ORV_INT, {{0, 0}, {2, 0}}, {1}), 1);
   EXPECT_EQ(LastText(), "OH5Write_SELECTIVE::\n\t \"x\" location or size cannot be zero");
   EXPECT_FALSE(Look().exists(At()));
+  ForgetText();
+  EXPECT_EQ(Write<std::int32_t>(ORV_NO_DATASET, {{0}, {0}}, {1}), 1);
+  EXPECT_EQ(LastText(), "OH5Write_SELECTIVE::\n\t \"x\" location or size cannot be zero");
 }
 
 TEST_F(SelectiveWrite, FailsSilentlyForATypeThatItDoesNotKnow) {

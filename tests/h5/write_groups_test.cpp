@@ -61,6 +61,13 @@ TEST_F(StateGroup, IsMadeWhenItIsTheNextOne) {
   EXPECT_EQ(States(), (Names{"state000000000001", "state000000000002"}));
 }
 
+TEST_F(StateGroup, OpensAGroupThatHasTheNameOfTheNextOneAlready) {
+  file_.group("state000000000002/inner");
+  EXPECT_EQ(Open(1, true), "/post/singlestate/state000000000002");
+  EXPECT_EQ(States(), Names{"state000000000002"});
+  EXPECT_TRUE(RawFile(file_.path()).exists("/post/singlestate/state000000000002/inner"));
+}
+
 TEST_F(StateGroup, IsNotMadeBeyondTheNextOne) {
   file_.group("state000000000001");
   EXPECT_EQ(Open(2, true), "");
@@ -151,7 +158,7 @@ class BlockSubGroups : public H5Test {
 };
 
 TEST_F(BlockSubGroups, OfTheSplitLayoutAreThoseAskedFor) {
-  for (const int version : {0, 1, 2}) {
+  for (const int version : {0, 1, 2, -1}) {
     const std::string name = "b" + std::to_string(version);
     const std::string path = kParent + ("/" + name);
     const Location parent(file_.path(), kParent, H5F_ACC_RDWR);
@@ -299,11 +306,18 @@ TEST_F(GroupChain, PassesOverEmptyParts) {
   EXPECT_EQ(RawFile(file_.path()).tree("/post/constant"), Names{"/post/constant/x"});
 }
 
+TEST_F(GroupChain, TakesThePathsOfTheFixedGroups) {
+  EXPECT_EQ(Open("./post/constant", H5F_ACC_RDONLY), "/post/constant");
+  EXPECT_EQ(Open("./post/./constant/y/."), "/post/constant/y");
+  EXPECT_EQ(RawFile(file_.path()).tree("/post/constant"), Names{"/post/constant/y"});
+}
+
 TEST_F(GroupChain, DoesNothingForAnEmptyPath) { EXPECT_EQ(Open(""), ""); }
 
 TEST_F(GroupChain, FailsForAPathThatEndsAtTheFile) {
   EXPECT_EQ(Open("/"), "");
   EXPECT_EQ(Open("///"), "");
+  EXPECT_EQ(Open("."), "");
 }
 
 TEST_F(GroupChain, BreaksAtADatasetADanglingLinkAndInAFileOpenForReading) {
