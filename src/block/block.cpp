@@ -88,6 +88,9 @@ _ORVBlkVersion ORVBlock::GetBlkVersion() const {
   return m_BlkPath.rfind(part) == std::string::npos ? ORV_BLK_VERSION_SPLIT : ORV_BLK_VERSION_SINGLE;
 }
 
+// QUIRK: the words are looked for in the text of the path, so a block named "multistate" in the constant section is in
+// both. Paths of a host's own tree have the words elsewhere than in second place. Pinned by
+// BlockPath.TellsTheSectionByItsText.
 bool ORVBlock::IsConstatntPath() const { return HasSubstringInPath(disk::constant); }
 
 bool ORVBlock::IsMultiStatePath() const { return HasSubstringInPath(disk::multistate); }

@@ -49,6 +49,8 @@ int ORVBlockHelper::ReadHeader(hid_t group, int /*stages*/) {
   return count > 0 ? kOk : kFail;
 }
 
+/// QUIRK: headers are read whatever the stages. A helper has nothing but its key, and hosts hand over the stages of the
+/// blocks that they look for. Pinned by BlockHelper.IteratesHeadersWhateverStagesAreAsked.
 int ORVBlockHelper::IterateBlock(const char* file, int state, int /*stages*/, ORVIterationCallBack action) {
   return ORVBlock::IterateBlock(file, state, ORV_READ_HEADER, action);
 }

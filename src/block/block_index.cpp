@@ -39,7 +39,7 @@ int ORVBlock::ReadIndexComm(hid_t group, hsize_t rows, hsize_t columns, int stag
 
 int ORVBlock::WriteIndexComm(hid_t group, hsize_t rows, hsize_t columns, int rank, _ORVDataType identType, void* ident,
                              _ORVDataType valueType, void* values) {
-  if (group < 0 || !IsPositive(rows)) return kFail;
+  if (group < 0 || !IsPositive(rows) || rank < 1 || rank > 2) return kFail;
   const hsize_t dims[] = {rank == 1 ? rows : columns, rows};
   const int status = OH5Write_FLOAT(group, disk::indexval, rank, dims, valueType, values);
   return status == kOk ? OH5Write_INT(group, disk::indexident, rank, dims, identType, ident) : status;

@@ -102,6 +102,8 @@ int ORVBlock::ReadBlockByBlockPath(const char* file, int stages) {
   return h5::Entry(kFail, [&] {
     const ReaderLease reader(*this, file);
     if (!reader || m_BlkPath.empty()) return kFail;
+    // QUIRK: "orvblock" is not looked for below the path. A stored path says of which layout its block is, and one that
+    // was cut must fail rather than lead to another place. Pinned by BlockRead.ByPathDoesNotLookForTheSingleLayout.
     const h5::Group group(reader->OpenGroup(reader->GetFileId(), m_BlkPath.c_str(), H5P_DEFAULT));
     return group ? ReadBlockStep(group.get(), stages) : kFail;
   });

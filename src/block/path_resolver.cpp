@@ -11,6 +11,9 @@ using namespace orvio;
 
 namespace {
 
+/// Null also without a block.
+IOH5Reader* ReaderOf(const ORVBlock* block) { return block ? ORVBlockAccess::Reader(*block) : nullptr; }
+
 bool IsInState(const ORVBlock& block, int state) { return state > 0 && !IsFixedToSection(block.GetKey()); }
 
 /// Type group of a key in the file at hand; null when the key has none.
@@ -36,6 +39,7 @@ hid_t OpenPath(IOH5Reader& reader, const std::string& path) {
 }  // namespace
 
 int ORVBlockPathResolver::AppendSection(std::string& path, int state) {
+  if (!m_pBlock) return kFail;
   return h5::Entry(kFail, [&] {
     if (!path.empty()) path += "/";
     path += SectionOf(m_pBlock->GetKey(), state);
@@ -44,7 +48,7 @@ int ORVBlockPathResolver::AppendSection(std::string& path, int state) {
 }
 
 int ORVBlockPathResolver::AppendTypeGroup(std::string& path, int state) {
-  IOH5Reader* reader = m_pBlock->GetH5Reader();
+  IOH5Reader* reader = ReaderOf(m_pBlock);
   if (!reader) return kFail;
   return h5::Entry(kFail, [&] {
     const char* type = TypeGroupName(*reader, m_pBlock->GetKey());
@@ -64,7 +68,7 @@ int ORVBlockPathResolver::AppendTypeGroup(std::string& path, int state) {
 }
 
 hid_t ORVBlockPathResolver::OpenSectionGroup(int state) {
-  IOH5Reader* reader = m_pBlock->GetH5Reader();
+  IOH5Reader* reader = ReaderOf(m_pBlock);
   if (!reader) return H5I_INVALID_HID;
   return h5::Entry<hid_t>(H5I_INVALID_HID, [&]() -> hid_t {
     std::string path;
@@ -75,7 +79,7 @@ hid_t ORVBlockPathResolver::OpenSectionGroup(int state) {
 }
 
 hid_t ORVBlockPathResolver::OpenTypeGroup(int state) {
-  IOH5Reader* reader = m_pBlock->GetH5Reader();
+  IOH5Reader* reader = ReaderOf(m_pBlock);
   if (!reader) return H5I_INVALID_HID;
   return h5::Entry<hid_t>(H5I_INVALID_HID, [&]() -> hid_t {
     std::string path;
@@ -85,7 +89,7 @@ hid_t ORVBlockPathResolver::OpenTypeGroup(int state) {
 }
 
 hid_t ORVBlockPathResolver::OpenBlockGroupFor(int state) {
-  IOH5Reader* reader = m_pBlock->GetH5Reader();
+  IOH5Reader* reader = ReaderOf(m_pBlock);
   if (!reader) return H5I_INVALID_HID;
   return h5::Entry<hid_t>(H5I_INVALID_HID, [&]() -> hid_t {
     std::string path;
@@ -96,7 +100,7 @@ hid_t ORVBlockPathResolver::OpenBlockGroupFor(int state) {
 }
 
 hid_t ORVBlockPathResolver::OpenStateGroup(int state) {
-  IOH5Reader* reader = m_pBlock->GetH5Reader();
+  IOH5Reader* reader = ReaderOf(m_pBlock);
   if (!reader) return H5I_INVALID_HID;
   return h5::Entry<hid_t>(H5I_INVALID_HID, [&]() -> hid_t {
     h5::Group section(OpenSectionGroup(state));
@@ -109,7 +113,7 @@ hid_t ORVBlockPathResolver::OpenStateGroup(int state) {
 }
 
 int ORVBlockPathResolver::GetNumStates() {
-  IOH5Reader* reader = m_pBlock->GetH5Reader();
+  IOH5Reader* reader = ReaderOf(m_pBlock);
   if (!reader) return 0;
   return h5::Entry(0, [&] {
     std::string path;

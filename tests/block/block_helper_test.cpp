@@ -196,6 +196,15 @@ TEST_F(BlockHelperSearch, WalksTheStateItselfForAnEmptyTypeOrNoKey) {
   keyless.CloseH5Reader();
 }
 
+TEST_F(BlockHelperSearch, LooksForVariablesUnderTheNameOfTheTableWhateverTheVersion) {
+  AddBlock("/post/constant/variable/A", 30);
+  helper_.m_BlkKey = 30;
+  EXPECT_EQ(Update(0, false), 1);
+  AddBlock("/post/constant/variables/B", 30);
+  EXPECT_EQ(Update(0, false), 0);
+  EXPECT_EQ(helper_.GetBlkPath(), "/post/constant/variables/B/orvblock");
+}
+
 TEST_F(BlockHelperSearch, FailsWhereNothingIsFound) {
   file_.group(State(1));
   helper_.m_BlkKey = 1000;

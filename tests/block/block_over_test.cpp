@@ -106,6 +106,12 @@ TEST_F(BlockOver, SkipLeavesTheStagesOfOneState) {
   EXPECT_THAT(Told(), ElementsAre("0 1 0 ", "0 1 1 "));
 }
 
+TEST_F(BlockOver, GoesOnAfterAnAnswerThatItDoesNotKnow) {
+  Record().answer = [](int, const std::string&) { return static_cast<_ORVAction>(3); };
+  EXPECT_EQ(Read(3, 1, 2, 1), 0);
+  EXPECT_THAT(Told(), ElementsAre("0 1 0 ", "0 2 0 ", "0 1 1 ", "0 2 1 "));
+}
+
 TEST_F(BlockOver, StopEndsTheWalk) {
   Record().answer = [](int stage, const std::string& where) {
     return stage == 2 && where == "1" ? ORV_ACTION_STOP : ORV_ACTION_CONTINUE;
@@ -141,6 +147,26 @@ TEST_F(BlockOver, StopsAtAStateWithoutTheBlock) {
   Record().answer = [](int stage, const std::string&) { return stage == -1 ? ORV_ACTION_STOP : ORV_ACTION_CONTINUE; };
   EXPECT_EQ(Read(1, 1, 0, 1), 0);
   EXPECT_THAT(Told(), ElementsAre("0 1 0 ", "1010 -1 1 "));
+}
+
+TEST_F(BlockOver, GoesOnBehindAStateWithoutTheBlockThatIsSkipped) {
+  file_.at(State(2) + "/attributes").drop("NODE");
+  Record().answer = [](int stage, const std::string&) { return stage == -1 ? ORV_ACTION_SKIP : ORV_ACTION_CONTINUE; };
+  EXPECT_EQ(Read(3, 1, 3, 1), 0);
+  EXPECT_THAT(Told(), ElementsAre("0 1 0 ", "0 2 0 ", "1010 -1 1 ", "0 1 2 ", "0 2 2 "));
+}
+
+TEST_F(BlockOver, ForgetsTheLastAnswerEvenWhereItFails) {
+  const std::string path = file_.path();
+  block_.m_nActionResult = ORV_ACTION_STOP;
+  EXPECT_EQ(Read(1, 0, 0, 1), 1);
+  EXPECT_EQ(block_.m_nActionResult, ORV_ACTION_CONTINUE);
+  block_.m_nActionResult = ORV_ACTION_STOP;
+  EXPECT_EQ(Iterate(0, 0, 1, 0), 1);
+  EXPECT_EQ(block_.m_nActionResult, ORV_ACTION_CONTINUE);
+  block_.m_nActionResult = ORV_ACTION_STOP;
+  EXPECT_EQ(Read(1, 1, 1, 1), 0);
+  EXPECT_THAT(Told(), ElementsAre("0 1 0 "));
 }
 
 TEST_F(BlockOver, TellsThePartsThatDoNotOpen) {

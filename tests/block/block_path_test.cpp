@@ -162,6 +162,19 @@ TEST_F(BlockPath, NeedsAReader) {
   EXPECT_EQ(block_.OpenBlockGroup(0), -1);
 }
 
+TEST_F(BlockPath, NeedsABlock) {
+  ORVBlockPathResolver nobody(nullptr);
+  std::string path = "/post";
+  EXPECT_EQ(nobody.AppendSection(path, 0), 1);
+  EXPECT_EQ(nobody.AppendTypeGroup(path, 0), 1);
+  EXPECT_EQ(path, "/post");
+  EXPECT_EQ(nobody.OpenSectionGroup(0), -1);
+  EXPECT_EQ(nobody.OpenTypeGroup(0), -1);
+  EXPECT_EQ(nobody.OpenBlockGroupFor(0), -1);
+  EXPECT_EQ(nobody.OpenStateGroup(0), -1);
+  EXPECT_EQ(nobody.GetNumStates(), 0);
+}
+
 // ---- Open groups
 
 TEST_F(BlockPath, OpensSectionStateAndTypeGroups) {

@@ -1,6 +1,6 @@
 // The protocol by which a block is read: which operation is called on which group, for every stage and in both
-// layouts, and what damaged trees do to it. Also the fields of a block, the shared index datasets, and the forwards to
-// the reader. Walks are in block_walk_test and block_over_test.
+// layouts, and what damaged trees do to it. Also the fields of a block and the forwards to the reader. The index
+// datasets are in block_index_test, walks in block_walk_test and block_over_test.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,7 +13,6 @@
 #include "block/recording_block.h"
 #include "support/forged_file.h"
 #include "support/orv_test.h"
-#include "support/raw_file.h"
 #include "support/raw_hdf5.h"
 
 namespace orv_test {
@@ -281,6 +280,39 @@ TEST_F(BlockRead, StepsNeedAGroupAndAReader) {
   EXPECT_THAT(Calls(), ElementsAre("header 1 /post/constant/attributes/NODE/header"));
 }
 
+/// A class with a road of its own through the stages.
+class SteppingBlock : public RecordingBlock {
+ public:
+  using RecordingBlock::RecordingBlock;
+  int ReadBlockStep(hid_t group, int stages) override {
+    steps.push_back(stages);
+    return ORVBlock::ReadBlockStep(group, stages) + 40;
+  }
+
+  std::vector<int> steps;
+};
+
+TEST_F(BlockRead, TakesTheStepsOfADerivedClass) {
+  Split();
+  const std::string path = file_.path();
+  SteppingBlock block(200, "NODE");
+  EXPECT_EQ(block.ReadBlock(path.c_str(), 0, 1), 40);
+  EXPECT_EQ(block.ReadBlockAt(path.c_str(), 0, 0, 2), 40);
+  EXPECT_EQ(block.ReadBlockByBlockPath(path.c_str(), 4), 40);
+  EXPECT_THAT(block.steps, ElementsAre(1, 2, 4));
+  EXPECT_EQ(block.calls.size(), 3U);
+}
+
+TEST_F(BlockRead, LearnsNoPathThatIsTooLong) {
+  const std::string fits = "/" + std::string(2998, 'f');
+  const std::string too_long = "/" + std::string(2999, 'l');
+  file_.group(fits + "/header").group(too_long + "/header");
+  file_.at(too_long).raw([&](hid_t group) { EXPECT_EQ(block_.ReadBlockStep(group, 1), 0); });
+  EXPECT_EQ(block_.GetBlkPath(), "");
+  file_.at(fits).raw([&](hid_t group) { EXPECT_EQ(block_.ReadBlockStep(group, 1), 0); });
+  EXPECT_EQ(block_.GetBlkPath(), fits);
+}
+
 // ---- Fields
 
 TEST_F(BlockRead, StartsWithItsInitialFields) {
@@ -443,112 +475,6 @@ TEST_F(BlockRead, TellsNothingAboutDatasetsOfABlockThatIsNotThere) {
   EXPECT_EQ(block_.ReadDatasetFileDataType(nullptr, 0, {"res"}, types), 1);
   EXPECT_THAT(filters, IsEmpty());
   EXPECT_THAT(types, IsEmpty());
-}
-
-// ---- Index datasets
-
-class BlockIndex : public BlockRead {
- protected:
-  BlockIndex() {
-    file_.at("/row").dataset<std::int32_t>("indexident", {2}, {1, 2}).dataset<float>("indexval", {2}, {.5F, 1.5F});
-    file_.at("/rows")
-        .dataset<std::int64_t>("indexident", {3, 2}, {1, 2, 3, 4, 5, 6})
-        .dataset<double>("indexval", {3, 2}, {.5, 1.5, 2.5, 3.5, 4.5, 5.5});
-    block_.OpenH5Reader(file_.path().c_str(), 0);
-  }
-  ~BlockIndex() override { block_.CloseH5Reader(); }
-
-  int ReadAt(const char* group, hsize_t rows, hsize_t columns, int stages) {
-    const Id opened(H5Gopen2(block_.GetH5Reader()->GetFileId(), group, H5P_DEFAULT), group);
-    return block_.ReadIndexComm(opened.get(), rows, columns, stages, &ident_type_, ident_, &value_type_, values_);
-  }
-
-  _ORVDataType ident_type_ = ORV_INT;
-  _ORVDataType value_type_ = ORV_FLOAT;
-  int ident_[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
-  float values_[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
-};
-
-TEST_F(BlockIndex, IsReadAsARowWithoutColumns) {
-  EXPECT_EQ(ReadAt("/row", 2, 0, 4), 0);
-  EXPECT_THAT(ident_, ElementsAre(1, 2, -1, -1, -1, -1, -1, -1));
-  EXPECT_THAT(values_, ElementsAre(.5F, 1.5F, -1, -1, -1, -1, -1, -1));
-}
-
-TEST_F(BlockIndex, IsReadInRowsWithColumns) {
-  EXPECT_EQ(ReadAt("/rows", 2, 3, 4), 0);
-  EXPECT_THAT(ident_, ElementsAre(1, 2, 3, 4, 5, 6, -1, -1));
-  EXPECT_THAT(values_, ElementsAre(.5F, 1.5F, 2.5F, 3.5F, 4.5F, 5.5F, -1, -1));
-}
-
-TEST_F(BlockIndex, ReadsNoValuesAfterIdentifiersThatFailed) {
-  EXPECT_EQ(ReadAt("/row", 3, 0, 4), 1);
-  EXPECT_EQ(ReadAt("/rows", 3, 2, 4), 1);
-  EXPECT_EQ(ReadAt("/rows", 2, 0, 4), 1);
-  ident_type_ = ORV_FLOAT;
-  EXPECT_EQ(ReadAt("/row", 2, 0, 4), 1);
-  EXPECT_EQ(ident_[0], -1);
-  EXPECT_EQ(values_[0], -1.F);
-}
-
-TEST_F(BlockIndex, TellsItsTypes) {
-  EXPECT_EQ(ReadAt("/rows", 2, 3, 16), 0);
-  EXPECT_EQ(ident_type_, ORV_LONG);
-  EXPECT_EQ(value_type_, ORV_DOUBLE);
-  EXPECT_EQ(ReadAt("/row", 2, 0, 32), 0);
-  EXPECT_EQ(ident_type_, ORV_INT);
-  EXPECT_EQ(value_type_, ORV_FLOAT);
-  EXPECT_EQ(ReadAt("/post", 2, 0, 16), 0);
-  EXPECT_EQ(ident_type_, ORV_NO_DATASET);
-  EXPECT_EQ(value_type_, ORV_NO_DATASET);
-  EXPECT_EQ(ident_[0], -1);
-}
-
-TEST_F(BlockIndex, IsNotTouchedWithoutGroupRowsOrStage) {
-  EXPECT_EQ(ReadAt("/row", 0, 0, 4), 1);
-  EXPECT_EQ(ReadAt("/row", static_cast<hsize_t>(-2), 0, 4), 1);
-  EXPECT_EQ(ReadAt("/row", 2, 0, 3), 1);
-  EXPECT_EQ(block_.ReadIndexComm(-1, 2, 0, 4, &ident_type_, ident_, &value_type_, values_), 1);
-  EXPECT_EQ(ident_[0], -1);
-}
-
-class BlockIndexWrite : public BlockRead {
- protected:
-  int WriteAt(const char* group, hsize_t rows, hsize_t columns, int rank) {
-    int status = -1;
-    file_.at(group).raw([&](hid_t here) {
-      status = block_.WriteIndexComm(here, rows, columns, rank, ORV_INT, ident_, ORV_FLOAT, values_);
-    });
-    return status;
-  }
-
-  int ident_[6] = {1, 2, 3, 4, 5, 6};
-  float values_[6] = {.5F, 1.5F, 2.5F, 3.5F, 4.5F, 5.5F};
-};
-
-TEST_F(BlockIndexWrite, StoresARowOrRows) {
-  EXPECT_EQ(WriteAt("/row", 2, 3, 1), 0);
-  EXPECT_EQ(WriteAt("/rows", 2, 3, 2), 0);
-  const RawFile raw(file_.path());
-  EXPECT_THAT(raw.shape("/row/indexval"), ElementsAre(2));
-  EXPECT_THAT(raw.values<float>("/row/indexval"), ElementsAre(.5F, 1.5F));
-  EXPECT_THAT(raw.values<std::int32_t>("/row/indexident"), ElementsAre(1, 2));
-  EXPECT_THAT(raw.shape("/rows/indexval"), ElementsAre(3, 2));
-  EXPECT_THAT(raw.shape("/rows/indexident"), ElementsAre(3, 2));
-  EXPECT_THAT(raw.values<std::int32_t>("/rows/indexident"), ElementsAre(1, 2, 3, 4, 5, 6));
-}
-
-TEST_F(BlockIndexWrite, StoresNoIdentifiersAfterValuesThatFailed) {
-  file_.at("/row").dataset<std::int32_t>("indexval", {2}, {1, 2});
-  EXPECT_EQ(WriteAt("/row", 2, 0, 1), 1);
-  EXPECT_FALSE(RawFile(file_.path()).exists("/row/indexident"));
-}
-
-TEST_F(BlockIndexWrite, StoresNothingWithoutGroupOrRows) {
-  EXPECT_EQ(WriteAt("/row", 0, 3, 1), 1);
-  EXPECT_EQ(WriteAt("/row", static_cast<hsize_t>(-1), 3, 1), 1);
-  EXPECT_EQ(block_.WriteIndexComm(-1, 2, 0, 1, ORV_INT, ident_, ORV_FLOAT, values_), 1);
-  EXPECT_THAT(RawFile(file_.path()).children("/row"), IsEmpty());
 }
 
 // ---- The reader
