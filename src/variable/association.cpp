@@ -30,6 +30,10 @@ namespace {
 
 constexpr std::size_t kLabelBytes = 511;  // of a component; a longer one is cut
 
+/// Components of all copies for one list of results. Only a damaged file has so many variables in several groups, or so
+/// large ones; they stay shared then.
+constexpr std::uint64_t kMostCopiedComponents = std::uint64_t{1} << 20;
+
 std::string LowerCase(std::string_view text) {
   std::string lower(text);
   std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return std::tolower(c); });
@@ -254,6 +258,8 @@ void Association::ValidateCreateNewVariable(ORVResult& result) {
     if (!place || place->m_extVars.empty()) continue;
     const auto offset = OffsetInResult(result, *place);
     if (!offset || !StandsElsewhere(*result.m_variableGrp, *place, *offset)) continue;
+    if (ComponentsOf(*place) > kMostCopiedComponents - copied_components_) continue;
+    copied_components_ += ComponentsOf(*place);
     data_.variables.reserve(data_.variables.size() + 1);  // the copy's tables go with the list
     std::unique_ptr<ORVVariable> clone = CloneVariable(*place);
     if (!clone) continue;

@@ -2,6 +2,7 @@
 
 // The binding of results to their definitions, and the making of handles.
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -44,6 +45,7 @@ class Association {
   ORVFiler& filer_;
   ORVContainer& data_;
   int& next_iid_;
+  std::uint64_t copied_components_ = 0;
   ByName<ORVVariable> variables_;
   ByName<ORVVariableGrp> groups_;
 };

@@ -2,7 +2,6 @@
 
 #include "variable/missing_definitions.h"
 
-#include <cstdio>
 #include <string>
 
 #include "filer/messages.h"
@@ -17,16 +16,13 @@
 namespace orvio {
 namespace {
 
-/// One component bears the name of the variable, several are numbered.
+/// One component bears the name of the variable, several are numbered. A long name gives way to the number.
 void NameComponents(ORVVariable& variable, const std::string& name) {
   const std::uint64_t components = ComponentsOf(variable);
   for (std::uint64_t i = 0; i < components; ++i) {
     char* field = variable.m_pCname + i * disk::kTextWidth;
-    if (components == 1) {
-      AssignField(field, disk::kTextWidth, name);
-    } else {
-      (void)std::snprintf(field, disk::kTextWidth, "%.220s (%zu)", name.c_str(), i + 1);
-    }
+    const std::string number = components == 1 ? "" : " (" + std::to_string(i + 1) + ")";
+    AssignField(field, disk::kTextWidth, name.substr(0, disk::kTextWidth - 1 - number.size()) + number);
     variable.m_pCid[i] = static_cast<int>(i + 1);
   }
 }

@@ -103,12 +103,37 @@ void CopyUnits(const ORVVariable& from, ORVVariable& to) {
   CopyWhereBothHave(from.m_pUdexp, to.m_pUdexp, derived);
 }
 
+/// Counts up to which the file is not asked.
+constexpr StoredExtents kSmall = {64, 4096, 1024};
+
+/// Counts of one table of 64 MiB.
+constexpr StoredExtents kMostOnTrust = {(h5::kUnbackedBytes - 1) / disk::kTextWidth, h5::kUnbackedBytes,
+                                        h5::kUnbackedBytes / sizeof(float)};
+
+bool IsWithin(const StoredExtents& counts, const StoredExtents& most) {
+  return counts.components <= most.components && counts.label_bytes <= most.label_bytes &&
+         counts.map_values <= most.map_values;
+}
+
+std::uint64_t Beyond(std::uint64_t wanted, std::uint64_t stored) { return wanted > stored ? wanted - stored : 0; }
+
 }  // namespace
 
-bool NeedsStoredExtents(const ORVVariable& variable) {
+StoredExtents CountsOf(const ORVVariable& variable) {
   const auto map = MapShapeOf(variable);
-  return ComponentsOf(variable) > (h5::kUnbackedBytes - 1) / disk::kTextWidth ||
-         LabelBytesOf(variable) > h5::kUnbackedBytes || (map && map->count > h5::kUnbackedBytes / sizeof(float));
+  return {ComponentsOf(variable), LabelBytesOf(variable), map ? map->count : 0};
+}
+
+bool NeedsStoredExtents(const ORVVariable& variable) { return !IsWithin(CountsOf(variable), kSmall); }
+
+bool TakenOnTrust::Take(const StoredExtents& wanted, const StoredExtents& stored) {
+  // No sum wraps: a count is below 2^63, and what was taken before is far below.
+  const StoredExtents taken = {taken_.components + Beyond(wanted.components, stored.components),
+                               taken_.label_bytes + Beyond(wanted.label_bytes, stored.label_bytes),
+                               taken_.map_values + Beyond(wanted.map_values, stored.map_values)};
+  if (!IsWithin(taken, kMostOnTrust)) return false;
+  taken_ = taken;
+  return true;
 }
 
 bool AllocateBuffers(ORVVariable& variable, const StoredExtents& stored, AllocateZeroed allocate) {
@@ -141,10 +166,8 @@ std::unique_ptr<ORVVariable> CloneVariable(const ORVVariable& source) {
     clone->m_units.clear();  // they are the source's; nothing may come between the copy and this line
     clone->m_extVars.clear();
     clone->ReSetBlock(ORV_READ_DATA);
-    const auto map = MapShapeOf(source);
     // What the source holds was admitted when it was read.
-    const StoredExtents held = {ComponentsOf(source), LabelBytesOf(source), map ? map->count : 0};
-    if (!AllocateBuffers(*clone, held)) return std::unique_ptr<ORVVariable>();
+    if (!AllocateBuffers(*clone, CountsOf(source))) return std::unique_ptr<ORVVariable>();
     const_cast<ORVVariable&>(source).CopyDataPart(clone.get());  // the fixed signature is not const; nothing changes
     return clone;
   });
@@ -159,7 +182,7 @@ void ORVVariable::CopyDataPart(ORVVariable* dest) {
   const std::uint64_t components = ComponentsOf(*this);
   const auto map = MapShapeOf(*this), room = PossibleMapShapeOf(*dest);
   if (map && room && map->count <= room->count) CopyWhereBothHave(m_pVmap, dest->m_pVmap, map->count);
-  if (m_subslen > 0 && m_subslen == dest->m_subslen) {
+  if (m_subslen == dest->m_subslen) {
     CopyWhereBothHave(m_pSubscnt, dest->m_pSubscnt, components);
     CopyWhereBothHave(m_pSubsoffs, dest->m_pSubsoffs, components);
     CopyWhereBothHave(m_pSubscr, dest->m_pSubscr, LabelBytesOf(*this));

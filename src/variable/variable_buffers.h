@@ -19,8 +19,24 @@ struct StoredExtents {
 /// The allocator: calloc, or what a test puts in its place.
 using AllocateZeroed = void* (*)(std::size_t count, std::size_t size);
 
-/// Whether a table of this variable would take more than 64 MiB: then AllocateBuffers wants to know what is stored.
+/// Counts of the tables of a variable.
+StoredExtents CountsOf(const ORVVariable& variable);
+
+/// Whether the tables of a variable are so large that the file is asked what it stores of them. Those of others are of the
+/// size of their header.
 bool NeedsStoredExtents(const ORVVariable& variable);
+
+/// What the variables of a file have in all that nothing in it stands behind. Each table alone may be a small thing, but
+/// the tables of all variables are kept, and each component gets a handle besides.
+class TakenOnTrust {
+ public:
+  /// False, with nothing taken, where this would be more in all than one variable may have: 64 MiB of component names,
+  /// labels or map values.
+  [[nodiscard]] bool Take(const StoredExtents& wanted, const StoredExtents& stored);
+
+ private:
+  StoredExtents taken_;
+};
 
 /// Gives the variable zeroed tables for the counts of its header and sets the pointers and the element type of the
 /// component ids to them. False when one of them cannot be had, or would take more than 64 MiB that nothing in the

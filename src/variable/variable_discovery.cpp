@@ -36,16 +36,17 @@ class VariableScan : public ORVVariable {
   VariableScan& operator=(const VariableScan&) = delete;
   ~VariableScan() override { FreeBuffers(*this); }
 
-  /// What a variable lacks must not be that of the one before it.
+  /// What a variable lacks must not be that of the one before it: an attribute, or the whole header, without which a
+  /// variable is handed its data all the same.
   int ReadHeader(hid_t header, int flags) override {
     Forget();
     return ORVVariable::ReadHeader(header, flags);
   }
 
   _ORVAction HeaderWasRead(int status) {
-    if (status != kOk || m_ncoo == 0) return ORV_ACTION_SKIP;
-    const StoredExtents stored = NeedsStoredExtents(*this) ? StoredExtentsOfThis() : StoredExtents();
-    return AllocateBuffers(*this, stored) ? ORV_ACTION_CONTINUE : ORV_ACTION_SKIP;
+    if (status == kOk && m_ncoo != 0 && MakeTables()) return ORV_ACTION_CONTINUE;
+    Forget();
+    return ORV_ACTION_SKIP;
   }
 
   _ORVAction DataWereRead(int status) {
@@ -68,6 +69,11 @@ class VariableScan : public ORVVariable {
     m_lenb = m_lend = 0;
   }
 
+  bool MakeTables() {
+    const StoredExtents stored = NeedsStoredExtents(*this) ? StoredExtentsOfThis() : CountsOf(*this);
+    return trust_.Take(CountsOf(*this), stored) && AllocateBuffers(*this, stored);
+  }
+
   /// The datasets stand beside the header in the single layout, in "data" in the split one.
   StoredExtents StoredExtentsOfThis() const {
     const bool single = GetBlkVersion() == ORV_BLK_VERSION_SINGLE;
@@ -77,6 +83,7 @@ class VariableScan : public ORVVariable {
   }
 
   std::vector<ORVVariable*>& found_;
+  TakenOnTrust trust_;
 };
 
 /// The walk runs inside HDF5's iteration: no exception may leave.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 #include "h5/disk_names.h"
 #include "h5/entry.h"
@@ -29,22 +30,31 @@ class GroupScan : public ORVVariableGrp {
 
   _ORVAction HeaderWasRead(int status) {
     FreeBuffers(*this);
+    header_of_ = m_BlkPath;
     const bool is_possible = status == kOk && m_nvar > 0 && (m_nvar <= kUnbackedKeys || m_nvar <= StoredKeys());
     return is_possible && AllocateBuffers(*this) ? ORV_ACTION_CONTINUE : ORV_ACTION_SKIP;
   }
 
   _ORVAction DataWereRead(int status) {
-    if (status != kOk) return ORV_ACTION_CONTINUE;  // the next header frees the arrays
-    auto copy = std::make_unique<ORVVariableGrp>(*this);
-    found_.push_back(copy.get());
-    copy.release();  // NOLINT(bugprone-unused-return-value): the list has it now, and the arrays with it
-    ReSetBlock(ORV_READ_DATA);
+    if (status == kOk && m_pKeys && header_of_ == m_BlkPath) {  // else there was no header
+      auto copy = std::make_unique<ORVVariableGrp>(*this);
+      found_.push_back(copy.get());
+      copy.release();  // NOLINT(bugprone-unused-return-value): the list has it now, and the arrays with it
+      ReSetBlock(ORV_READ_DATA);
+    }
+    Forget();
     return ORV_ACTION_CONTINUE;
   }
 
   bool out_of_memory = false;
 
  private:
+  /// A group without a header is handed its data all the same: they must not be taken for those of the one before it.
+  void Forget() {
+    FreeBuffers(*this);
+    ReSetBlock(ORV_READ_HEADER);
+  }
+
   /// Keys that are there, and not only claimed by extents.
   std::int64_t StoredKeys() const {
     const bool single = GetBlkVersion() == ORV_BLK_VERSION_SINGLE;
@@ -58,6 +68,7 @@ class GroupScan : public ORVVariableGrp {
   }
 
   std::vector<ORVVariableGrp*>& found_;
+  std::string header_of_;  ///< path of the group whose header was read last
 };
 
 /// The walk runs inside HDF5's iteration: no exception may leave.

@@ -33,6 +33,9 @@ ORVExtVar* ORVVariableGrp::GetExtVarFrmId(int id, bool byIID) {
   return FirstAnswer(m_variables, [&](ORVVariable& v) { return v.GetExtVarFrmId(id, byIID); });
 }
 
+/// QUIRK: alone of these operations it does not stop at the first variable: where two have the handle, the last answers.
+/// Hosts that gave a handle to a second variable look for that one. Pinned by
+/// VariableGroupHandles.LeadToTheLastVariableThatHasThem.
 ORVVariable* ORVVariableGrp::GetVariableFrmId(int id, bool byIID) {
   ORVVariable* last = nullptr;
   for (ORVVariable* variable : m_variables) {
@@ -82,8 +85,9 @@ ORVUnit* ORVVariableGrp::GetUnitPtr(int eid) {
   return FirstAnswer(m_variables, [&](ORVVariable& v) { return v.GetUnitPtr(eid); });
 }
 
-/// The variable looks for its handles at the positions below its own number of components, wherever the group has it: a
-/// variable at an offset beyond gives none.
+/// QUIRK: the variable looks for its handles at the positions below its own number of components, wherever the group has
+/// it, so a variable at an offset beyond gives none. Hosts take the failure for a variable without inputs of its own.
+/// Pinned by VariableHandles.FillNoDependentOfAVariableAtAnotherOffset.
 int ORVVariableGrp::FillDependentForVarGrp(const char* name, ORVDependentVar& dependent) {
   ORVVariable* variable = GetVariableFromVarName(name);
   return variable ? variable->FillDependentForVarGrp(dependent) : kFail;

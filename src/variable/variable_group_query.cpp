@@ -53,6 +53,9 @@ void ORVVariableGrp::AppendVariable(ORVVariable* variable) {
   if (variable) h5::EntryVoid([&] { m_variables.push_back(variable); });
 }
 
+/// QUIRK: of two variables of one name this finds the last, where every other search finds the first. Hosts that append
+/// a variable of their own put it in place of a stored one that way. Pinned by
+/// VariableGroupQuery.OfTwoVariablesOfOneNameTakesTheLastByNameAndTheFirstByIdentity.
 ORVVariable* ORVVariableGrp::GetVariableFromVarName(const char* name) {
   ORVVariable* last = nullptr;
   for (ORVVariable* variable : m_variables) {
@@ -140,6 +143,8 @@ int ORVVariableGrp::GetVariableInfo(_ORVVarType& varType, _ORVVarClassType& varC
   return kOk;
 }
 
+/// QUIRK: shape and class are not written at all, unlike by position: a host that knows them hands them in and reads them
+/// back. Pinned by VariableGroupQuery.ByNameLeavesShapeAndClassAlone.
 int ORVVariableGrp::GetVariableInfo(const char* name, _ORVVarType& /*varType*/, _ORVVarClassType& /*varClass*/,
                                     int& count, int& offset) {
   count = 0;

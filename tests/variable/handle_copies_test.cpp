@@ -150,4 +150,9 @@ TEST_F(FilerHandles, AreFoundByEitherId) {
   EXPECT_EQ(filer_->GetVariableFrmID(6, true), nullptr);
 }
 
+TEST_F(FilerHandles, OfTwoVariablesBelongToTheFirst) {
+  filer_->GetVariable("Speed")->AppendExtVar(filer_->GetExtVariable(5, true));
+  EXPECT_EQ(filer_->GetVariableFrmID(5, true), filer_->GetVariable("Speed"));
+}
+
 }  // namespace

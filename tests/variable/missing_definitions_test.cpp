@@ -56,6 +56,18 @@ TEST_F(MissingDefinitions, OfAResultOfOneComponentNameItAsTheVariable) {
   orvio::FreeBuffers(*variable);
 }
 
+TEST_F(MissingDefinitions, OfAResultOfALongNameCutItForTheNumberOnly) {
+  for (const std::size_t length : {251, 252, 256}) {
+    ORVResult result(ORV_RESULT_ENTITY);
+    result.SetEntityAndVarName("NODE", std::string(length, 'n'));
+    result.m_ncoo = 2;
+    const auto variable = orvio::CreateVariableForResult(result);
+    ASSERT_NE(variable, nullptr);
+    EXPECT_EQ(std::string(variable->m_pCname + 256), std::string(251, 'n') + " (2)") << length;
+    orvio::FreeBuffers(*variable);
+  }
+}
+
 TEST_F(MissingDefinitions, OfWhatHasNoComponentsAreNone) {
   ORVResult result(ORV_RESULT_ENTITY);
   EXPECT_EQ(orvio::CreateVariableForResult(result), nullptr);
@@ -146,6 +158,16 @@ TEST_F(KeyPrefix, OfAResultWithAGroupIsThatOfTheGroup) {
   std::string prefix;
   EXPECT_EQ(orvio::FindVariableKeyPrefix({&result}, prefix), 0);
   EXPECT_EQ(prefix, "ZPS");
+}
+
+TEST_F(KeyPrefix, IsNotLookedForPastAResultWithoutADefinition) {
+  ORVResult result(ORV_RESULT_ENTITY);
+  result.SetEntityAndVarName("NODE", "COORDINATE");  // which is in no definition
+  list_.push_back(&result);
+  Add("Speed", "ZPS:S");
+  std::string prefix = "before";
+  EXPECT_EQ(orvio::FindVariableKeyPrefix(list_, prefix), 1);
+  EXPECT_EQ(prefix, "before");
 }
 
 TEST_F(KeyPrefix, OfNoResultsIsNone) {

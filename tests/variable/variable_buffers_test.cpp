@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 
@@ -98,8 +99,34 @@ TEST_F(VariableBuffers, AreRefusedForCountsThatNoFileStandsBehind) {
 TEST_F(VariableBuffers, UpToSixtyFourMebibytesNeedNoFile) {
   TestVariable variable;
   GiveCounts(variable, 262143);
-  EXPECT_FALSE(orvio::NeedsStoredExtents(variable));
   EXPECT_TRUE(AllocateBuffers(variable));
+}
+
+TEST_F(VariableBuffers, OfASmallVariableAreMadeWithoutALookAtWhatIsStored) {
+  ORVVariable variable;
+  GiveCounts(variable, 64);
+  variable.m_subslen = 4096;
+  variable.m_lvmap = 1;
+  variable.m_ndim = 16;
+  EXPECT_FALSE(orvio::NeedsStoredExtents(variable));
+  for (std::int64_t ORVVariable::*count : {&ORVVariable::m_ncoo, &ORVVariable::m_subslen, &ORVVariable::m_ndim}) {
+    ORVVariable larger = variable;
+    ++(larger.*count);
+    EXPECT_TRUE(orvio::NeedsStoredExtents(larger));
+  }
+}
+
+TEST_F(VariableBuffers, OfAllVariablesOnTrustAreThoseThatOneMayHave) {
+  orvio::TakenOnTrust trust;
+  EXPECT_TRUE(trust.Take({200000, 40 << 20, 10 << 20}, {}));
+  EXPECT_FALSE(trust.Take({62144, 0, 0}, {}));
+  EXPECT_FALSE(trust.Take({0, (24 << 20) + 1, 0}, {}));
+  EXPECT_FALSE(trust.Take({0, 0, (6 << 20) + 1}, {}));
+  EXPECT_FALSE(trust.Take({INT64_MAX, INT64_MAX, 0}, {}));
+  EXPECT_TRUE(trust.Take({1 << 30, 1 << 30, 1 << 30}, {1 << 30, 1 << 30, 1 << 30}));  // the file has all of it
+  EXPECT_TRUE(trust.Take({1000, 0, 0}, {2000, 0, 0}));
+  EXPECT_TRUE(trust.Take({62143, 24 << 20, 6 << 20}, {}));
+  EXPECT_FALSE(trust.Take({1, 0, 0}, {}));
 }
 
 TEST_F(VariableBuffers, OfMoreAreGivenWhereTheFileStandsBehindThem) {
@@ -272,6 +299,24 @@ TEST_F(VariableCopy, PassesOverLabelsOfAnotherLength) {
   EXPECT_EQ(dest.m_pSubscr[0], '\0');
   EXPECT_EQ(dest.m_pSubscnt[0], 0);
   EXPECT_EQ(dest.m_pMbunit[0], 2);
+}
+
+TEST_F(VariableCopy, TakesPlacesOfLabelsWhereBothSidesHaveNoneOfTheirBytes) {
+  ORVVariable source, dest;
+  int from[4] = {1, 2, 3, 4}, to[4] = {};
+  for (const std::int64_t length : {0, -3}) {
+    std::fill_n(to, 4, 0);
+    GiveCounts(source, 2);
+    GiveCounts(dest, 2);
+    source.m_subslen = dest.m_subslen = length;
+    source.m_pSubscnt = from;
+    source.m_pSubsoffs = from + 2;
+    dest.m_pSubscnt = to;
+    dest.m_pSubsoffs = to + 2;
+    source.CopyDataPart(&dest);
+    EXPECT_EQ(to[1], 2) << length;
+    EXPECT_EQ(to[3], 4) << length;
+  }
 }
 
 TEST_F(VariableCopy, PassesOverAMapThatIsNotFlaggedOrDoesNotFit) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -192,6 +193,19 @@ TEST_F(VariableDiscovery, ReadsMoreThan64MebibytesOfTheSplitLayoutToo) {
   EXPECT_STREQ(found_[0]->m_pCname + (kMany - 1) * 256, "c");
 }
 
+/// Many variables of a size that one of them may have on trust would take gigabytes, and as much for their handles.
+TEST_F(VariableDiscovery, TakesOnTrustNoMoreOfAllVariablesThanOfOne) {
+  constexpr int kMany = 200000;
+  ForgedFile file = ForgeKeyed();
+  for (const char* key : {"A", "B", "C", "D"}) AddPlain(file, key);
+  for (const char* key : {"A", "B", "C"}) {
+    file.at(std::string("/post/constant/variable/") + key + "/orvblock").integer("ncoo", kMany);
+  }
+  file.dataset<std::int32_t>("mbunit", {kMany}, std::vector<std::int32_t>(kMany, 1));
+  EXPECT_EQ(Read(file), 0);
+  EXPECT_EQ(Names(), (Texts{"name of A", "name of C", "name of D", "Stress"}));  // that of C is there
+}
+
 /// Extents that no byte of the file stands behind: a chunked dataset that was never written.
 TEST_F(VariableDiscovery, DoesNotBelieveExtentsWithoutData) {
   constexpr hsize_t kMany = 1000000000;
@@ -215,6 +229,20 @@ TEST_F(VariableDiscovery, AHeaderWithoutItsDataIsNoVariable) {
   file.at("/post/constant/variables/ZZZ").group("data");
   EXPECT_EQ(Read(file), 0);
   EXPECT_TRUE(found_.empty());
+}
+
+TEST_F(VariableDiscovery, DataWithoutAHeaderDoNotPassForThoseOfAVariableThatWasLeftOut) {
+  const std::function<void(ForgedFile&)> damages[] = {
+      [](ForgedFile& header) { header.drop("rank"); },
+      [](ForgedFile& header) { header.integer("ncoo", 100000000); },
+  };
+  for (const auto& damage : damages) {
+    ForgedFile file = ForgeUnkeyed();
+    file.at("/post/constant/variables/ZZZ").group("data");
+    damage(file.at(kSplitHeader));
+    EXPECT_EQ(Read(file), 0);
+    EXPECT_TRUE(found_.empty());
+  }
 }
 
 TEST_F(VariableDiscovery, WithoutAFileOrAGroupOfVariablesFails) {

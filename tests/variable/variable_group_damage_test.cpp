@@ -84,6 +84,35 @@ TEST_F(VariableGroupDamage, OfOneGroupLeavesTheOthersAsTheyAre) {
   }
 }
 
+/// Without a header a walk hands over the data alone, which are not those of the group before.
+TEST_F(VariableGroupDamage, OfAHeaderThatIsMissingLeavesTheGroupOut) {
+  ForgedModel model(ForgedModel::kSplit);
+  model.group("FIRST", 1, {{"A", 1, 0}}).group("LOADS", 1, {{"B", 1, 0}}).group("MIDDLE", 2, {{"C", 2, 0}});
+  model.file().at("/post/constant/variablegroup/LOADS").drop("header");
+  const FoundGroups groups(model.file());
+  ASSERT_THAT(groups.names(), ElementsAre("FIRST", "MIDDLE"));
+  EXPECT_STREQ(groups[0].m_pKeys, "A");
+  EXPECT_STREQ(groups[1].m_pKeys, "C");
+}
+
+TEST_F(VariableGroupDamage, OfDataThatCannotBeReadDoesNotPassTheHeaderOn) {
+  ForgedModel model(ForgedModel::kSplit);
+  model.group("FIRST", 1, {{"A", 1, 0}}).group("LOADS", 1, {{"B", 1, 0}}).group("MIDDLE", 2, {{"C", 2, 0}});
+  model.file().at("/post/constant/variablegroup/FIRST/data").drop("varkey");
+  model.file().at("/post/constant/variablegroup/LOADS").drop("header");
+  const FoundGroups groups(model.file());
+  EXPECT_THAT(groups.names(), ElementsAre("MIDDLE"));
+}
+
+TEST_F(VariableGroupDamage, OfDataThatAreNoGroupDoesNotPassTheHeaderOn) {
+  ForgedModel model(ForgedModel::kSplit);
+  model.group("FIRST", 1, {{"A", 1, 0}}).group("LOADS", 1, {{"B", 1, 0}}).group("MIDDLE", 2, {{"C", 2, 0}});
+  model.file().at("/post/constant/variablegroup/FIRST").drop("data").dataset<std::int32_t>("data", {1}, {1});
+  model.file().at("/post/constant/variablegroup/LOADS").drop("header");
+  const FoundGroups groups(model.file());
+  EXPECT_THAT(groups.names(), ElementsAre("MIDDLE"));
+}
+
 TEST_F(VariableGroupDamage, EndsTheReadingOfTheData) {
   int counts[] = {-1, -1}, offsets[] = {-1, -1};
   char keys[2 * 256 + 1] = {};

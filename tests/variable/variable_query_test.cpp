@@ -74,6 +74,17 @@ TEST_F(Variable, ACopySharesArraysAndHandles) {
   EXPECT_EQ(assigned.GetNumExtVar(), 1U);
 }
 
+TEST_F(Variable, ACopySharesUnitObjects) {
+  ORVVariable variable;
+  variable.m_units.push_back(new ORVUnit);
+  ORVVariable copy(variable), assigned;
+  assigned = variable;
+  EXPECT_EQ(copy.m_units, variable.m_units);
+  EXPECT_EQ(assigned.m_units, variable.m_units);
+  copy.m_units.clear();  // one of them deletes the unit
+  assigned.m_units.clear();
+}
+
 TEST_F(Variable, DeletesItsUnitObjectsWithIt) {
   struct Told : ORVUnit {
     explicit Told(int& deaths) : deaths_(deaths) {}

@@ -1,0 +1,113 @@
+// Results whose definitions have handles already: those of another list or group, and those that are bound once more. The
+// first binding is in association_test.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "orvio/orv_filer.h"
+#include "support/forged_model.h"
+#include "support/orv_test.h"
+
+namespace {
+
+using orv_test::ForgedModel;
+using orv_test::ForgedValues;
+using testing::ElementsAre;
+
+std::vector<std::string> NamesOf(const std::vector<ORVExtVar*>& handles) {
+  std::vector<std::string> names;
+  for (const ORVExtVar* handle : handles) names.push_back(handle->GetName());
+  return names;
+}
+
+ForgedValues Result(const std::string& variable, int ncoo) {
+  ForgedValues result;
+  result.variable = variable;
+  result.nent = 1;
+  result.ncoo = ncoo;
+  return result;
+}
+
+ForgedValues MultiStateResult(const std::string& variable, int ncoo) {
+  ForgedValues result = Result(variable, ncoo);
+  result.kind = 1050;
+  result.nstate = 1;
+  return result;
+}
+
+/// A filer after its start-up.
+struct Opened {
+  explicit Opened(ForgedModel& model) : filer(model.path().c_str()) { EXPECT_EQ(filer.InitReader(next_id), 0); }
+
+  ORVFiler filer;
+  int next_id = 1;
+};
+
+class AssociationAgain : public orv_test::OrvTest {};
+
+TEST_F(AssociationAgain, MarksAllHandlesOfAGroup) {
+  ForgedModel model;
+  model.variable({.name = "A", .key = "A"}).variable({.name = "B", .key = "B"}).variable({.name = "C", .key = "C"});
+  model.group("G", 2, {{"A", 1, 0}, {"B", 1, 1}}).group("H", 2, {{"A", 1, 0}, {"C", 1, 1}});
+  model.in_state(1, Result("G", 2)).in_multistate(MultiStateResult("H", 2));
+  Opened opened(model);
+  ASSERT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("A", "B", "C"));
+  const auto serves = [&](const char* name, int list) { return opened.filer.GetExtVariable(name)->IsApplicable(list); };
+  EXPECT_TRUE(serves("A", 1));
+  EXPECT_TRUE(serves("A", 2));
+  EXPECT_TRUE(serves("B", 1));
+  EXPECT_FALSE(serves("B", 2));
+  EXPECT_FALSE(serves("C", 1));
+  EXPECT_TRUE(serves("C", 2));
+}
+
+TEST_F(AssociationAgain, InAnotherOrderGivesOtherNamesToComponentsWithoutLabels) {
+  ForgedModel model;
+  model.variable({.name = "Other", .key = "O"}).variable({.name = "Speed", .key = "S", .ncoo = 2});
+  model.in_state(1, Result("Other", 1)).in_state(1, Result("Speed", 2));
+  Opened opened(model);
+  ORVVariable& speed = *opened.filer.GetVariable("Speed");
+  EXPECT_THAT(NamesOf(speed.GetExtVariables()), ElementsAre("Speed_2", "Speed_3"));
+  for (ORVVariable* variable : opened.filer.GetVariables()) variable->ClearExtVariables();
+  std::vector<ORVResult*> results(opened.filer.GetResultList(1).rbegin(), opened.filer.GetResultList(1).rend());
+  int next_id = 1;
+  EXPECT_EQ(opened.filer.AssociateVariables(results, next_id, 1), 0);
+  EXPECT_THAT(NamesOf(speed.GetExtVariables()), ElementsAre("Speed_1", "Speed_2"));
+}
+
+TEST_F(AssociationAgain, MakesHandlesForTheLow32BitsOfTheOriginalCount) {
+  ForgedModel model;
+  model.variable({.name = "Other", .key = "O"});
+  model.variable({.name = "Speed", .key = "S", .ncoo = 3, .labels = {"X", "Y", "Z"}}).in_state(1, Result("Other", 1));
+  Opened opened(model);
+  ORVVariable& speed = *opened.filer.GetVariable("Speed");
+  ORVResult& result = *opened.filer.GetResultList(1).at(0);
+  speed.SetOriginalCount((std::uint64_t{1} << 32) + 2);
+  std::strcpy(result.m_etypvar, "Speed");
+  std::vector<ORVResult*> results = {&result};
+  EXPECT_EQ(opened.filer.AssociateVariables(results, opened.next_id, 1), 0);
+  EXPECT_EQ(result.m_variable, &speed);
+  EXPECT_THAT(NamesOf(speed.GetExtVariables()), ElementsAre("Speed_X", "Speed_Y"));
+}
+
+/// A small file can list one large variable thousands of times. Each copy would have tables of its own.
+TEST_F(AssociationAgain, CopiesNoMoreThanAMillionComponents) {
+  constexpr int kMany = 262143;  // four times this are just below
+  ForgedModel model;
+  model.variable({.name = "Large", .key = "L", .ncoo = kMany});
+  model.group("G", kMany, {{"L", kMany, 0}});
+  model.group("H", kMany, {{"L", 1, 1}, {"L", 1, 1}, {"L", 1, 1}, {"L", 1, 1}, {"L", 1, 1}, {"L", 1, 1}});
+  model.in_state(1, Result("G", kMany)).in_state(1, Result("H", kMany));
+  Opened opened(model);
+  EXPECT_EQ(opened.filer.GetVariables().size(), 5U);
+  const std::vector<ORVVariable*>& members = opened.filer.GetVariableGroup("H")->GetVariables();
+  ASSERT_EQ(members.size(), 6U);
+  EXPECT_NE(members[3], opened.filer.GetVariables()[0]);
+  EXPECT_EQ(members[4], opened.filer.GetVariables()[0]);  // this place shares the variable of the other group
+}
+
+}  // namespace
