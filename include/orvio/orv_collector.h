@@ -27,7 +27,7 @@ class ORVIO_EXPORT ORVCollector : public ORVBlock {
   /// extents than those that are there already answer 1.
   int WriteBlock(const char* path, int state, int mode) override;
   int WriteHeader(hid_t header) override;
-  int WriteData(hid_t data) override;  ///< 1 without collectors
+  int WriteData(hid_t data) override;  ///< 1 without collectors, types or ids
   int WriteIndex(hid_t index) override;
 
   char m_etypcoll[257];    ///< collector type name and group name of the block

@@ -12,19 +12,13 @@ using namespace orvio;
 
 std::uint64_t ORVFiler::GetPartInfo(const std::string& partType, std::vector<int>& ids, std::vector<std::string>& names,
                                     std::vector<int>& materialIds, std::vector<int>& materialTypes, int state) {
-  ids.clear();
-  names.clear();
-  materialIds.clear();
-  materialTypes.clear();
-  if (!m_pData) return 0;
-  return h5::Entry(std::uint64_t{0}, [&]() -> std::uint64_t {
-    PartInfo info = ReadPartInfo(m_pData->path.c_str(), partType, state);
-    ids = std::move(info.ids);
-    names = std::move(info.names);
-    materialIds = std::move(info.material_ids);
-    materialTypes = std::move(info.material_types);
-    return ids.size();
-  });
+  PartInfo info;
+  if (m_pData) h5::EntryVoid([&] { info = ReadPartInfo(m_pData->path.c_str(), partType, state); });
+  ids = std::move(info.ids);  // only now: the type may be one of the names
+  names = std::move(info.names);
+  materialIds = std::move(info.material_ids);
+  materialTypes = std::move(info.material_types);
+  return ids.size();
 }
 
 std::uint64_t ORVFiler::GetPartIdsAndNames(const std::string& partType, std::vector<int>& ids,

@@ -149,6 +149,8 @@ bool ORVFiler::HasDoublePrecisionNodeCoordinates() {
   return IsResultValueInDoublePrecision(blocks, 1);
 }
 
+/// QUIRK: an answer holds until all is read anew, whatever becomes of the file: it takes the opening of every block, and
+/// hosts ask before each fetch. Pinned by FilerPrecision.HasAnAnswerAboutAFilterThatIsRememberedAlthoughTheFileChanged.
 bool ORVFiler::IsAnyResultDatasetHasH5Filter(int filterId) {
   if (!m_pData) return false;
   return h5::Entry(false, [&] {

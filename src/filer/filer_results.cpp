@@ -17,6 +17,9 @@ namespace {
 constexpr char kLoadCaseColumn[] = "LOAD CASE";  // name of the index type
 
 /// Null where the flags name no list.
+///
+/// QUIRK: flags that name both lists mean that of the states alone. Hosts pass all flags they have and take what comes
+/// for blocks of one state. Pinned by FilerResults.AreTakenFromTheStateListWhereBothAreNamed.
 const ResultList* GetResultBlkList(const ORVContainer* data, int flags) {
   if (!data) return nullptr;
   if (flags & kSinglestateData) return &data->single_results;

@@ -15,6 +15,12 @@
 
 using namespace orvio;
 
+namespace {
+
+constexpr std::int64_t kUnknownVersion = -1;  // of the creator; not stored then
+
+}  // namespace
+
 ORVSystem::ORVSystem() { ORVSystem::Initialize(); }
 
 ORVSystem::~ORVSystem() = default;
@@ -30,7 +36,7 @@ void ORVSystem::Initialize() {
   m_pUbid = m_pUdid = m_pNdbunit = m_pUdbid = nullptr;
   m_pUbtyp = m_pUbnam = m_pUdnam = nullptr;
   m_pUbshift = m_pUbcon = m_pUdscal = m_pUdbexp = nullptr;
-  m_cversion = -1;
+  m_cversion = kUnknownVersion;
 }
 
 int ORVSystem::AppendBlockSchema(std::string& /*path*/) { return kOk; }
@@ -144,7 +150,7 @@ int ORVSystem::ReadHeader(hid_t header, int flags) {
   in.strip(m_mtime);
   in.required(disk::nbunit, m_nbunit);
   in.required(disk::ndunit, m_ndunit);
-  in.attempted(disk::cversion, m_cversion);  // not stored where it is unknown
+  if (!in.attempted(disk::cversion, m_cversion) && in.ok()) m_cversion = kUnknownVersion;
   return in.status();
 }
 

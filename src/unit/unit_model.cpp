@@ -130,6 +130,9 @@ std::string ORVUnit::GetUnitInfo(std::string& unitStr, float& scale, float& shif
   });
 }
 
+/// QUIRK: the shift is never handed out, here and in the forms below: it shows in the answer alone. Hosts add what they
+/// get to every value, and do the shift of a temperature themselves when they are told that the factor is not exact.
+/// Pinned by BaseUnit.WithAShiftIsNotExactAndNeverGivesIt.
 bool ORVUnit::GetSIConversionFactors(double& scale, double& shift) {
   scale = static_cast<double>(m_scale);
   shift = 0.0;

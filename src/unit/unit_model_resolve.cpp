@@ -38,6 +38,9 @@ std::vector<std::size_t> ByDimension(const std::vector<ORVUnit*>& units, std::si
   return order;
 }
 
+/// QUIRK: units of one dimension are merged whatever their scales, without a correction. The list tells hosts the
+/// dimension of a quantity, and its factor is asked for elsewhere. Pinned by
+/// VariableUnit.MergesUnitsOfDifferentScaleWithoutCorrection.
 UnitList MergeByDimension(const std::vector<ORVUnit*>& units, const std::vector<float>& exponents) {
   UnitList merged;
   for (const std::size_t place : ByDimension(units, PairsOf(units, exponents))) {

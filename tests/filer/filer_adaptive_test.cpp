@@ -67,6 +67,24 @@ TEST_P(FilerFathers, OfOtherTypesAnswerOneAndLeaveAnEmptyBlock) {
   EXPECT_EQ(block_.m_entid, nullptr);
 }
 
+TEST_P(FilerFathers, MayBeReadIntoOneBlockAfterAnother) {
+  Add("NODE_FATHERS", {"NODE", "NODE"});
+  Add("SHELL_FATHERS", {"SHELL", "SHELL"}, InState(1, "collector"));
+  AddCollectors(file_, InState(2, "collector"), "SHELL_FATHERS", GetParam(), {"SHELL", "SHELL"}).integer("nindex", 4);
+  ASSERT_EQ(Filer().ReadNodeFathers(&block_, 0), 0);
+  Filer().CleanUpCollector(&block_);
+  ASSERT_EQ(Filer().ReadShellFathers(&block_, 2), 0);
+  EXPECT_STREQ(block_.m_etypcoll, "SHELL_FATHERS");
+  EXPECT_EQ(block_.m_nindex, 4);
+  Filer().CleanUpCollector(&block_);
+  ASSERT_EQ(Filer().ReadShellFathers(&block_, 1), 0);
+  EXPECT_EQ(block_.m_nindex, 0);
+  Filer().CleanUpCollector(&block_);
+  EXPECT_EQ(Filer().ReadShellFathers(&block_, 0), 1);
+  ASSERT_EQ(Filer().ReadNodeFathers(&block_, 0), 0);
+  EXPECT_STREQ(block_.m_etyp, "NODE");
+}
+
 TEST_P(FilerFathers, AreNotReadWithoutBlockOrFile) {
   Add("NODE_FATHERS", {"NODE", "NODE"});
   EXPECT_EQ(Filer().ReadNodeFathers(nullptr, 0), 1);

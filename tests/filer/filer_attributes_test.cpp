@@ -11,6 +11,7 @@
 
 #include "entity/entity_list_forge.h"
 #include "orvio/orv_filer.h"
+#include "support/messages.h"
 #include "support/orv_test.h"
 
 namespace orv_test {
@@ -200,6 +201,35 @@ TEST_P(FilerAttributes, OfIdentifiersAreReadFromTheirGroup) {
   Filer().CleanUpEntIdentifiers(&identifiers);
   EXPECT_EQ(identifiers.m_entid, nullptr);
   EXPECT_EQ(Filer().ReadEntIdentifiers(nullptr, kBoth, 0), 1);
+}
+
+TEST_P(FilerAttributes, OfIdentifiersOfAStateAreReadThere) {
+  Add("NODE", kIdentifiers);
+  Add("SHELL", InState(1, "identifiers"));
+  ORVIdentifiers identifiers;
+  std::strcpy(identifiers.m_etyp, "SHELL");
+  EXPECT_EQ(Filer().ReadEntIdentifiers(&identifiers, kBoth, 0), 1);
+  ASSERT_EQ(Filer().ReadEntIdentifiers(&identifiers, kBoth, 1), 0);
+  EXPECT_THAT(Ints(identifiers.m_entid, 3), ElementsAre(11, 12, 13));
+  Filer().CleanUpEntIdentifiers(&identifiers);
+  std::vector<ORVIdentifiers*> blocks;
+  Filer().GetEntityIdentifiers(1, 1, blocks);
+  ASSERT_EQ(blocks.size(), 1U);
+  EXPECT_STREQ(blocks[0]->m_etyp, "SHELL");
+  EXPECT_EQ(blocks[0]->m_entid, nullptr);
+  Filer().CleanUpEntityIdentifierList(blocks);
+}
+
+TEST_P(FilerAttributes, ThatCannotBeReadAreToldByTheAnswerAlone) {
+  const Messages messages;
+  Add("NODE");
+  DataOf("NODE").drop("entid");
+  EXPECT_EQ(Read(kBoth), 1);
+  EXPECT_THAT(NamesOfAll(kBoth), IsEmpty());
+  Add("NODE").drop("nent");
+  EXPECT_EQ(Read(1), 1);
+  EXPECT_EQ(Read(kBoth, 1), 1);
+  EXPECT_THAT(messages.all(), IsEmpty());
 }
 
 // ---- Hostile counts

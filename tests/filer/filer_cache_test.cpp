@@ -78,6 +78,39 @@ TEST_P(FilerCache, HoldsDatasetsOfListedBlocks) {
   EXPECT_EQ(Held(*Multi()), (Floats{5, 6, 7, 8}));
 }
 
+TEST_P(FilerCache, HoldsValuesAndIndexValuesWhereNoNamesAreGiven) {
+  model_.in_state(3, {.variable = "SPEED", .nent = 2, .values = {8, 9}, .ids = {10, 20}, .index = {.5F}});
+  (void)model_.path();
+  Names none;
+  for (Names* names : {&none, static_cast<Names*>(nullptr)}) {
+    EXPECT_EQ(filer_->CacheData(Single(), 3, names, false), 0);
+    EXPECT_EQ(Held(*Single(), 3), (Floats{8, 9, -1, -1}));
+    float index = -1;
+    Single()->m_indexval = &index;
+    Single()->m_nindex = 1;
+    EXPECT_EQ(Single()->FillFromCacheData(3, ORV_ATT_INDEXVAL, 0, nullptr, nullptr), 0);
+    EXPECT_EQ(index, .5F);
+    Single()->m_indexval = nullptr;
+    Ints ids(2, -1);
+    Single()->m_entid = ids.data();
+    EXPECT_EQ(Single()->FillFromCacheData(3, ORV_ATT_IDS, 0, nullptr, nullptr), 1);
+    Single()->m_entid = nullptr;
+    filer_->ClearCacheData(1);
+  }
+}
+
+TEST_P(FilerCache, HoldsDoublesAsFloatsWhereThatIsWanted) {
+  model_.file().at(model_.Part(ForgedModel::StateGroup(1) + "/entityresults/NODE/SPEED", "data"));
+  model_.file().dataset<double>("res", {2, 1}, {.5, .25});
+  (void)model_.path();
+  Names names = {"res"};
+  ASSERT_EQ(filer_->CacheData(Single(), 1, &names, false), 0);
+  EXPECT_EQ(Held(*Single()), Floats{});
+  filer_->ClearCacheData(1);
+  ASSERT_EQ(filer_->CacheData(Single(), 1, &names, true), 0);
+  EXPECT_EQ(Held(*Single()), (Floats{.5F, .25F, -1, -1}));
+}
+
 TEST_P(FilerCache, NeedsABlock) {
   Names names = {"res"};
   EXPECT_EQ(filer_->CacheData(nullptr, 1, &names, false), 1);

@@ -11,6 +11,7 @@
 
 #include "entity/entity_list_forge.h"
 #include "orvio/orv_filer.h"
+#include "support/messages.h"
 #include "support/orv_test.h"
 
 namespace orv_test {
@@ -330,6 +331,19 @@ TEST_P(FilerCollectors, ThatAreNotThereAnswerOneAndAreEmpty) {
   DataOf("PAIRS").drop("entid");
   EXPECT_EQ(ReadValid("PAIRS", {}), 1);
   ExpectEmpty();
+}
+
+TEST_P(FilerCollectors, ThatCannotBeReadAreToldByTheAnswerAlone) {
+  const Messages messages;
+  Add("PAIRS");
+  EXPECT_EQ(ReadValid("PAIRS", {"NODE"}), 1);
+  DataOf("PAIRS").drop("nent");
+  EXPECT_EQ(ReadValid("PAIRS", {}), 1);
+  EXPECT_THAT(NamesOfAll(kBoth), IsEmpty());
+  HeaderOf("PAIRS").drop("ncoll");
+  EXPECT_EQ(ReadValid("PAIRS", {}), 1);
+  EXPECT_EQ(ReadValid("PAIRS", {}, 1), 1);
+  EXPECT_THAT(messages.all(), IsEmpty());
 }
 
 TEST_P(FilerCollectors, OfAStateLoseTheirIndexWhenReadByName) {

@@ -82,6 +82,32 @@ TEST_P(FilerFetch, DeliversDoublesAndConstants) {
   EXPECT_EQ(values.values(), (std::vector<double>{5, 6}));
 }
 
+TEST_P(FilerFetch, TakesEachOfItsThreeNamesForAQuantityInBothPrecisions) {
+  Results blocks = filer_->GetResultList(1);
+  ORVExtVar& handle = Handle("SPEED", 1);
+  handle.SetEID(300);
+  FetchedValues<double> doubles;
+  doubles.m_state = values_.m_state = 2;
+  const auto floats_of = [&](int ext_id, int result_type, const char* variable) {
+    EXPECT_EQ(filer_->GetValues(values_, blocks, ext_id, result_type, variable), 0);
+    const Floats found = values_.values();
+    values_.DeleteAllocation(true);
+    return found;
+  };
+  const auto doubles_of = [&](int ext_id, int result_type, const char* variable) {
+    EXPECT_EQ(filer_->GetValues(doubles, blocks, ext_id, result_type, variable), 0);
+    const std::vector<double> found = doubles.values();
+    doubles.DeleteAllocation(true);
+    return found;
+  };
+  EXPECT_EQ(floats_of(handle.GetIID(), -1, nullptr), (Floats{2, 5, 8}));
+  EXPECT_EQ(floats_of(-1, 300, nullptr), (Floats{2, 5, 8}));
+  EXPECT_EQ(floats_of(-1, -1, "MASS"), (Floats{5, 6}));
+  EXPECT_EQ(doubles_of(handle.GetIID(), -1, nullptr), (std::vector<double>{2, 5, 8}));
+  EXPECT_EQ(doubles_of(-1, 300, nullptr), (std::vector<double>{2, 5, 8}));
+  EXPECT_EQ(doubles_of(-1, -1, "MASS"), (std::vector<double>{5, 6}));
+}
+
 TEST_P(FilerFetch, ByRequestAloneFiltersByOneExternalIdAndFetchesAnother) {
   Handle("SPEED", 0).SetEID(100);
   Handle("SPEED", 2).SetEID(300);

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -61,6 +61,9 @@ TEST_F(Filer, WithoutAContainerAnswersNullAndFailure) {
   EXPECT_EQ(filer.GetFileVersion(), nullptr);
   EXPECT_EQ(filer.GetMajorVersion(), 1);
   EXPECT_EQ(filer.GetAvailableDataset(), 0);
+  EXPECT_EQ(filer.GetTitle(), nullptr);
+  EXPECT_EQ(filer.GetSolverName(), nullptr);
+  EXPECT_EQ(filer.GetSolverVersion(), nullptr);
   EXPECT_FALSE(filer.HasRootGroup("post"));
   EXPECT_EQ(filer.ReadBlock(&block, 0, ORV_READ_HEADER), 1);
 }
@@ -196,13 +199,31 @@ TEST_F(FilerFacts, AFileThatCannotBeReadHasVersionZeroForTheLifeOfTheFiler) {
   EXPECT_EQ(filer.GetMajorVersion(), 0);
 }
 
+TEST_F(FilerFacts, AFilerWithoutAPathHasVersionZero) {
+  ORVFiler filer(nullptr);
+  const ORVFileVersion* version = filer.GetFileVersion();
+  ASSERT_NE(version, nullptr);
+  EXPECT_EQ(version->m_major, 0);
+  EXPECT_EQ(version->m_minor, 0);
+  EXPECT_EQ(version->m_patch, 0);
+}
+
+TEST_F(FilerFacts, AVersionThatCouldNotBeReadIsNotAskedForAgain) {
+  ORVFiler filer(TempPath("later.orv").c_str());
+  ASSERT_EQ(filer.GetMajorVersion(), 0);
+  std::filesystem::copy_file(ForgedFile().header(2, 1, 0).path(), TempPath("later.orv"));
+  EXPECT_EQ(filer.GetMajorVersion(), 0);
+  EXPECT_EQ(ORVFiler(TempPath("later.orv").c_str()).GetMajorVersion(), 2);
+}
+
 TEST_F(FilerFacts, RootGroupsAreFoundByName) {
   ForgedFile file;
-  file.group("/mmc");
+  file.group("/mmc").at("/").dataset<float>("values", {1}, {1});
   ORVFiler filer(file.path().c_str());
   EXPECT_TRUE(filer.HasRootGroup("post"));
   EXPECT_TRUE(filer.HasRootGroup("mmc"));
   EXPECT_FALSE(filer.HasRootGroup("CATCSM"));
+  EXPECT_FALSE(filer.HasRootGroup("values"));
   EXPECT_FALSE(filer.HasRootGroup(nullptr));
   ORVFiler missing(TempPath("missing.orv").c_str());
   EXPECT_FALSE(missing.HasRootGroup("post"));
@@ -224,6 +245,16 @@ TEST_F(FilerFacts, AvailableDataNeedVariables) {
   filer.data().variables.push_back(new ORVVariable);
   EXPECT_EQ(filer.GetAvailableDataset(), 1);
   filer.data().multi_results.push_back(new ORVResult(ORV_RESULT_MULTI_ENTITY));
+  EXPECT_EQ(filer.GetAvailableDataset(), 3);
+}
+
+TEST_F(FilerFacts, AvailableDataOfOneStateMayBePropertiesAlone) {
+  OpenFiler filer("a.orv");
+  filer.data().variables.push_back(new ORVVariable);
+  EXPECT_EQ(filer.GetAvailableDataset(), 0);
+  filer.data().multi_results.push_back(new ORVResult(ORV_RESULT_MULTI_ENTITY));
+  EXPECT_EQ(filer.GetAvailableDataset(), 2);
+  filer.data().properties.push_back(new ORVProperties);
   EXPECT_EQ(filer.GetAvailableDataset(), 3);
 }
 

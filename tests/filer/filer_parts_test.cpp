@@ -9,6 +9,7 @@
 
 #include "entity/part_forge.h"
 #include "orvio/orv_filer.h"
+#include "support/messages.h"
 #include "support/orv_test.h"
 
 namespace orv_test {
@@ -131,6 +132,16 @@ TEST_P(FilerPartsLayout, HaveTheirLongIdsMadeSmaller) {
   EXPECT_THAT(material_types_, ElementsAre(1, 2));
 }
 
+TEST_P(FilerPartsLayout, MayBeAskedForByANameOfTheListThatTakesTheirNames) {
+  const std::string type = "PARTS_OF_A_LONG_NAME_OF_THEIR_OWN";  // a copy of it is not kept in place
+  AddParts(file_, "/post/constant/parts/" + type, GetParam());
+  names_ = {type};
+  ORVFiler filer(file_.path().c_str());
+  EXPECT_EQ(filer.GetPartIdsAndNames(names_[0], ids_, names_, 0), 2U);
+  EXPECT_THAT(ids_, ElementsAre(7, 9));
+  EXPECT_THAT(names_, ElementsAre("", ""));
+}
+
 // ---- None
 
 TEST_P(FilerPartsLayout, OfAnUnknownTypeAreNone) {
@@ -158,6 +169,16 @@ TEST_P(FilerPartsLayout, WithDataThatCannotBeReadAreNone) {
   Data().dataset<std::int32_t>("pid", {2}, {7, 9}).dataset<double>("mtyp", {2}, {1., 2.});
   EXPECT_EQ(Ask(), 0U);
   ExpectNothing();
+}
+
+TEST_P(FilerPartsLayout, ThatCannotBeReadAreToldByTheCountAlone) {
+  const Messages messages;
+  EXPECT_EQ(Ask("BODY"), 0U);
+  Data().drop("pid");
+  EXPECT_EQ(Ask(), 0U);
+  Header().drop("npart");
+  EXPECT_EQ(Ask(), 0U);
+  EXPECT_THAT(messages.all(), IsEmpty());
 }
 
 TEST_P(FilerPartsLayout, WithCountsThatAreNotTheStoredOnesAreNone) {

@@ -342,6 +342,17 @@ TEST_P(FilerPrecision, LooksForAFilterBehindAMultiStateBlockAmongConstants) {
   EXPECT_TRUE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
 }
 
+TEST_P(FilerPrecision, OfAFileThatCannotBeOpenedIsNeitherDoubleNorFiltered) {
+  FilerWithResults filer;
+  Results blocks = {filer.Add("COORDINATE"), filer.Add("A", 1050)};
+  EXPECT_FALSE(filer.IsAnyDoublePrecisionResult(1, 1));
+  EXPECT_FALSE(filer.IsAnyDoublePrecisionResult(2, 1));
+  EXPECT_FALSE(filer.IsResultValueInDoublePrecision(blocks, 1));
+  EXPECT_FALSE(filer.HasDoublePrecisionNodeCoordinates());
+  EXPECT_FALSE(filer.IsAnyResultDatasetHasH5Filter(H5Z_FILTER_SHUFFLE));
+  EXPECT_EQ(filer.data().filter_memo.at(H5Z_FILTER_SHUFFLE), 0);  // that is an answer, too
+}
+
 TEST_P(FilerPrecision, ForgetsItsAnswersAboutFiltersAtAStart) {
   model_.variable({.name = "A", .key = "A"}).in_state(1, {.etyp = "Node", .variable = "A", .nent = 4});
   const std::string data = model_.Part(ForgedModel::StateGroup(1) + "/entityresults/Node/A", "data");

@@ -196,6 +196,30 @@ TEST_F(FilerResults, ByTheInternalIdOfAHandle) {
             (Results{speed_}));
 }
 
+TEST_F(FilerResults, AreOfTheKindAndTheListThatEachLookupIsGiven) {
+  Entities entities = {Entity(50), Entity(103)};
+  std::vector<int> base_types = {1, 2};
+  Names names = {"SPEED", "STRESS", "S"}, components = {"Speed_X", "Stress_XX", "History_X"};
+  filer_.AddHandle(history_, 3, "History_X");
+  const auto with_each = [&](int type, int flags) {
+    return std::vector<Results>{
+        Found([&](Results& out) { filer_.GetResultBlks(entities, names, out, type, flags); }),
+        Found([&](Results& out) { filer_.GetResultBlks(base_types, names, out, type, flags); }),
+        Found([&](Results& out) { filer_.GetResultBlks(names, out, type, flags, false); }),
+        Found(
+            [&](Results& out) { filer_.GetResultBlksByVariableNameFlag(base_types, names, out, type, flags, false); }),
+        Found([&](Results& out) { filer_.GetResultBlksFrmCmp(base_types, components, out, type, flags); }),
+        Found([&](Results& out) { filer_.GetResultBlksFrmCmp(entities, components, out, type, flags); }),
+    };
+  };
+  for (const Results& found : with_each(1000, 1)) EXPECT_EQ(found, (Results{speed_}));
+  for (const Results& found : with_each(1100, 3)) EXPECT_EQ(found, (Results{shells_}));
+  for (const Results& found : with_each(1050, 2)) EXPECT_EQ(found, (Results{history_}));
+  for (const Results& found : with_each(1050, 1)) EXPECT_EQ(found, Results());
+  for (const Results& found : with_each(1000, 2)) EXPECT_EQ(found, Results());
+  for (const Results& found : with_each(1000, 0)) EXPECT_EQ(found, Results());
+}
+
 TEST_F(FilerResults, OfTheSameQuantityStandInTheListOfTheSample) {
   EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmResBlk(*speed_, out, true); }), (Results{speed_}));
   EXPECT_EQ(Found([&](Results& out) { filer_.GetResultBlksFrmResBlk(*history_, out, false); }), (Results{history_}));

@@ -9,6 +9,7 @@
 #include "filer/container.h"
 #include "orvio/orv_filer.h"
 #include "orvio/orv_variable.h"
+#include "orvio/orv_variable_grp.h"
 #include "support/orv_test.h"
 
 namespace {
@@ -78,7 +79,25 @@ TEST_F(FilerVariables, OneByOneAreTheFirstOfTheirName) {
   EXPECT_EQ(filer_.GetVariable("SPEED"), speed_);
   EXPECT_EQ(filer_.GetVariable("V"), nullptr);
   EXPECT_EQ(filer_.GetVariable(nullptr), nullptr);
+}
+
+TEST_F(FilerVariables, InGroupsAreThoseOfTheFirstGroupOfAName) {
+  for (const char* name : {"Loads", "LOADS", "Steps"}) {
+    auto group = std::make_unique<ORVVariableGrp>();
+    std::strcpy(group->m_grpName, name);
+    filer_.data().variable_groups.push_back(group.release());  // the filer owns it
+  }
+  EXPECT_EQ(filer_.GetVariableGroup("loads"), filer_.GetVariableGroups().at(0));
+  EXPECT_EQ(filer_.GetVariableGroup("steps"), filer_.GetVariableGroups().at(2));
+  EXPECT_EQ(filer_.GetVariableGroup("Speed"), nullptr);
   EXPECT_EQ(filer_.GetVariableGroup(nullptr), nullptr);
+}
+
+TEST_F(FilerVariables, AreListedAsTheyWereRead) {
+  EXPECT_EQ(filer_.GetVariables(), (Variables{speed_, second_speed_, heat_, second_v_}));
+  EXPECT_TRUE(filer_.GetVariableGroups().empty());
+  EXPECT_EQ(filer_.GetIndexTypes(), nullptr);
+  EXPECT_EQ(filer_.GetSystem(), nullptr);
 }
 
 }  // namespace

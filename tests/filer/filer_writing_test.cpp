@@ -105,6 +105,53 @@ TEST_F(FilerWriting, AppendMakesAMissingFile) {
   EXPECT_TRUE(RawFile(path).exists("/post/singlestate"));
 }
 
+TEST_F(FilerWriting, AppendWithTheTreeKeptMakesAMissingFileWithoutOne) {
+  const std::string path = TempPath("new.orv");
+  ORVFiler filer(nullptr);
+  EXPECT_EQ(filer.InitForWriting(path.c_str(), ORV_VERSION_2_2, ORV_FILE_APPEND, true), 0);
+  EXPECT_TRUE(RawFile(path).tree().empty());
+}
+
+TEST_F(FilerWriting, CreateMakesTheTreeWhetherItIsToBeKeptOrNot) {
+  const std::string path = Make(ORV_VERSION_1_1);
+  ORVFiler filer(nullptr);
+  EXPECT_EQ(filer.InitForWriting(path.c_str(), ORV_VERSION_2_2, ORV_FILE_CREATE, true), 0);
+  EXPECT_TRUE(RawFile(path).exists("/post/constant/identifiers"));
+  EXPECT_FALSE(RawFile(path).exists("/post/constant/variables"));
+}
+
+TEST_F(FilerWriting, AFileWhoseTreeCouldNotBeMadeIsWrittenToAllTheSame) {
+  const std::string path = Make(ORV_VERSION_2_0);
+  ORVFiler filer(nullptr);
+  ASSERT_EQ(filer.InitForWriting(path.c_str(), ORV_VERSION_2_1, ORV_FILE_APPEND, false), 1);
+  NotingBlock block;
+  EXPECT_EQ(filer.WriteBlock(&block, 0, ORV_WRITE_HEADER), 0);
+  EXPECT_EQ(block.path, path);
+  EXPECT_EQ(block.version, 4);
+}
+
+TEST_F(FilerWriting, AFileThatCannotBeOpenedLeavesTheOneBefore) {
+  ORVFiler filer(nullptr);
+  ASSERT_EQ(filer.InitForWriting(TempPath("a.orv").c_str(), ORV_VERSION_2_1, ORV_FILE_CREATE, false), 0);
+  ASSERT_EQ(filer.InitForWriting(TempPath("no/b.orv").c_str(), ORV_VERSION_1_0, ORV_FILE_CREATE, false), 4);
+  NotingBlock block;
+  EXPECT_EQ(filer.WriteBlock(&block, 0, ORV_WRITE_HEADER), 0);
+  EXPECT_EQ(block.path, TempPath("a.orv"));
+}
+
+TEST_F(FilerWriting, AssignedFilersWriteToTheSameFile) {
+  ORVFiler second(nullptr);
+  {
+    ORVFiler first(nullptr);
+    ASSERT_EQ(first.InitForWriting(TempPath("a.orv").c_str(), ORV_VERSION_2_1, ORV_FILE_CREATE, false), 0);
+    second = first;
+  }
+  NotingBlock block;
+  EXPECT_EQ(second.GetMajorWriteVersion(), 2);
+  EXPECT_EQ(second.WriteBlock(&block, 0, ORV_WRITE_HEADER), 0);
+  EXPECT_EQ(block.path, TempPath("a.orv"));
+}
+
 TEST_F(FilerWriting, WritesBlocksInTheVersionItWasToldAndPutsTheOldOneBack) {
   ORVSetCurrentWriterVersion(2);
   const std::string path = TempPath("made.orv");
@@ -171,9 +218,31 @@ TEST_F(FilerWriting, WritesABlockAtAPathThatItMakes) {
   std::vector<float> values = {1.5F, 2.5F};
   ORVResult result = TemperatureBlock(values);
   EXPECT_EQ(filer.WriteBlkGivenPath(&result, "/extra/place", ORV_WRITE_HEADER | ORV_WRITE_DATA), 0);
+  EXPECT_EQ(ORVGetCurrentWriterVersion(), 1);
   const RawFile file(path);
   EXPECT_EQ(file.values<float>("/extra/place/orvblock/res"), (std::vector<float>{1.5F, 2.5F}));
   EXPECT_EQ(filer.WriteBlkGivenPath(nullptr, "/extra/place", ORV_WRITE_HEADER), 1);
+}
+
+TEST_F(FilerWriting, CompressesABlockAtAPathByTheBlocksOwnDigitsOnly) {
+  const std::string path = TempPath("made.orv");
+  ORVFiler filer(nullptr);
+  ASSERT_EQ(filer.InitForWriting(path.c_str(), ORV_VERSION_2_2, ORV_FILE_CREATE, false), 0);
+  std::vector<float> values = {1.5F, 2.5F};
+  ORVResult result = TemperatureBlock(values);
+  ORVFiler::SetGlobalCompressionParameters(1, 3);
+  EXPECT_EQ(filer.WriteBlkGivenPath(&result, "/plain", ORV_WRITE_HEADER | ORV_WRITE_DATA), 0);
+  int on = 9, digits = 9;
+  OH5GetCompression(&on, &digits);
+  ORVFiler::SetGlobalCompressionParameters(0, -1);
+  EXPECT_EQ(on, 1);
+  EXPECT_EQ(digits, 3);
+  result.m_nCompressionFactor = 2;
+  EXPECT_EQ(filer.WriteBlkGivenPath(&result, "/packed", ORV_WRITE_HEADER | ORV_WRITE_DATA), 0);
+  const RawFile file(path);
+  EXPECT_TRUE(file.filters("/plain/orvblock/res").empty());
+  EXPECT_EQ(file.layout("/plain/orvblock/res"), H5D_CONTIGUOUS);
+  EXPECT_EQ(file.filters("/packed/orvblock/res"), std::vector<int>{H5Z_FILTER_SCALEOFFSET});
 }
 
 TEST_F(FilerWriting, DeletesLinksBelowThePathOfTheBlock) {

@@ -9,6 +9,7 @@
 
 #include "filer/container.h"
 #include "filer/process_state.h"
+#include "filer/start_up.h"
 #include "orvio/orv_filer.h"
 #include "support/forged_model.h"
 #include "support/messages.h"
@@ -464,6 +465,18 @@ TEST_F(StartUp, GivesAGroupWithAnEmptyKeyTheFirstVariableWithoutOne) {
   EXPECT_THAT(filer.GetVariableGroup("G")->m_variables, ElementsAre(filer.GetVariable("A"), filer.GetVariable("A")));
 }
 
+TEST_F(StartUp, SurvivesAGroupThatLostItsHeader) {
+  ForgedModel model(ForgedModel::kSplit);
+  model.variable({.name = "SPEED"}).index_types({"TIME"}).in_state(1, Result("SPEED", 4));
+  model.group("G", 2, {{"", 1, 0}, {"", 1, 1}}).group("H", 1, {{"", 1, 0}});
+  model.file().at("/post/constant/variablegroup/H").drop("header");
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  ASSERT_EQ(filer.GetVariableGroups().size(), 1U);
+  EXPECT_STREQ(filer.GetVariableGroups()[0]->m_grpName, "G");
+}
+
 TEST_F(StartUp, TellsInTheOrderOfItsSteps) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S"}).group("G", 2, {{"Gone", 1, 0}, {"S", 1, 1}});
@@ -667,6 +680,18 @@ TEST_F(StartUp, GivesMultiStateBlocksReadLaterTheIdsBehindTheLargest) {
   ASSERT_EQ(filer.ReadMultiStateBlocks(false), 0);
   ASSERT_NE(filer.GetExtVariable("Force"), nullptr);
   EXPECT_EQ(filer.GetExtVariable("Force")->GetIID(), next_id);
+}
+
+TEST_F(StartUp, HasItsNextIdBehindTheLargestAndFromOneOn) {
+  EXPECT_EQ(orvio::NextHandleId({}), 1);
+  ORVExtVar low, high;
+  low.SetIID(-9);
+  EXPECT_EQ(orvio::NextHandleId({&low}), 1);
+  high.SetIID(41);
+  low.SetIID(7);
+  EXPECT_EQ(orvio::NextHandleId({&high, &low}), 42);
+  low.SetIID(2147483647);
+  EXPECT_EQ(orvio::NextHandleId({&high, &low}), 2147483647);
 }
 
 TEST_F(StartUp, LeavesTheConfigurationAloneWhereNoMultiStateBlocksAreRead) {

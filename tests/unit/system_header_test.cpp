@@ -67,6 +67,22 @@ TEST_F(SystemHeader, WithAnUnreadableCversionIsReadAndKnowsNoVersion) {
   EXPECT_EQ(system.m_cversion, -1);
 }
 
+TEST_F(SystemHeader, WithoutCversionForgetsThatOfTheFileBefore) {
+  for (const bool dropped : {true, false}) {
+    ForgedFile file = ForgeSystem();
+    TestSystem system;
+    ASSERT_EQ(system.Header(file), 0);
+    ASSERT_EQ(system.m_cversion, 5);
+    if (dropped) {
+      file.drop("cversion");
+    } else {
+      file.retype("cversion");
+    }
+    EXPECT_EQ(system.Header(file), 0);
+    EXPECT_EQ(system.m_cversion, -1);
+  }
+}
+
 TEST_F(SystemHeader, EndsAtTheFirstThatIsMissing) {
   ForgedFile file = ForgeSystem();
   file.drop("mdate");
