@@ -41,6 +41,8 @@ int ORVEleActivation::WriteBlock(const char* path, int state, int mode) {
   return h5::Entry(kFail, [&] {
     const WriteAccess access;
     process().g_hLastFile = H5I_INVALID_HID;
+    // QUIRK: the state is found by its name, that of other blocks by its position. Solvers number the states of their flags
+    // themselves and may be ahead of the results. Pinned by ActivationWrite.FindsAStateByItsName.
     return WriteIntoHome(*this, OpenHomeInNamedState(path, state, disk::activflags), Content(m_etyp),
                          ExistingName::kIsRefused, mode);
   });

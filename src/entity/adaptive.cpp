@@ -40,7 +40,8 @@ bool IsValid(const ORVCollector& block, const std::vector<std::string_view>& typ
 
 int ReadValidCollector(const char* file, int state, std::string_view name, const std::vector<std::string_view>& types,
                        ORVCollector& block) {
-  // The index is not read in a state either: what was set for it is only taken away.
+  // QUIRK: the index is not read in a state either: what was set for it is only taken away. Hosts have no room for one
+  // when they ask for fathers. Pinned by FilerCollectors.OfAStateLoseTheirIndexWhenReadByName.
   const int mode = state > 0 ? kAll : kHeaderAndData;
   block.InitializeBlock(mode);
   Assign(block.m_etypcoll, name);

@@ -76,7 +76,10 @@ int ORVEntAttribute::WriteBlock(const char* path, int state, int mode) {
         FitsStoredBlock(home.group.get(), name,
                         {{disk::entid, {m_nent}}, {disk::uid, {m_nent, m_nuid}}, {disk::title, {m_nent}, width}});
     if (mode & ORV_WRITE_DATA && !fits) return kFail;
-    const int written = mode & ~ORV_WRITE_INDEX;  // the group of an index is made, the index left to WriteIndex
+    // QUIRK: the group of an index is made, the index left to WriteIndex. Hosts ask for all parts and set no index; the
+    // state tells what these blocks hold for. Pinned by
+    // AttributeWriteVersion.WithEveryPartAskedForStoresHeaderAndDataOnly.
+    const int written = mode & ~ORV_WRITE_INDEX;
     return WriteIntoHome(std::move(home), name, ExistingName::kIsWrittenInto, mode,
                          [&](const BlockParts& parts) { return WriteStages(*this, parts, written); });
   });

@@ -99,6 +99,8 @@ int ORVCollector::ReadIndex(hid_t index, int mode) {
                        m_indexval);
 }
 
+// QUIRK: collectors are not walked over the states, whatever is asked. Files have them in few states, and hosts take the
+// answer for the sign to ask state by state. Pinned by CollectorData.IsNotWalkedOverTheStates.
 int ORVCollector::IterateBlockOver(const char* /*path*/, int /*stages*/, ORVIterationCallBack /*action*/, int /*first*/,
                                    int /*last*/, int /*step*/, const char* /*name*/, int /*reverse*/) {
   return kFail;

@@ -57,6 +57,8 @@ int ORVEleConnectivity::WriteIndex(hid_t index) {
 
 int ORVEleConnectivity::WriteBlock(const char* path, int state, int mode) {
   if (!path) return kFail;
+  // QUIRK: state 0 alone has no index. A state below it goes to the constant section with its index: so do hosts store a
+  // constant mesh that has one. Pinned by ConnectivityWrite.TakesANegativeStateForTheConstantSection.
   const int stages = state != 0 ? mode : mode & ~ORV_WRITE_INDEX;
   return h5::Entry(kFail, [&] {
     const WriteAccess access;

@@ -128,6 +128,8 @@ void ReadStateIndexDP(ORVContainer& data, bool skip, bool force) {
   ReadFromStates(data.m_pStateIndexDP, data.stale_indexes.state_dp, data.path, skip, force);
 }
 
+/// QUIRK: the table is read though multi-state data are to be skipped. Hosts that leave the results of that section out
+/// still ask which states it covers. Pinned by FilerIndex.OfTheMultiStateSectionIsReadThoughItShallBeSkipped.
 void ReadMultiStateIndex(ORVContainer& data, bool force) {
   if (!NeedsFilling(data.m_pMultiStateIndex, ORV_RESULT_MULTI_ENTITY, data.stale_indexes.multi_state, force)) return;
   ORVIndexBase<int, float>& index = *data.m_pMultiStateIndex;

@@ -150,6 +150,22 @@ TEST_F(AttributeHeader, TakesANameThatFillsItsField) {
   EXPECT_EQ(std::string(block_.m_etyp), std::string(256, 'E'));
 }
 
+/// Reaches what the block protocol calls.
+class OpenIdentifiers : public ORVIdentifiers {
+ public:
+  using ORVIdentifiers::AppendBlockSchema;
+};
+
+TEST_F(AttributeHeader, TheNameIsTheLastLevelOfThePath) {
+  OpenIdentifiers block;
+  std::strcpy(block.m_etyp, "NODE");
+  std::string path;
+  EXPECT_EQ(block.AppendBlockSchema(path), 0);
+  EXPECT_EQ(path, "NODE");
+  EXPECT_EQ(block.AppendBlockSchema(path), 0);
+  EXPECT_EQ(path, "NODE/NODE");
+}
+
 TEST_F(AttributeHeader, IsNotReadByTheInfoStage) {
   Entities();
   std::strcpy(block_.m_etyp, "NODE");

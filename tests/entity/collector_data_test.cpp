@@ -197,6 +197,16 @@ TEST_P(CollectorData, IsNotWalkedOverTheStates) {
   EXPECT_THAT(visited, IsEmpty());
 }
 
+TEST_P(CollectorData, IsReadOverTheStatesByTheNameGiven) {
+  visited.clear();
+  AddCollectors(file_, InState(1, "collector"), "OTHER", GetParam());
+  AddCollectors(file_, InState(2, "collector"), "PAIRS", GetParam());
+  const std::string path = file_.path();
+  EXPECT_EQ(block_.ReadBlockOver(path.c_str(), ORV_READ_HEADER, Record, 1, 1, 1, "collector/OTHER"), 0);
+  // The block keeps its name where the single layout is not looked into.
+  EXPECT_THAT(visited, ElementsAre(GetParam() == Layout::kSplit ? "OTHER" : "PAIRS"));
+}
+
 TEST_P(CollectorData, IsWalkedInOneSection) {
   visited.clear();
   AddCollectors(file_, kCollectors, "OTHER", GetParam());

@@ -114,6 +114,22 @@ TEST_P(CollectorHeader, IsNotReadByTheInfoStage) {
   EXPECT_EQ(block_.m_ncoll, 0);
 }
 
+/// Reaches what the block protocol calls.
+class OpenCollector : public ORVCollector {
+ public:
+  using ORVCollector::AppendBlockSchema;
+};
+
+TEST_P(CollectorHeader, TheNameIsTheLastLevelOfThePath) {
+  OpenCollector block;
+  std::strcpy(block.m_etypcoll, "PAIRS");
+  std::string path;
+  EXPECT_EQ(block.AppendBlockSchema(path), 0);
+  EXPECT_EQ(path, "PAIRS");
+  EXPECT_EQ(block.AppendBlockSchema(path), 0);
+  EXPECT_EQ(path, "PAIRS/PAIRS");
+}
+
 // ---- Members
 
 class CollectorMembers : public OrvTest {

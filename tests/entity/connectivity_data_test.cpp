@@ -430,6 +430,13 @@ TEST_P(ConnectivityData, ReadsEachItemByItsCode) {
   EXPECT_THAT(Floats(room_.fparam, 4), ElementsAre(0.5F, 1.5F, 2.5F, 3.5F));
 }
 
+TEST_P(ConnectivityData, ReadsAnItemOfTheSingleLayoutWhereABlockHasBoth) {
+  AddMesh(file_, kShell, Layout::kSplit).integer("nele", 98);
+  AddMesh(file_, kShell, Layout::kSingle).integer("nele", 99);
+  EXPECT_EQ(ReadOne(5), 0);
+  EXPECT_EQ(block_.m_nele, 99);
+}
+
 TEST_P(ConnectivityData, ReadsNothingForOtherCodes) {
   AddFloatParameters();
   AddIndex();

@@ -248,6 +248,23 @@ TEST_F(ConnectivityHeader, RefusesACountOfSeveralValues) {
   EXPECT_EQ(block_.m_nele, 0);
 }
 
+/// Reaches what the block protocol calls.
+class OpenConnectivity : public ORVEleConnectivity {
+ public:
+  using ORVEleConnectivity::AppendBlockSchema;
+};
+
+TEST_F(ConnectivityHeader, TheElementTypeIsTheLastLevelOfThePath) {
+  OpenConnectivity block;
+  std::strcpy(block.m_etyp, "2D-ELEMENT");
+  std::strcpy(block.m_etypelem, "SHELL");
+  std::string path;
+  EXPECT_EQ(block.AppendBlockSchema(path), 0);
+  EXPECT_EQ(path, "SHELL");
+  EXPECT_EQ(block.AppendBlockSchema(path), 0);
+  EXPECT_EQ(path, "SHELL/SHELL");
+}
+
 TEST_F(ConnectivityHeader, IsNotReadByTheInfoStage) {
   Mesh();
   std::strcpy(block_.m_etypelem, "SHELL");

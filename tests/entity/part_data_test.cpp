@@ -115,6 +115,14 @@ TEST_P(PartData, NullsOnlyTheMemberThatTheFileLacks) {
   EXPECT_EQ(titles_.substr(0, 4), "hood");
 }
 
+TEST_P(PartData, DoesNotAskTheFileWhatWasLeftOut) {
+  file_.at(data_).integer32("off", 7);
+  ASSERT_EQ(Read(), 0);
+  EXPECT_THAT(mid_, ElementsAre(71, 91, -1, -1));
+  EXPECT_THAT(mtyp_, ElementsAre(24, 1, -1, -1));
+  EXPECT_THAT(pcol_, ElementsAre(3, 4, -1, -1));
+}
+
 TEST_P(PartData, PassesOverListsWithoutABuffer) {
   block_.m_mid = block_.m_mtyp = block_.m_pcol = block_.m_pvtyp = nullptr;
   block_.m_title = nullptr;

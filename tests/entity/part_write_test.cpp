@@ -357,7 +357,7 @@ TEST_F(PartWrite, TheHeaderStopsAtAnAttributeOfAnotherClass) {
   EXPECT_FALSE(raw.has_attribute("/x", "nindex"));
 }
 
-TEST_F(PartWrite, StoresNoDataAfterAHeaderThatFailed) {
+TEST_F(PartWrite, TheHeaderStopsAtAWriteThatFails) {
   const Id file(H5Fopen(path_.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), path_);
   const Id group(H5Gopen2(file.get(), "/post", H5P_DEFAULT), "/post");
   EXPECT_EQ(block_.WriteHeader(group.get()), 1);

@@ -138,6 +138,14 @@ TEST_F(TextBlock, HeaderRowsAbsentOrRetyped) {
   }
 }
 
+TEST_F(TextBlock, ANameOf256CharactersIsCut) {
+  ForgedFile file = ForgeNotes();
+  file.text("etyptext", std::string(256, 'n'));
+  TestText text;
+  ASSERT_EQ(text.Header(file), 0);
+  EXPECT_EQ(std::string(text.m_etyptext), std::string(255, 'n'));
+}
+
 TEST_F(TextBlock, IsIncrementalAsItsHeaderSays) {
   ForgedFile file = ForgeNotes();
   TestText text;
