@@ -2,15 +2,19 @@
 
 #include "result/result_discovery.h"
 
-#include <cstring>
-#include <memory>
+#include <algorithm>
+#include <climits>
+#include <utility>
 
+#include "block/block_keys.h"
+#include "block/states.h"
+#include "block/walk.h"
 #include "entity/entity_type_table.h"
 #include "filer/messages.h"
 #include "h5/entry.h"
+#include "h5/file_access.h"
 #include "h5/status.h"
 #include "h5/text_field.h"
-#include "orvio/orv_result.h"
 #include "result/result_kinds.h"
 
 namespace orvio {
@@ -21,7 +25,7 @@ constexpr std::size_t kLongestToldPath = 511;
 /// The scratch block of a walk, and where its copies go.
 class ResultScan : public ORVResult {
  public:
-  ResultScan(int block_type, std::vector<ORVResult*>& found) : ORVResult(block_type), found_(found) {}
+  ResultScan(int block_type, StateResults::Blocks& found) : ORVResult(block_type), found_(found) {}
 
   /// What a block lacks must not be that of the one before it.
   int ReadHeader(hid_t group, int flags) override {
@@ -37,8 +41,7 @@ class ResultScan : public ORVResult {
     auto copy = std::make_unique<ORVResult>(*this);
     SetNumbers(*copy);
     Assign(copy->m_subBlockName, Content(group_name));
-    found_.push_back(copy.get());
-    copy.release();  // NOLINT(bugprone-unused-return-value): the list has it now
+    found_.push_back(std::move(copy));
   }
 
   bool out_of_memory = false;
@@ -58,7 +61,7 @@ class ResultScan : public ORVResult {
     block.m_baseEntityType = row->m_appType;
   }
 
-  std::vector<ORVResult*>& found_;
+  StateResults::Blocks& found_;
 };
 
 /// The walk runs inside HDF5's iteration: no exception may leave. Whatever becomes of one block, the others are wanted.
@@ -75,8 +78,42 @@ _ORVAction TakeResult(int status, int stage, void* name, void* block) {
 }  // namespace
 
 int DiscoverResults(const char* file, int state, int block_type, std::vector<ORVResult*>& results) {
-  ResultScan scan(block_type, results);
+  StateResults::Blocks found;
+  ResultScan scan(block_type, found);
   (void)scan.DiscoverBlock(file, state, ORV_READ_HEADER, TakeResult);  // a place that is not there holds no results
+  return h5::Entry(kFail, [&] {
+    for (auto& block : found) {
+      results.push_back(block.get());
+      block.release();  // NOLINT(bugprone-unused-return-value): the list has it now
+    }
+    return scan.out_of_memory ? kFail : kOk;
+  });
+}
+
+// ---- State by state
+
+StateResults::StateResults(const char* file) : reader_(holder_, file) {
+  if (reader_) names_ = StateNames(*reader_);
+}
+
+int StateResults::NumStates() const { return static_cast<int>(std::min<std::size_t>(names_.size(), INT_MAX - 1)); }
+
+int StateResults::Read(int state, Blocks& found) const {
+  if (state < 1 || state > NumStates()) return kOk;
+  const std::string& name = names_[static_cast<std::size_t>(state) - 1];
+  if (name.empty()) return kOk;
+  const std::string path = StatePath(name);
+  const int status = ReadKind(path, ORV_RESULT_ENTITY, found);
+  return status == kOk ? ReadKind(path, ORV_RESULT_ELEMENT, found) : status;
+}
+
+int StateResults::ReadKind(const std::string& state_path, int block_type, Blocks& found) const {
+  const std::string path = state_path + "/" + FindBlockKey(block_type)->name;
+  const h5::Group group = h5::OpenGroup(reader_->GetFileId(), path.c_str());
+  if (!group) return kOk;
+  ResultScan scan(block_type, found);
+  (void)ORVBlockAccess::ExchangeReader(scan, &*reader_);  // it had none, and is gone before the reader
+  WalkGroup(scan, group.get(), TakeResult, ORV_READ_HEADER);
   return scan.out_of_memory ? kFail : kOk;
 }
 

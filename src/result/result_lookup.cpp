@@ -59,6 +59,9 @@ bool Passes(ORVResult& block, const ResultQuery& query) {
 
 }  // namespace
 
+/// QUIRK: a query without names and types finds nothing, though each empty list alone passes all. Hosts build their lists
+/// from what a user has chosen, and nothing chosen means nothing. Pinned by
+/// ResultLookup.FindsNothingWhenNothingIsAskedFor.
 void FindResults(const ResultList& list, const ResultQuery& query, ResultList& out) {
   if (query.names.empty() && !HasType(query)) return;
   AppendThose(
@@ -74,6 +77,8 @@ bool HasHandle(const ORVResult& block, int id, bool by_iid) {
   return ResultDefinition(block).FindHandle(id, by_iid) != nullptr;
 }
 
+/// QUIRK: without types neither the kind nor the components are looked at. Hosts ask so for all that a handle is part of,
+/// with whatever kind they have at hand. Pinned by ResultLookup.ByHandleWithoutTypesLooksAtNothingElse.
 void FindResultsByHandle(const ResultList& list, const ResultQuery& query, std::span<const int> iids, ResultList& out) {
   const bool any_type = !HasType(query);
   const auto has_one = [&](const ORVResult& block) {

@@ -73,6 +73,9 @@ void FindResultsOfLoadCase(const char* file, const ResultList& in, int column, i
   AppendThose(in, holds, out);
 }
 
+/// QUIRK: the first block stands for its series even where that has no name, while others without a name are passed over.
+/// Hosts take the first of the answer for the plain results of a file. Pinned by
+/// ResultSeries.MayBeEmptyInTheFirstBlockOnly.
 void FindUniqueSeries(const ResultList& list, ResultList& out) {
   std::vector<std::string_view> seen;
   bool first = true;

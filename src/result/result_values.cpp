@@ -71,6 +71,8 @@ ORVFetchValuesWithIndex::ORVFetchValuesWithIndex()
 
 ORVFetchValuesWithIndex::~ORVFetchValuesWithIndex() = default;
 
+/// QUIRK: what the base delivers stays. Hosts reset the index alone between two fetches into the same arrays, and would
+/// leak these. Pinned by ResultValues.WithIndexForgetTheirOwnMembersOnly.
 void ORVFetchValuesWithIndex::ResetOutParameter() {
   m_indexCount = 0;
   m_blockCount = 0;

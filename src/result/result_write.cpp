@@ -21,7 +21,8 @@ namespace {
 
 bool IsSingleLayoutWriter() { return process().g_nWriterVersion >= kFirstSingleLayoutVersion; }
 
-/// Where a whole write puts a block. States are found by position and only the next one is made.
+/// Where a whole write puts a block. States are found by position and only the next one is made. A file without a
+/// constant section is none of this format and takes no multi-state block either.
 ///
 /// QUIRK: a multi-state kind with a positive state goes below that state, where no reader looks for it; callers pass
 /// state 0. Pinned by ResultWrite.PutsAMultiStateBlockWithAPositiveStateBelowThatState.
@@ -33,8 +34,9 @@ h5::Group OpenSection(const ResultKind& kind, hid_t file, int state) {
     const h5::Group section(section_id);
     return h5::Group(state_id);
   }
-  return kind.IsMultistate() ? h5::OpenOrCreateGroup(file, h5::GroupPath(h5::kMultistate).c_str())
-                             : h5::OpenGroup(file, h5::GroupPath(h5::kConstant).c_str());
+  h5::Group constant = h5::OpenGroup(file, h5::GroupPath(h5::kConstant).c_str());
+  if (!constant || !kind.IsMultistate()) return constant;
+  return h5::OpenOrCreateGroup(file, h5::GroupPath(h5::kMultistate).c_str());
 }
 
 /// A block that exists is protected unless the overwrite mode says otherwise. Nobody is told but who asks for the
@@ -44,11 +46,11 @@ h5::Group OpenSection(const ResultKind& kind, hid_t file, int state) {
 /// block once per part of their model and count on it. Pinned by ResultWrite.LeavesAnExistingBlockAloneInModeZero.
 void TellProtected(const ORVResult& block, const ResultPlace& place, const char* key) {
   if (*block.m_subBlockName) {
-    SetLastError("Overwriting existing result block :\"%s\\%s\\%s\\%s\\%s\"", place.section().c_str(), key,
+    SetLastError("Overwriting existing result block :\"%s\\%s\\%.256s\\%.256s\\%.256s\"", place.section().c_str(), key,
                  block.m_etyp, block.m_etypvar, block.m_subBlockName);
   } else {
-    SetLastError("Overwriting existing result block :\"%s\\%s\\%s\\%s\"", place.section().c_str(), key, block.m_etyp,
-                 block.m_etypvar);
+    SetLastError("Overwriting existing result block :\"%s\\%s\\%.256s\\%.256s\"", place.section().c_str(), key,
+                 block.m_etyp, block.m_etypvar);
   }
 }
 

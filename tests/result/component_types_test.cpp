@@ -120,6 +120,16 @@ TEST_F(ComponentTypes, FromAHostsTablesForceTheComponentOfATensorEntry) {
 
 TEST_F(ComponentTypes, OfTheBlockNeedAHostsTables) { EXPECT_EQ(block_.GetBlockComponentType(0), -1); }
 
+TEST_F(ComponentTypes, OfTheBlockNeedBothOfAHostsTables) {
+  Tables tables(variable_.get());
+  EXPECT_EQ(block_.GetBlockComponentType(0), 0);
+  variable_->m_pCompType = nullptr;
+  EXPECT_EQ(block_.GetBlockComponentType(0), -1);
+  variable_->m_pCompType = tables.types.data();
+  variable_->m_pCompEid = nullptr;
+  EXPECT_EQ(block_.GetBlockComponentType(0), -1);
+}
+
 /// Shape of a variable with the type of its block for a number of components.
 struct BlockTypeRow {
   int rank;

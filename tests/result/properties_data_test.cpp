@@ -149,6 +149,16 @@ TEST_F(PropertiesData, RecordsOfOtherExtentsFail) {
     block.Prepare(file);
     EXPECT_EQ(block.Read(file, ORV_READ_DATA), 1) << fault.name << fault.shape[0];
   }
+  for (const std::vector<hsize_t>& shape : {std::vector<hsize_t>{2, 2}, {1, 1}, {2}, {1, 2}}) {
+    ForgedProperties file;
+    hsize_t count = 1;
+    for (const hsize_t extent : shape) count *= extent;
+    file.data().dataset<float>("fparam", shape, std::vector<float>(count, 1));
+    TestProperties block;
+    block.Prepare(file);
+    EXPECT_EQ(block.Read(file, ORV_READ_DATA), 1);
+    EXPECT_THAT(block.floats, ElementsAre(-1.0F, -1.0F));
+  }
 }
 
 TEST_F(PropertiesData, NegativeCountsFail) {
@@ -434,7 +444,9 @@ TEST_F(PropertiesCallBack, IsNotCalledUnlessValuesAndIdsAreAskedFor) {
   EXPECT_EQ(Read(file), 0);
   block_.m_length = 3;
   block_.m_nent = 0;
-  (void)Read(file);
+  values[0] = 0;
+  EXPECT_EQ(Read(file), 1);  // there are no ids to read
+  EXPECT_THAT(values, ElementsAre(8.0F, 0.0F));
   block_.m_nent = 2;
   block_.m_readCallBack = nullptr;
   EXPECT_EQ(Read(file), 0);

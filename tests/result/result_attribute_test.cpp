@@ -169,7 +169,7 @@ TEST_P(ResultItem, OfValuesHasTheShapeOfItsKind) {
       {1000, 2, 0, 3, 0, {2, 3}, 0},    {1000, 2, 0, 3, 0, {3, 2}, 1},       {1001, 2, 0, 1, 0, {2, 1, 2}, 0},
       {1001, 2, 0, 1, 0, {2, 1}, 1},    {1100, 2, 2, 1, 0, {2, 2, 1}, 0},    {1100, 2, 0, 3, 0, {2, 3}, 0},
       {1100, 2, 0, 3, 0, {2, 1, 3}, 1}, {1101, 2, 2, 1, 0, {2, 2, 1, 2}, 1}, {1101, 2, 2, 1, 0, {2, 2, 1}, 0},
-      {1000, -2, 0, -3, 0, {2, 3}, 1},
+      {1101, 2, 0, 3, 0, {2, 3}, 0},    {1101, 2, 0, 1, 0, {2, 1, 2}, 1},    {1000, -2, 0, -3, 0, {2, 3}, 1},
   };
   for (const ValuesRow& row : rows) {
     const bool element = row.kind >= 1100;
@@ -513,6 +513,9 @@ TEST_F(ResultDatasetInfo, TellsIndexesWithOrWithoutStates) {
   EXPECT_EQ(type_, ORV_INT);
   EXPECT_EQ(ptr_, &ident);
   EXPECT_EQ(Extents(), (Dims{2}));
+  block.m_nstate = 1;
+  EXPECT_EQ(Ask(block, 19), 0);
+  EXPECT_EQ(Extents(), (Dims{1, 2}));
   block.m_nstate = 3;
   EXPECT_EQ(Ask(block, 20), 0);
   EXPECT_EQ(name_, "indexval");
@@ -532,9 +535,16 @@ TEST_F(ResultDatasetInfo, OfAnyOtherCodeFailsWithRankAndPointerCleared) {
 
 // ---- Forgetting
 
+_ORVAction NoLink(int, ORVBlock*, void*, void*) { return ORV_ACTION_CONTINUE; }
+
+/// A block as the header of an incremental one leaves it.
+struct IncrementalBlock : ORVResult {
+  IncrementalBlock() : ORVResult(NodeBlock(1000)) { m_nIncremental = 1; }
+};
+
 /// A block that holds something everywhere.
 ORVResult FullBlock() {
-  ORVResult block = NodeBlock(1000);
+  ORVResult block = static_cast<const ORVResult&>(IncrementalBlock());
   block.m_nent = block.m_ncoo = block.m_fswitch = block.m_dmpswitch = block.m_nstate = block.m_numl = 3;
   block.m_zoneid = block.m_ndim = block.m_nindex = block.m_fidglob = 4;
   std::strcpy(block.m_etypzone, "zone");
@@ -549,7 +559,9 @@ ORVResult FullBlock() {
   block.m_baseEntityType = 2;
   block.m_readIds = block.m_constantBlk = 1;
   block.m_complexOutput = ORV_COMPLEX_PHASE;
-  block.m_spare1 = block.m_spare2 = 8;
+  block.m_spare0 = block.m_spare1 = block.m_spare2 = 8;
+  block.SetLinkCallBack(NoLink);
+  block.SetResultLocationType(static_cast<_ORVResultLocation>(3));
   block.m_fetchSkip = 0;
   block.m_variable = reinterpret_cast<ORVVariable*>(&somewhere);
   block.m_variableGrp = reinterpret_cast<ORVVariableGrp*>(&somewhere);
@@ -560,13 +572,15 @@ ORVResult FullBlock() {
 
 void ExpectNoHeader(const ORVResult& block) {
   EXPECT_EQ(block.GetKey(), -1);
-  for (const char* text : {block.m_etyp, block.m_etypvar, block.m_etypzone, block.m_etypframe, block.m_series}) {
+  for (const char* text :
+       {block.m_etyp, block.m_etypvar, block.m_etypzone, block.m_etypframe, block.m_series, block.m_subBlockName}) {
     EXPECT_STREQ(text, "");
   }
   for (const std::int64_t count : {block.m_nent, block.m_ncoo, block.m_fswitch, block.m_dmpswitch, block.m_nstate,
                                    block.m_numl, block.m_zoneid, block.m_ndim, block.m_nindex}) {
     EXPECT_EQ(count, 0);
   }
+  EXPECT_FALSE(block.IsIncremental());
   EXPECT_EQ(block.m_entityType, static_cast<_ORVEntityType>(-1));
   EXPECT_EQ(block.m_baseEntityType, -1);
 }
@@ -600,6 +614,8 @@ TEST_F(ResultReset, OfTheHeaderClearsTheNamesAndLeavesTheBuffers) {
   EXPECT_EQ(block.m_fidglob, 4);
   EXPECT_NE(block.m_variable, nullptr);
   EXPECT_EQ(block.m_complexOutput, ORV_COMPLEX_PHASE);
+  EXPECT_EQ(block.m_readIds, 1);
+  EXPECT_EQ(block.GetBlkPath(), "/post");
 }
 
 TEST_F(ResultReset, OfTheDataClearsBuffersAndTypes) {
@@ -625,14 +641,16 @@ TEST_F(ResultReset, OfEverythingLeavesABlockAsItWasMade) {
   ExpectNoHeader(block);
   ExpectNoData(block);
   ExpectNoIndex(block);
-  EXPECT_STREQ(block.m_subBlockName, "");
   EXPECT_EQ(block.m_variable, nullptr);
   EXPECT_EQ(block.m_variableGrp, nullptr);
   EXPECT_EQ(block.m_complexOutput, 0);
   EXPECT_EQ(block.m_constantBlk, 0);
+  EXPECT_EQ(block.m_spare0, 0);
   EXPECT_EQ(block.m_spare1, -1);
   EXPECT_EQ(block.m_spare2, 0);
   EXPECT_EQ(block.m_fetchSkip, 1);
+  EXPECT_EQ(block.m_linkCallBack, nullptr);
+  EXPECT_EQ(static_cast<int>(block.GetResultLocationType()), 0);
   EXPECT_EQ(block.GetBlkPath(), "");
   EXPECT_EQ(block.m_nCompressionFactor, -1);
 }

@@ -222,6 +222,38 @@ TEST_F(ResultComplex, OfMultiStateElementsLooksAtTheElementAxis) {
   EXPECT_EQ(values[1], 10);
 }
 
+// ---- Values that are stored with other axes than their kind has
+
+TEST_F(ResultComplex, OfADatasetOfAnotherRankFailsAfterTheValues) {
+  ForgedResult forged(Layout::kSingle, kNodePath);
+  forged.data().dataset<float>("res", {3, 2}, {1, 2, 3, 4, 5, 6}).dataset<int>("entid", {3}, {10, 20, 30});
+  Nodes nodes(ORV_COMPLEX_MAGNITUDE);
+  nodes.block.m_readIds = 1;
+  EXPECT_EQ(Read(nodes.block, forged.path(), {1, 0}, {2, 2}), 1);
+  EXPECT_EQ(nodes.values, (Floats{3, 4, 5, 6, -9, -9}));
+  EXPECT_EQ(nodes.ids, (std::vector<int>{-1, -1, -1}));
+  forged.data().dataset<float>("res", {3, 1, 2, 2}, Floats(12, 7));
+  EXPECT_EQ(Read(nodes.block, forged.path(), {1, 0, 0, 0}, {1, 1, 2, 2}), 1);
+  EXPECT_EQ(nodes.values, (Floats{7, 7, 7, 7, -9, -9}));
+}
+
+TEST_F(ResultComplex, OfARowOfMultiStateValuesIsNotLookedFor) {
+  ForgedResult forged(Layout::kSingle, kMultiNodePath);
+  forged.data().dataset<float>("res", {4}, {1, 2, 3, 4});
+  Nodes nodes(ORV_COMPLEX_MAGNITUDE);
+  nodes.block.SetBlockType(1051);
+  EXPECT_EQ(Read(nodes.block, forged.path(), {2}, {2}, 0), 0);
+  EXPECT_EQ(nodes.values, (Floats{3, 4, -9, -9, -9, -9}));
+}
+
+TEST_F(ResultComplex, AlwaysLeavesADatasetOfFewerAxesAsItIs) {
+  ForgedResult forged(Layout::kSingle, kNodePath);
+  forged.data().dataset<float>("res", {3, 2}, {1, 2, 3, 4, 5, 6});
+  Nodes nodes(ORV_COMPLEX_MAGNITUDE | ORV_COMPLEX_ALWAYS);
+  EXPECT_EQ(Read(nodes.block, forged.path(), {1, 0}, {2, 2}), 0);
+  EXPECT_EQ(nodes.values, (Floats{3, 4, 5, 6, -9, -9}));
+}
+
 // ---- The output that does not look at the start
 
 TEST_F(ResultComplex, AlwaysConvertsWholeReadsToo) {

@@ -373,9 +373,20 @@ TEST_P(ResultIndex, RefusesCountsThatTheFileDoesNotHave) {
   }
 }
 
-TEST_F(ResultHeaderCall, ForTheIndexNeedsATypeGroup) {
-  ORVResult block(1002);
-  EXPECT_EQ(block.ReadIndex(-1, ORV_READ_INDEX), 1);
+TEST_P(ResultIndex, OfAKeyWithoutATypeGroupIsNotRead) {
+  ForgedResult forged(GetParam(), kNodePath);
+  forged.index().dataset<std::int32_t>("indexident", {1}, {4}).dataset<float>("indexval", {1}, {0.5});
+  int ident = -1;
+  float value = -1;
+  for (const int key : {1002, 1000}) {
+    ORVResult block(key);
+    block.SetBlkPath(std::string(kNodePath) + (GetParam() == Layout::kSplit ? "" : "/orvblock"));
+    block.m_nindex = 1;
+    block.m_indexident = &ident;
+    block.m_indexval = &value;
+    EXPECT_EQ(block.ReadBlockByBlockPath(forged.path().c_str(), ORV_READ_INDEX), key == 1002 ? 1 : 0);
+    EXPECT_EQ(ident, key == 1002 ? -1 : 4);
+  }
 }
 
 }  // namespace

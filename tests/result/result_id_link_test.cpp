@@ -97,6 +97,19 @@ TEST_F(ResultIdLink, IsNotMadeToADatasetThatDoesNotFit) {
   }
 }
 
+TEST_F(ResultIdLink, IsNotMadeForIdsThatAreNoIntegers) {
+  Floats ids{10, 20};
+  nodes_.block.m_entid = ids.data();
+  nodes_.block.m_entidType = ORV_FLOAT;
+  for (const char* answer : {"post/constant/shared/floats", "post/constant/shared/entid"}) {
+    const Writer writer(1, 1);
+    nodes_.block.m_readIds = 1;
+    EXPECT_EQ(Write(answer), 1) << answer;
+    EXPECT_EQ(nodes_.block.m_readIds, 0);
+    EXPECT_FALSE(RawFile(file_->path()).exists(kIds)) << answer;
+  }
+}
+
 TEST_F(ResultIdLink, OutgrowsNoBuffer) {
   EXPECT_EQ(Write(std::string(600, 'x')), 0);
   EXPECT_EQ(RawFile(file_->path()).values<int>(kIds), (Ints{10, 20}));

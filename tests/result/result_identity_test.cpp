@@ -228,6 +228,11 @@ TEST_F(ResultIdentity, FindsTheLoadCaseInAFieldWithoutATerminator) {
   int number = 0;
   EXPECT_TRUE(block.IsLoadCaseSeriesName(number));
   EXPECT_EQ(number, 2147483647);
+  std::memset(block.m_series, ' ', sizeof block.m_series);
+  std::memcpy(block.m_series, "LOADCASE_", 9);
+  block.m_series[256] = '7';  // behind the text
+  EXPECT_TRUE(block.IsLoadCaseSeriesName(number));
+  EXPECT_EQ(number, 0);
 }
 
 struct TailRow {
@@ -244,6 +249,8 @@ constexpr TailRow kTails[] = {
     {1100, "/post/constant/elementresults/SHELL/S", 0, "elementresults/SHELL/S"},
     {1150, "/post/multistate/elementresults/SHELL/S", 0, "elementresults/SHELL/S"},
     {1150, "/post/multistate/multielementresults/SHELL/S", 0, "elementresults/SHELL/S"},
+    {500, "/post/constant/NODE/MASS", 0, "/post/constant/NODE/MASS"},
+    {500, "", 1, "before"},
     {1000, "", 1, "before"},
     {1000, "/post/constant/elementresults/SHELL/S", 1, "before"},
     {-1, "/post/constant/entityresults/Node/V", 1, "before"},

@@ -201,6 +201,12 @@ TEST_P(ResultPlaces, AreLearnedByABlockThatIsReadByState) {
             std::string("/post/singlestate/a/entityresults/T/V") + (GetParam() == Layout::kSplit ? "" : "/orvblock"));
 }
 
+TEST_F(ResultPath, WithoutAReaderLeadsNowhere) {
+  ORVResult block(1000);
+  block.SetEntityAndVarName("T", "V");
+  EXPECT_EQ(ORVResultAccess::OpenGroup(block, 0), -1);
+}
+
 TEST_F(ResultPath, InTheSplitLayoutPrefersTheNamesToThePathThatWasFound) {
   ForgedPlaces places(Layout::kSplit);
   places.Add("/post/constant/entityresults/T/V", 1).Add("/post/constant/entityresults/T/W", 2);
@@ -209,6 +215,16 @@ TEST_F(ResultPath, InTheSplitLayoutPrefersTheNamesToThePathThatWasFound) {
   block.SetBlkPath("/post/constant/entityresults/T/W");
   ASSERT_EQ(block.ReadBlock(places.path().c_str(), 0, ORV_READ_HEADER), 0);
   EXPECT_EQ(block.m_nent, 1);
+}
+
+TEST_F(ResultPath, InTheSplitLayoutIsThePathThatWasFoundWhereTheNamesLeadNowhere) {
+  ForgedPlaces places(Layout::kSplit);
+  places.Add("/post/singlestate/a/entityresults/any/name", 1).Add("/post/singlestate/b/entityresults/any/name", 2);
+  ORVResult block(1000);
+  block.SetEntityAndVarName("T", "V");
+  block.SetBlkPath("/post/singlestate/a/entityresults/any/name");
+  ASSERT_EQ(block.ReadBlock(places.path().c_str(), 2, ORV_READ_HEADER), 0);
+  EXPECT_EQ(block.m_nent, 2);
 }
 
 TEST_F(ResultPath, InTheSingleLayoutIsThePathThatWasFound) {

@@ -144,6 +144,9 @@ TEST_P(ResultSelectiveRead, TakesOneFrameIdOfTheBlockAndNoMore) {
   EXPECT_EQ(block_.ReadSelectiveAttribute(forged_.path().c_str(), 1, 2, ORV_ATT_FIDGLOB, 1, &start, &one, &four, &four,
                                           false),
             1);
+  EXPECT_EQ(block_.ReadSelectiveAttribute(forged_.path().c_str(), 1, 2, ORV_ATT_FIDGLOB, 1, &start, nullptr, nullptr,
+                                          nullptr, false),
+            1);
   EXPECT_EQ(block_.m_fidglob, 4);
 }
 

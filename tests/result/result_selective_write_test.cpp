@@ -176,8 +176,15 @@ TEST_F(ResultSelectiveWrite, StopsAtTheFirstPartThatFails) {
   block_.m_ncoo = 3;
   EXPECT_EQ(Write(kHeader | kData, 8, {{0}, {1}, {}}), 1);  // no item of the data
   EXPECT_EQ(Raw().attribute_int(std::string(kBlock) + "/header", "ncoo"), 3);
-  EXPECT_EQ(Write(kHeader | kData, 14, {{0}, {1}, {}}), 1);
+  Ints frames{31};
+  block_.m_fid = frames.data();
+  block_.m_res = nullptr;  // where the header part takes them from
+  EXPECT_EQ(Write(kHeader | kData, 16, {{0}, {1}, {}}), 1);
   EXPECT_EQ(Raw().children(std::string(kBlock) + "/data"), Names{});
+  Floats values{.5F};
+  block_.m_indexval = values.data();
+  EXPECT_EQ(Write(kData | kIndex, 20, {{0}, {1}, {}}), 1);  // no item of the data
+  EXPECT_EQ(Raw().children(std::string(kBlock) + "/index"), Names{});
 }
 
 // ---- Values
@@ -373,6 +380,16 @@ TEST_F(ResultSelectiveWrite, FiltersDataAsTheBlockAsksAndIdsNever) {
   block_.m_resType = ORV_INT;
   EXPECT_EQ(Write(kData, 13, {{0}, {2}, {}}), 0);
   EXPECT_EQ(Raw().filters(kIds), Ints{});
+}
+
+TEST_F(ResultSelectiveWrite, NeverFiltersIdsBesideValuesInTheHeaderPart) {
+  OH5SetCompression(1, 3);
+  block_.m_readIds = 1;
+  EXPECT_EQ(Write(kHeader, 18, {{0, 0}, {2, 2}, {}}), 0);
+  OH5SetCompression(0, -1);
+  EXPECT_EQ(Raw().filters(std::string(kBlock) + "/header/res"), (Ints{H5Z_FILTER_SCALEOFFSET}));
+  EXPECT_EQ(Raw().filters(std::string(kBlock) + "/header/entid"), Ints{});
+  EXPECT_EQ(Raw().filters(std::string(kBlock) + "/header/fidglob"), Ints{});
 }
 
 TEST_F(ResultSelectiveWrite, NeverFiltersAnIndex) {

@@ -183,6 +183,14 @@ TEST_F(ResultWriteHeader, GoesOnAfterADumpSwitchOfAnotherClass) {
   EXPECT_TRUE(RawFile(file_->path()).has_attribute(at, "indexic"));
 }
 
+TEST_F(ResultWriteHeader, EndsAtAWriteThatFailsAndTells) {
+  const std::string path = file_->path();
+  const Id file(H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), path);
+  const Id group(H5Gopen2(file.get(), "/post", H5P_DEFAULT), "/post");
+  EXPECT_EQ(Full(1000).WriteHeader(group.get()), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "OH5write_ATTRIBUTE::\n\t \"block\" fail to write");
+}
+
 TEST_F(ResultWriteHeader, OfAnUnknownKindFails) {
   for (const int kind : {-1, 10, 500, 1002}) EXPECT_EQ(ORVResult(kind).WriteHeader(1), 1) << kind;
 }

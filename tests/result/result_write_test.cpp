@@ -68,6 +68,16 @@ TEST_F(ResultWrite, OfMultiStateKindsMakesTheirSection) {
   EXPECT_TRUE(raw.exists("/post/multistate/elementresults/Node/VELOCITY/header"));
 }
 
+TEST_F(ResultWrite, OfMultiStateKindsNeedsTheConstantSectionToo) {
+  ForgedFile file("write");
+  file.at("/post").drop("constant");
+  EXPECT_EQ(Nodes(1050).Write(file.path(), 0, 1), 1);
+  EXPECT_FALSE(RawFile(file.path()).exists("/post/multistate"));
+  file.group("/post/constant");
+  EXPECT_EQ(Nodes(1050).Write(file.path(), 0, 1), 0);
+  EXPECT_TRUE(RawFile(file.path()).exists("/post/multistate/multientityresults/Node/VELOCITY/header"));
+}
+
 TEST_F(ResultWrite, PutsAMultiStateBlockWithAPositiveStateBelowThatState) {
   ForgedFile file("write");
   EXPECT_EQ(Nodes(1050).Write(file.path(), 1, 1), 0);
@@ -187,6 +197,30 @@ TEST_F(ResultWrite, TellsTheSubBlockThatItLeavesAlone) {
   EXPECT_EQ(nodes.Write(file.path(), 0, 1), 0);
   EXPECT_STREQ(ORVGetLastErrorText(),
                "Overwriting existing result block :\"multistate\\multientityresults\\Node\\VELOCITY\\PART1\"");
+}
+
+TEST_F(ResultWrite, TellsNamesNoFurtherThanTheyAreWide) {
+  for (const bool in_type : {true, false}) {
+    ForgedFile file("write");
+    Nodes nodes;
+    std::memset(in_type ? nodes.block.m_etyp : nodes.block.m_etypvar, 'N', 257);
+    ASSERT_EQ(nodes.Write(file.path(), 0, 1), 0);
+    EXPECT_EQ(nodes.Write(file.path(), 0, 1), 0);
+    const std::string type = in_type ? std::string(256, 'N') : "Node";
+    const std::string variable = in_type ? "VELOCITY" : std::string(256, 'N');
+    EXPECT_EQ(ORVGetLastErrorText(),
+              "Overwriting existing result block :\"constant\\entityresults\\" + type + "\\" + variable + "\"");
+  }
+}
+
+TEST_F(ResultWrite, TellsTheNameOfASubBlockNoFurtherThanItIsWide) {
+  ForgedFile file("write");
+  Nodes nodes;
+  std::memset(nodes.block.m_subBlockName, 'S', 257);
+  ASSERT_EQ(nodes.Write(file.path(), 0, 1), 0);
+  EXPECT_EQ(nodes.Write(file.path(), 0, 1), 0);
+  EXPECT_EQ(ORVGetLastErrorText(), "Overwriting existing result block :\"constant\\entityresults\\Node\\VELOCITY\\" +
+                                       std::string(256, 'S') + "\"");
 }
 
 TEST_F(ResultWrite, ReplacesAnExistingBlockInModeOne) {
