@@ -4,6 +4,8 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -56,6 +58,11 @@ void AppendHistories(const std::vector<std::string>& texts, ImportOptions& optio
   }
 }
 
+/// CLI11's own checks let through what is no number.
+std::string IsFinite(const std::string& text) {
+  return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : "\"" + text + "\" is no finite number";
+}
+
 void Import(const ImportOptions& options, bool quiet) {
   const Importer* importer = FindImporter(options.input.string());
   if (!importer) {
@@ -69,6 +76,11 @@ void Import(const ImportOptions& options, bool quiet) {
     throw Trouble(options.input.string(), "has its results state by state only",
                   "leave --history out; orv history reads any result over all states");
   }
+  if (options.incremental && options.version < ORV_VERSION_2_0) {
+    throw Trouble(options.output.string(),
+                  "cannot have incremental states: files before version 2.0 have no place to say so",
+                  "leave out --incremental, or give a --format-version from 2.0 on");
+  }
   // The output would take the place of its own input.
   std::error_code error;
   if (std::filesystem::equivalent(options.input, options.output, error)) {
@@ -76,8 +88,9 @@ void Import(const ImportOptions& options, bool quiet) {
   }
   const ImportSummary summary = importer->import(options);
   if (quiet) return;
-  fmt::print(stderr, "{}: {} nodes, {} elements, {} states, {} variables{}\n", options.output.string(), summary.nodes,
-             summary.elements, summary.states, summary.variables,
+  const std::string full = summary.full_states ? fmt::format(" ({} of them full)", *summary.full_states) : "";
+  fmt::print(stderr, "{}: {} nodes, {} elements, {} states{}, {} variables{}\n", options.output.string(), summary.nodes,
+             summary.elements, summary.states, full, summary.variables,
              summary.histories > 0 ? fmt::format(", {} histories", summary.histories) : "");
   for (const std::string& note : summary.notes) fmt::print(stderr, "{}: {}\n", options.input.string(), note);
 }
@@ -89,6 +102,7 @@ void AddImportCommand(CLI::App& app) {
   auto quiet = std::make_shared<bool>(false);
   auto units = std::make_shared<std::string>();
   auto histories = std::make_shared<std::vector<std::string>>();
+  auto states = std::make_shared<IncrementalStates>();
   CLI::App* command =
       app.add_subcommand("import",
                          "Translate the result of a solver into a result file: CalculiX (.frd, .frd.gz) or "
@@ -107,10 +121,20 @@ void AddImportCommand(CLI::App& app) {
                    "node:1,5-9 or element:12")
       ->delimiter(',')
       ->allow_extra_args(false);
+  CLI::Option* tolerance = command->add_option(
+      "--incremental", states->tolerance,
+      "Store between full states only the entities with a value that changed by more than this, such as 0 or 1e-6");
+  tolerance->check(CLI::NonNegativeNumber & CLI::Validator(IsFinite, ""));
+  command
+      ->add_option("--full-every", states->full_every,
+                   "With --incremental: make one of so many states full (default 10)")
+      ->check(CLI::Range(1, 1000))
+      ->needs(tolerance);
   command->add_flag("--partial", options->partial, "Take what is there of a run that broke off");
   command->add_flag("-q,--quiet", *quiet, "No summary");
-  command->callback([options, quiet, units, histories] {
+  command->callback([options, quiet, units, histories, states, tolerance] {
     AppendHistories(*histories, *options);
+    if (tolerance->count() > 0) options->incremental = *states;
     if (!units->empty()) options->units = FindUnitSystem(*units);
     Import(*options, *quiet);
   });

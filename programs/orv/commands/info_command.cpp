@@ -43,12 +43,20 @@ Json ToJson(const ElementInfo& element) {
           {"node_type", element.node_type}};
 }
 
+/// The headers of a damaged file may add up to more than any integer holds.
+long long Whole(double bytes) { return static_cast<long long>(std::min(bytes, 9e18)); }
+
 Json ToJson(const ResultInfo& result) {
   Json json = {{"section", result.section},           {"entity", result.entity},       {"variable", result.variable},
                {"element_values", result.is_element}, {"complex", result.is_complex},  {"type", result.value_type},
                {"components", result.components},     {"count_min", result.count_min}, {"count_max", result.count_max}};
   if (result.is_element) json["layers"] = result.layers;
   if (result.section == "state") json["states"] = result.states;
+  if (!result.incremental_states.empty()) {
+    json["incremental_states"] = result.incremental_states;
+    json["stored_bytes"] = Whole(result.stored_bytes);
+    json["full_bytes"] = Whole(result.full_bytes);
+  }
   return json;
 }
 
@@ -163,6 +171,37 @@ void PrintResults(const std::vector<ResultInfo>& results) {
   table.Print(fmt::format("Results ({})", results.size()));
 }
 
+/// "1.4 MiB"; small ones as they are.
+std::string Bytes(double bytes) {
+  constexpr const char* kUnits[] = {"KiB", "MiB", "GiB", "TiB"};
+  constexpr double kStep = 1024;
+  if (bytes < kStep) return fmt::format("{:.0f} B", bytes);
+  double size = bytes / kStep;
+  std::size_t unit = 0;
+  for (; size >= kStep && unit + 1 < std::size(kUnits); ++unit) size /= kStep;
+  return fmt::format("{:.1f} {}", size, kUnits[unit]);
+}
+
+std::string Share(double part, double whole) { return whole > 0 ? fmt::format("{:.1f} %", 100 * part / whole) : "-"; }
+
+/// The results that hold in some states nothing but what changed.
+void PrintIncremental(const std::vector<ResultInfo>& results) {
+  Table table({"incremental", "of", "states with changes", "stored", "if all were full", "saved"});
+  std::size_t count = 0;
+  double stored = 0, full = 0;
+  for (const ResultInfo& result : results) {
+    if (result.incremental_states.empty()) continue;
+    table.Add({result.variable, result.entity, Ranges(result.incremental_states), Bytes(result.stored_bytes),
+               Bytes(result.full_bytes), Share(result.full_bytes - result.stored_bytes, result.full_bytes)});
+    stored += result.stored_bytes;
+    full += result.full_bytes;
+    ++count;
+  }
+  if (count == 0) return;
+  table.Print(fmt::format("Incremental results ({}): {} of {} saved, {}", count, Bytes(full - stored), Bytes(full),
+                          Share(full - stored, full)));
+}
+
 void PrintElements(const std::vector<ElementInfo>& elements) {
   Table table({"elements", "count", "nodes each", "dimension"});
   for (const ElementInfo& element : elements) {
@@ -181,6 +220,7 @@ void PrintText(const FileModel& model) {
   PrintVariables(model.variables);
   PrintComputed(model.variables);
   PrintResults(model.results);
+  PrintIncremental(model.results);
   PrintStates(model);
 }
 

@@ -127,14 +127,23 @@ void SetDates(ORVSystem& block) {
 
 }  // namespace
 
-void BlockWriter::WriteUnitSystem(const UnitSystem& system, const Origin& origin) {
-  SystemTables tables(system);
-  ORVSystem block;
+void BlockWriter::WriteSystem(ORVSystem& block, const Origin& origin, int what) {
   Assign(block.m_title, origin.title);
-  Assign(block.m_sys, system.name);
   Assign(block.m_solverName, origin.solver);
   Assign(block.m_solverVers, origin.solver_version);
   SetDates(block);
+  Write(block, 0, what, "the unit system");
+}
+
+void BlockWriter::WriteOrigin(const Origin& origin) {
+  ORVSystem block;
+  WriteSystem(block, origin, ORV_WRITE_HEADER);
+}
+
+void BlockWriter::WriteUnitSystem(const UnitSystem& system, const Origin& origin) {
+  SystemTables tables(system);
+  ORVSystem block;
+  Assign(block.m_sys, system.name);
   block.m_nbunit = static_cast<std::int64_t>(tables.base_ids.size());
   block.m_pUbid = tables.base_ids.data();
   block.m_pUbtyp = tables.dimension_fields.data();
@@ -148,11 +157,13 @@ void BlockWriter::WriteUnitSystem(const UnitSystem& system, const Origin& origin
   block.m_pNdbunit = tables.counts.data();
   block.m_pUdbid = tables.of_ids.data();
   block.m_pUdbexp = tables.of_exponents.data();
-  Write(block, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA, "the unit system");
+  WriteSystem(block, origin, ORV_WRITE_HEADER | ORV_WRITE_DATA);
   has_units_ = true;
 }
 
-void BlockWriter::WriteIndexTypes(const std::vector<std::string>& names) {
+void BlockWriter::WriteIndexTypes(const std::string& value_name) {
+  std::vector<std::string> names = {value_name};
+  if (has_steps_) names.emplace_back("STEP");
   std::vector<char> fields = Fields(names);
   ORVSimulationType block;
   block.m_nindex = static_cast<std::int64_t>(names.size());

@@ -34,6 +34,9 @@ struct StateIndex {
   int step = 0;
 };
 
+/// What a block of a state holds: all of its entities, or those alone that are not what a reader would see without it.
+enum class Extent { kFull, kChanges };
+
 /// Values of one quantity at the nodes, or at other entities without layers.
 struct EntityValues {
   std::string entity_type = kNodeType;
@@ -53,6 +56,7 @@ struct ElementValues {
   void* values = nullptr;  ///< ids x layers x components, row-major
   _ORVDataType type = ORV_FLOAT;
   std::string zone;  ///< keeps these elements apart from others of their type; empty for all
+  int zone_id = 0;
 };
 
 /// Parts of the model, and the materials they are made of where the solver tells.
@@ -93,8 +97,12 @@ class BlockWriter {
 
   /// From here on variables are written with their units.
   void WriteUnitSystem(const UnitSystem& system, const Origin& origin);
-  /// What the columns of the state index mean.
-  void WriteIndexTypes(const std::vector<std::string>& names);
+  /// The same for a run whose units nobody told.
+  void WriteOrigin(const Origin& origin);
+  /// From here on the states are told by their values alone: states that build upon others have one index column.
+  void LeaveOutSteps() { has_steps_ = false; }
+  /// What the columns of the state index mean: the value has the name `value_name`.
+  void WriteIndexTypes(const std::string& value_name);
   /// The variable, and in later versions the group of variables that results are found by.
   void WriteVariable(const Quantity& quantity);
   void WriteElements(ElementGroup& group);
@@ -106,14 +114,16 @@ class BlockWriter {
   void WriteSets(SetTable& sets);
   void WriteConstant(const Quantity& quantity, const EntityValues& values);
   /// States are added one by one, from 1.
-  void WriteInState(const StateIndex& index, const Quantity& quantity, const EntityValues& values);
-  void WriteInState(const StateIndex& index, const Quantity& quantity, const ElementValues& values);
+  void WriteInState(const StateIndex& index, const Quantity& quantity, const EntityValues& values, Extent extent);
+  void WriteInState(const StateIndex& index, const Quantity& quantity, const ElementValues& values, Extent extent);
   /// All states of a quantity in one block: the values are states x what they are for one state.
   void WriteOverStates(const std::vector<StateIndex>& states, const Quantity& quantity, const EntityValues& values);
 
  private:
   void Write(ORVBlock& block, int state, int what, const std::string& described_as);
   void WriteInState(const StateIndex& index, ORVResult& result, const std::string& described_as);
+  void WriteSystem(ORVSystem& block, const Origin& origin, int what);
+  std::size_t IndexColumns() const { return has_steps_ ? 2 : 1; }
   void WriteVariableBlock(const Quantity& quantity);
   void WriteGroup(const std::string& name, const std::vector<Quantity>& quantities);
   /// Files up to version 1.2 have no groups of variables.
@@ -123,6 +133,7 @@ class BlockWriter {
   std::string shown_as_;
   _ORVVersion version_;
   bool has_units_ = false;
+  bool has_steps_ = true;
 };
 
 }  // namespace orvio::program

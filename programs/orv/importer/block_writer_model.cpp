@@ -12,7 +12,6 @@ namespace orvio::program {
 namespace {
 
 constexpr char kPartType[] = "PART";
-constexpr int kIndexColumns = 2;  // value and step
 
 }  // namespace
 
@@ -103,9 +102,16 @@ void BlockWriter::WriteSets(SetTable& sets) {
 
 namespace {
 
+/// A result that may hold changes alone.
+class ResultBlock : public ORVResult {
+ public:
+  using ORVResult::ORVResult;
+  void SetExtent(Extent extent) { m_nIncremental = extent == Extent::kChanges ? 1 : 0; }
+};
+
 /// A zone is part of the name by which the block is found: the same quantity may stand at the nodes of many.
-ORVResult MakeResult(const Quantity& quantity, const EntityValues& values) {
-  ORVResult result(values.is_complex ? ORV_RESULT_ENTITY_COMPLEX : ORV_RESULT_ENTITY);
+ResultBlock MakeResult(const Quantity& quantity, const EntityValues& values) {
+  ResultBlock result(values.is_complex ? ORV_RESULT_ENTITY_COMPLEX : ORV_RESULT_ENTITY);
   result.SetEntityAndVarName(values.entity_type, quantity.name);
   Assign(result.m_etypzone, values.zone);
   Assign(result.m_subBlockName, values.zone);
@@ -120,11 +126,12 @@ ORVResult MakeResult(const Quantity& quantity, const EntityValues& values) {
 }
 
 /// The places of the points are the solver's matter: none are stored.
-ORVResult MakeResult(const Quantity& quantity, const ElementValues& values) {
-  ORVResult result(ORV_RESULT_ELEMENT);
+ResultBlock MakeResult(const Quantity& quantity, const ElementValues& values) {
+  ResultBlock result(ORV_RESULT_ELEMENT);
   result.SetEntityAndVarName(values.element_type, quantity.name);
   Assign(result.m_etypzone, values.zone);
   Assign(result.m_subBlockName, values.zone);
+  result.m_zoneid = values.zone_id;
   result.m_nent = static_cast<std::int64_t>(values.ids->size());
   result.m_numl = values.layers;
   result.m_ncoo = static_cast<std::int64_t>(quantity.components.size());
@@ -143,10 +150,10 @@ void BlockWriter::WriteConstant(const Quantity& quantity, const EntityValues& va
 }
 
 void BlockWriter::WriteInState(const StateIndex& index, ORVResult& result, const std::string& described_as) {
-  // Both columns are told apart by their place; the identifier of a row is the state.
-  int identifiers[kIndexColumns] = {index.state, index.state};
-  double row[kIndexColumns] = {index.value, static_cast<double>(index.step)};
-  result.m_nindex = kIndexColumns;
+  // The columns are told apart by their place; the identifier of a row is the state.
+  int identifiers[] = {index.state, index.state};
+  double row[] = {index.value, static_cast<double>(index.step)};
+  result.m_nindex = static_cast<std::int64_t>(IndexColumns());
   result.m_indexident = identifiers;
   result.m_indexval = row;
   result.m_indexvalType = ORV_DOUBLE;
@@ -154,13 +161,17 @@ void BlockWriter::WriteInState(const StateIndex& index, ORVResult& result, const
         fmt::format("{} of state {}", described_as, index.state));
 }
 
-void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity, const EntityValues& values) {
-  ORVResult result = MakeResult(quantity, values);
+void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity, const EntityValues& values,
+                               Extent extent) {
+  ResultBlock result = MakeResult(quantity, values);
+  result.SetExtent(extent);
   WriteInState(index, result, quantity.name);
 }
 
-void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity, const ElementValues& values) {
-  ORVResult result = MakeResult(quantity, values);
+void BlockWriter::WriteInState(const StateIndex& index, const Quantity& quantity, const ElementValues& values,
+                               Extent extent) {
+  ResultBlock result = MakeResult(quantity, values);
+  result.SetExtent(extent);
   WriteInState(index, result, quantity.name + " of " + values.element_type);
 }
 
@@ -169,13 +180,14 @@ void BlockWriter::WriteOverStates(const std::vector<StateIndex>& states, const Q
   std::vector<int> identifiers;
   std::vector<double> rows;
   for (const StateIndex& index : states) {
-    identifiers.insert(identifiers.end(), {index.state, index.state});
-    rows.insert(rows.end(), {index.value, static_cast<double>(index.step)});
+    identifiers.insert(identifiers.end(), IndexColumns(), index.state);
+    rows.push_back(index.value);
+    if (has_steps_) rows.push_back(index.step);
   }
-  ORVResult result = MakeResult(quantity, values);
+  ResultBlock result = MakeResult(quantity, values);
   result.SetBlockType(values.is_complex ? ORV_RESULT_MULTI_ENTITY_COMPLEX : ORV_RESULT_MULTI_ENTITY);
   result.m_nstate = static_cast<std::int64_t>(states.size());
-  result.m_nindex = kIndexColumns;
+  result.m_nindex = static_cast<std::int64_t>(IndexColumns());
   result.m_indexident = identifiers.data();
   result.m_indexval = rows.data();
   result.m_indexvalType = ORV_DOUBLE;

@@ -18,6 +18,7 @@
 #include "importer/history_recorder.h"
 #include "importer/progress.h"
 #include "importer/quantity.h"
+#include "importer/state_writer.h"
 #include "output_file.h"
 #include "trouble.h"
 
@@ -102,13 +103,14 @@ class Translation {
         reader_(options.input),
         output_(options.output),
         writer_(output_.working_path(), options.output.string(), options.version),
+        state_writer_(writer_, options.incremental),
         progress_("importing"),
         histories_(options.histories.nodes, options.histories.elements) {}
 
   ImportSummary Run() {
     RequireWhole();
     header_ = reader_.ReadHeader();
-    if (options_.units) writer_.WriteUnitSystem(*options_.units, OriginOf(header_));
+    WriteOrigin(options_, OriginOf(header_), writer_);
     WriteNodes();
     WriteBlocks();
     WriteNodeSets();
@@ -117,7 +119,8 @@ class Translation {
     PlanResults();
     WriteStates();
     WriteHistories();
-    writer_.WriteIndexTypes({"TIME", "STEP"});
+    writer_.WriteIndexTypes("TIME");
+    if (options_.incremental) summary_.full_states = state_writer_.full_states();
     output_.Commit();
     return summary_;
   }
@@ -294,6 +297,7 @@ class Translation {
         WriteNodalResults(index, set,
                           [&](std::size_t variable) { return reader_.ReadNodeSet(variable, set.number, state); });
       }
+      state_writer_.FinishState();
     }
     if (written_) summary_.states = reader_.states();
   }
@@ -303,8 +307,8 @@ class Translation {
   void WriteNodalResults(const StateIndex& index, Place& place, Read read) {
     for (const PlannedResult& result : place.results) {
       Table table = Gather(result, place.ids.size(), read);
-      writer_.WriteInState(index, *result.quantity,
-                           EntityValues{kNodeType, &place.ids, table.Data(), table.type, false, place.name, place.id});
+      state_writer_.Write(index, *result.quantity,
+                          EntityValues{kNodeType, &place.ids, table.Data(), table.type, false, place.name, place.id});
       written_ = true;
       if (&place == &nodes_) {
         histories_.Take({kNodeType, result.quantity, &place.ids, 1, false, table.type, table.Data()});
@@ -323,7 +327,7 @@ class Translation {
       values.layers = static_cast<int>(result.sources.size());
       values.values = table.Data();
       values.type = table.type;
-      writer_.WriteInState(index, *result.quantity, values);
+      state_writer_.Write(index, *result.quantity, values);
       written_ = true;
       histories_.Take({block.name, result.quantity, &block.ids, result.sources.size(), true, table.type, table.Data()});
     }
@@ -367,6 +371,7 @@ class Translation {
   exodus::Reader reader_;
   OutputFile output_;
   BlockWriter writer_;
+  StateWriter state_writer_;
   Progress progress_;
   QuantityTable quantities_;
   exodus::Header header_;

@@ -1,4 +1,5 @@
-// From the blocks of a .frd file to the blocks of a result file. No more than one state is held in memory.
+// From the blocks of a .frd file to the blocks of a result file. No more than one state is held in memory, or three where
+// states shall hold changes alone.
 
 #include "importer/frd_import.h"
 
@@ -18,6 +19,7 @@
 #include "importer/point_values.h"
 #include "importer/progress.h"
 #include "importer/quantity.h"
+#include "importer/state_writer.h"
 #include "output_file.h"
 #include "trouble.h"
 
@@ -108,17 +110,19 @@ class Translation {
         reader_(options.input),
         output_(options.output),
         writer_(output_.working_path(), options.output.string(), options.version),
+        states_(writer_, options.incremental),
         progress_("importing") {}
 
   ImportSummary Run() {
     const frd::Header header = reader_.ReadHeader();
-    if (options_.units) writer_.WriteUnitSystem(*options_.units, OriginOf(header));
+    WriteOrigin(options_, OriginOf(header), writer_);
     WriteNodes();
     WriteElements(header.materials);
     if (!options_.points.empty()) points_.emplace(options_.points, element_types_, options_.partial);
     WriteStates();
     NoteTablesLeftOver();
-    writer_.WriteIndexTypes({index_name_.empty() ? kNoStates : index_name_, "STEP"});
+    writer_.WriteIndexTypes(index_name_.empty() ? kNoStates : index_name_);
+    NoteStates();
     output_.Commit();
     return summary_;
   }
@@ -228,6 +232,8 @@ class Translation {
       WriteResult(index, state[i], imaginary);
     }
     if (points_) WritePoints(index);
+    states_.FinishState();
+    steps_.insert(index.step);
     state.clear();
   }
 
@@ -252,8 +258,7 @@ class Translation {
     std::vector<float> pairs;
     if (imaginary) pairs = Interleave(real.values, imaginary->values);
     float* values = imaginary ? pairs.data() : real.values.data();
-    writer_.WriteInState(index, quantity,
-                         EntityValues{kNodeType, &real.ids, values, ORV_FLOAT, imaginary != nullptr, {}, 0});
+    states_.Write(index, quantity, EntityValues{kNodeType, &real.ids, values, ORV_FLOAT, imaginary != nullptr, {}, 0});
   }
 
   /// The quantity as the output has it, defined there at its first use.
@@ -271,10 +276,12 @@ class Translation {
     for (PointQuantity& entry : points_->At(index.value)) {
       const Quantity& quantity = Define(std::move(entry.quantity), "POINT");
       for (PointBlock& block : entry.blocks) {
-        const std::string zone = block.has_siblings ? fmt::format("POINTS_{}", block.layers) : "";
-        writer_.WriteInState(
-            index, quantity,
-            ElementValues{block.element_type, &block.ids, block.layers, block.values.data(), ORV_FLOAT, zone});
+        ElementValues values{block.element_type, &block.ids, block.layers, block.values.data(), ORV_FLOAT, "", 0};
+        if (block.has_siblings) {
+          values.zone = fmt::format("POINTS_{}", block.layers);
+          values.zone_id = block.layers;
+        }
+        states_.Write(index, quantity, values);
       }
     }
   }
@@ -286,15 +293,26 @@ class Translation {
                                          options_.points.filename().string()));
   }
 
+  void NoteStates() {
+    if (!options_.incremental) return;
+    summary_.full_states = states_.full_states();
+    if (steps_.size() < 2) return;
+    summary_.notes.push_back(
+        fmt::format("the steps of the states, {} in all, were left out: states that hold changes have one index column",
+                    steps_.size()));
+  }
+
   ImportOptions options_;
   frd::Reader reader_;
   OutputFile output_;
   BlockWriter writer_;
+  StateWriter states_;
   Progress progress_;
   QuantityTable quantities_;
   std::map<int, std::string> element_types_;  ///< by element id
   std::optional<PointValues> points_;
   std::string index_name_;
+  std::set<int> steps_;
   ImportSummary summary_;
 };
 

@@ -15,6 +15,11 @@ namespace orvio::program {
 template <class T>
 std::vector<T> ReadComponent(ResultFile& file, ORVResult& block, int iid, int state);
 
+/// The same for a block that holds at this state nothing but changes: entities x layers, put together from the last full
+/// state on, with the ids of the entities.
+template <class T>
+std::vector<T> ReadMergedComponent(ResultFile& file, ORVResult& block, int iid, int state, std::vector<long long>& ids);
+
 /// Ids of so many entities of a block. Other writers store some that no 32 bits hold, so they are read beside the
 /// values. Entities without ids are numbered.
 std::vector<long long> ReadIds(const ResultFile& file, const ORVResult& block, int state, std::size_t count);

@@ -68,6 +68,50 @@ std::vector<ElementInfo> ReadElements(const std::string& path) {
   return elements;
 }
 
+long long BytesOf(_ORVDataType type) { return type == ORV_DOUBLE || type == ORV_LONG ? 8 : 4; }
+
+/// Bytes of the values and the id of one entity.
+long long BytesPerEntity(ResultFile& file, ORVResult& block, int state) {
+  std::vector<std::string> names;
+  (void)block.GetDatasetNames(ORV_READ_DATA, names);  // always 0
+  std::vector<_ORVDataType> types;
+  (void)block.ReadDatasetFileDataType(file.path().c_str(), state, {names.back()}, types);  // the types tell
+  const bool has_ids = !types.empty() && types.front() != ORV_UNKNOWN_TYPE;
+  const long long layers = block.IsElementResult() ? std::max<long long>(block.m_numl, 1) : 1;
+  const double values =
+      static_cast<double>(block.m_ncoo) * static_cast<double>(layers) * (block.IsComplexBlk() ? 2 : 1);
+  constexpr double kMost = 1e9;  // the header of a damaged file may say anything
+  const auto bytes = static_cast<long long>(std::clamp(values, 0.0, kMost)) *
+                     BytesOf(file.IsDouble(block, state) ? ORV_DOUBLE : ORV_FLOAT);
+  return bytes + (has_ids ? BytesOf(types.front()) : 0);
+}
+
+/// The first state gives the counts to begin with. Changes are of some entities alone: they do not count.
+void AddCounts(const std::vector<long long>& counts, ResultInfo& info) {
+  info.count_min = info.count_max = counts.front();
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    if (std::ranges::binary_search(info.incremental_states, info.states[i])) continue;
+    info.count_min = std::min(info.count_min, counts[i]);
+    info.count_max = std::max(info.count_max, counts[i]);
+  }
+}
+
+/// A state that holds changes would be as large as the last full one before it.
+void AddSizes(ResultFile& file, ORVResult& block, const std::vector<long long>& counts, ResultInfo& info) {
+  if (info.incremental_states.empty()) return;
+  const auto bytes = static_cast<double>(BytesPerEntity(file, block, info.states.front()));
+  double stored = 0, full = 0, last_full = 0;
+  for (std::size_t i = 0; i < info.states.size(); ++i) {
+    const bool is_full = !std::ranges::binary_search(info.incremental_states, info.states[i]);
+    const auto count = static_cast<double>(counts[i]);
+    if (is_full) last_full = count;
+    stored += bytes * count;
+    full += bytes * std::max(count, last_full);
+  }
+  info.stored_bytes = stored;
+  info.full_bytes = full;
+}
+
 ResultInfo Describe(ResultFile& file, ORVResult& block) {
   ResultInfo info;
   info.section = block.IsMultistateBlk() ? "multi-state" : block.IsConstantBlk() ? "constant" : "state";
@@ -79,13 +123,16 @@ ResultInfo Describe(ResultFile& file, ORVResult& block) {
   info.layers = block.m_numl;
   info.count_min = info.count_max = block.m_nent;
   if (info.section == "state") {
+    std::vector<long long> counts;
     for (int state = 1; state <= file.states(); ++state) {
       const long long count = file.CountAt(block, state);
       if (count < 1) continue;
-      info.count_min = info.states.empty() ? count : std::min(info.count_min, count);
-      info.count_max = info.states.empty() ? count : std::max(info.count_max, count);
       info.states.push_back(state);
+      counts.push_back(count);
+      if (file.IsIncremental(block, state)) info.incremental_states.push_back(state);
     }
+    if (!counts.empty()) AddCounts(counts, info);
+    AddSizes(file, block, counts, info);
   }
   info.value_type = file.IsDouble(block, info.states.empty() ? 0 : info.states.front()) ? "double" : "float";
   return info;
@@ -105,6 +152,13 @@ void Add(FileModel& model, ResultInfo info) {
     if (std::ranges::find(known->states, state) == known->states.end()) known->states.push_back(state);
   }
   std::ranges::sort(known->states);
+  known->incremental_states.insert(known->incremental_states.end(), info.incremental_states.begin(),
+                                   info.incremental_states.end());
+  std::ranges::sort(known->incremental_states);
+  const auto twins = std::ranges::unique(known->incremental_states);
+  known->incremental_states.erase(twins.begin(), twins.end());
+  known->stored_bytes += info.stored_bytes;
+  known->full_bytes += info.full_bytes;
 }
 
 std::string TextOrNothing(const char* text) { return text ? TextOf(text) : ""; }

@@ -38,6 +38,9 @@ struct ResultInfo {
   long long count_min = 0, count_max = 0;  ///< over the states
   long long layers = 0;                    ///< of element results
   std::vector<int> states;                 ///< 1-based, where it is stored by state
+  std::vector<int> incremental_states;     ///< those that hold nothing but what changed
+  double stored_bytes = 0;                 ///< of values and ids over the states, before compression
+  double full_bytes = 0;                   ///< what they would be if all states were full
 };
 
 struct FileModel {

@@ -7,10 +7,12 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <utility>
 
 #include "reading/file_model.h"
 #include "reading/units.h"
 #include "reading/words.h"
+#include "trouble.h"
 
 namespace orvio::program {
 namespace {
@@ -118,6 +120,66 @@ long long ResultFile::CountAt(const ORVResult& result, int state) const {
 bool ResultFile::IsDouble(ORVResult& result, int state) {
   std::vector<ORVResult*> list = {&result};
   return filer_.IsResultValueInDoublePrecision(list, state);
+}
+
+bool ResultFile::IsIncremental(const ORVResult& result, int state) const {
+  if (state < 1 || !result.IsSingleStatePath() || !result.IsSinglestateBlk()) return false;
+  ORVResult block = result;
+  return block.ReadBlock(path_.c_str(), state, ORV_READ_HEADER) == 0 && block.IsIncremental();
+}
+
+namespace {
+
+/// The rows of a block's index. Their array is freed with it.
+class OwnIndex : public ORVIncrIndex {
+ public:
+  OwnIndex() = default;
+  OwnIndex(const OwnIndex&) = delete;
+  OwnIndex& operator=(const OwnIndex&) = delete;
+  ~OwnIndex() override { ClearAll(); }
+};
+
+}  // namespace
+
+/// States stand in the order of their identifiers. Of several with the same one the first counts.
+const StateOrder& ResultFile::OrderOf(ORVResult& result) {
+  const auto [place, is_new] = orders_.try_emplace(result.GetBlkPath());
+  StateOrder& order = place->second;
+  OwnIndex index;
+  std::vector<int> states, flags;
+  if (!is_new || !result.IsSingleStatePath() || filer_.ReadIncrIndex(result, index, 1) != 0) return order;
+  if (index.GetNumIndex() != 1 || index.GetStateIncrFlagInfo(states, flags) != 0) return order;
+  std::map<int, std::size_t> rows;
+  for (std::size_t row = 0; row < states.size(); ++row) rows.emplace(index.GetIndexIds()[row], row);
+  for (const auto& [identifier, row] : rows) {
+    order.states.push_back(states[row]);
+    order.holds_changes.push_back(flags[row] != 0);
+  }
+  return order;
+}
+
+/// A filer has one map, made from one block. It serves all blocks whose states are in the same order.
+StateChain ResultFile::ChainOf(ORVResult& result, int state) {
+  constexpr bool kAnew = true;
+  const StateOrder& order = OrderOf(result);
+  const auto place = std::ranges::find(order.states, state);
+  const bool is_mapped = order == mapped_ || filer_.BuildGlobalIncrMap(result, 1, kAnew) == 0;
+  if (place == order.states.end() || !is_mapped) {
+    throw Trouble(path_,
+                  fmt::format("block {} holds changes in state {}, and there is no telling what they build upon",
+                              result.GetBlkPath(), state),
+                  "its states must have one index column, with an identifier of their own each");
+  }
+  mapped_ = order;
+  auto first = static_cast<std::size_t>(place - order.states.begin());
+  const std::size_t last = first;
+  while (first > 0 && order.holds_changes[first]) --first;
+  StateChain chain;
+  chain.base = order.states[first];
+  for (std::size_t i = first + 1; i <= last; ++i) {
+    if (order.states[i] <= state) chain.changes.push_back(order.states[i]);
+  }
+  return chain;
 }
 
 }  // namespace orvio::program

@@ -4,10 +4,34 @@
 #include <orvio/orvio.h>
 
 #include <cstddef>
+#include <map>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvio::program {
+
+/// The states of a result in the order in which they build upon each other, with what each holds.
+struct StateOrder {
+  bool operator==(const StateOrder&) const = default;
+
+  std::vector<int> states;  ///< 1-based; empty where their index cannot be read or has several columns
+  std::vector<bool> holds_changes;
+};
+
+/// What the values of a state are made of.
+struct StateChain {
+  int base = 0;              ///< the state that is read as it stands
+  std::vector<int> changes;  ///< those whose changes follow, in order
+};
+
+/// A filer that shows the index of a block.
+class IndexFiler : public ORVFiler {
+ public:
+  using ORVFiler::ORVFiler;
+  using ORVFiler::ReadIncrIndex;
+};
 
 /// A filer after its start-up. What the library tells goes to standard error. One object at a time.
 class ResultFile {
@@ -43,13 +67,24 @@ class ResultFile {
   /// Whether the values of a result are doubles in a state.
   bool IsDouble(ORVResult& result, int state);
 
+  /// Whether a result holds in a state nothing but what changed.
+  bool IsIncremental(const ORVResult& result, int state) const;
+  const StateOrder& OrderOf(ORVResult& result);
+  /// Also makes the filer's map of states one that is right for this result. Throws Trouble.
+  StateChain ChainOf(ORVResult& result, int state);
+  /// True the first time that it is asked for a result and a state: what was found in order need not be looked at again.
+  bool IsFirstLook(const ORVResult& result, int state) { return seen_.emplace(result.GetBlkPath(), state).second; }
+
  private:
   std::size_t IndexColumns();
 
   std::string path_;
   int states_;
   bool knows_all_results_ = false;
-  ORVFiler filer_;
+  std::map<std::string, StateOrder> orders_;  ///< by the path of the block
+  std::set<std::pair<std::string, int>> seen_;
+  StateOrder mapped_;  ///< that of the filer's map
+  IndexFiler filer_;
 };
 
 }  // namespace orvio::program

@@ -82,9 +82,15 @@ template <class T>
 BlockColumns<T> ReadColumns(ResultFile& file, ORVResult& block, const std::vector<ComponentColumn>& columns, int state,
                             std::size_t states) {
   BlockColumns<T> read;
-  const auto count = static_cast<std::size_t>(file.CountAt(block, state));
   read.parts = block.IsComplexBlk() ? 2 : 1;
   read.layers = block.IsElementResult() ? static_cast<std::size_t>(std::max<std::int64_t>(block.m_numl, 1)) : 1;
+  if (file.IsIncremental(block, state)) {
+    for (const ComponentColumn& column : columns) {
+      read.values.push_back(ReadMergedComponent<T>(file, block, column.iid, state, read.ids));
+    }
+    return read;
+  }
+  const auto count = static_cast<std::size_t>(file.CountAt(block, state));
   for (const ComponentColumn& column : columns) {
     read.values.push_back(ReadComponent<T>(file, block, column.iid, state));
     if (read.values.back().size() != states * count * read.layers * read.parts) RefuseBlock(file, block);
@@ -144,8 +150,10 @@ ValueTable ReadTable(ResultFile& file, const ValueRequest& request, const FoundQ
   const std::vector<ComponentColumn> columns = ColumnsOf(file, request, quantity, block);
   ValueTable table = Describe(block, quantity, columns);
   table.state = block.IsConstantBlk() ? 0 : state;
-  return file.IsDouble(block, state) ? ReadTable<double>(file, request, block, columns, std::move(table))
-                                     : ReadTable<float>(file, request, block, columns, std::move(table));
+  const bool is_double = file.IsDouble(block, state) ||
+                         (file.IsIncremental(block, state) && file.IsDouble(block, file.ChainOf(block, state).base));
+  return is_double ? ReadTable<double>(file, request, block, columns, std::move(table))
+                   : ReadTable<float>(file, request, block, columns, std::move(table));
 }
 
 constexpr int kOverStates = -1;  // state argument of blocks that hold all states
