@@ -8,6 +8,7 @@
 #include "orvio/orv_ent_attribute.h"
 #include "orvio/orv_entity_type.h"
 #include "orvio/orv_ext_var.h"
+#include "orvio/orv_incr_index.h"
 #include "orvio/orv_index.h"
 #include "orvio/orv_properties.h"
 #include "orvio/orv_result.h"
@@ -79,7 +80,8 @@ class ORVIO_EXPORT ORVFiler {
   /// `mode` 1 of all from `state` on. `added` counts those without a twin in the list. `nextId` is the next free id of a
   /// handle; -1 for the one after the largest.
   int UpdateContainer(int state, int& added, int nextId, int mode);
-  /// For a file that has grown: extents of the multi-state results are read anew, state indexes at their next demand.
+  /// For a file that has grown: extents of the multi-state results are read anew, state indexes at their next demand. The
+  /// indexes of GetTagIncrIndex and AppendTagedIndex are deleted, and the map of BuildGlobalIncrMap.
   void InitForReload();
 
   // ---- Messages and switches
@@ -255,6 +257,83 @@ class ORVIO_EXPORT ORVFiler {
   int GetIndexValues(ORVIndexBase<int, float>* index, int column, std::vector<float>& vals);
   bool IsIndexExist(const char* name, int& column);  ///< position of an index type; false and -1 without it
 
+  // ---- Incremental data. A block may hold in a state only the entities whose data changed: the whole is then made of the
+  // last full state and those after it. The filer keeps an index of states for each block asked about, by name, and one
+  // map of what each state builds upon for the whole file.
+
+  bool HasIncremetalData();           ///< whether the file says so: a part of its solver's name, split at ':', is "INC"
+  bool IsIncrBlock(ORVBlock* block);  ///< whether any state of a block is incremental; reads the file
+  /// False for blocks of other kinds than entity and element results of single states.
+  bool IsResultIncrementalAtGivenState(ORVResult& result, int state);
+  /// False for one of the constant section.
+  bool IsAttributeIncrementalAtGivenState(ORVEntAttribute& attribute, int state);
+
+  /// The index of a result's states: that of its zone, or with `withZone` false one over the blocks of all zones. Owned by
+  /// the filer, which deletes it with all that was read and in InitForReload; null where it cannot be read.
+  ORVTagIncrIndex* GetTagIncrIndex(ORVResult& result, bool withZone);
+  /// The index of that name, read from `block` with `create`; the number of its columns comes from `state`.
+  ORVTagIncrIndex* GetTagIncrIndex(ORVBlock& block, std::string& name, int state, bool create);
+  void GetTagIncrIndexName(ORVResult& result, std::string& name, bool withZone);
+  /// Adds an index made with new, its arrays in one allocation of the C allocator: both then belong to the filer. False,
+  /// with nothing taken, for null and for a name that is there.
+  bool AppendTagedIndex(ORVTagIncrIndex* index);
+  void ClearIncrIndex(ORVTagIncrIndex* index);  ///< empties it and its name; it stays with the filer
+
+  /// Appends a record for each state of a block, in the order of their index identifiers: the caller deletes them. The
+  /// number of columns is looked for in `state` first. 1 with nothing appended for a block that cannot be read, for an
+  /// index of more than one column, and where so many states build upon each other that the records would take 64 MiB.
+  int GetIncrStateMap(ORVBlock& block, std::vector<ORVIncrStateMap*>& map, int state);
+  int GetIncrStateMap(ORVIncrIndex& index, std::vector<ORVIncrStateMap*>& map);
+  /// Makes the map of the file from the states of one block, or again with `force`.
+  int BuildGlobalIncrMap(ORVBlock& block, int state, bool force);
+
+  /// Reads an attribute as it stands at a state, changes of earlier states included; other blocks are left alone. Entities
+  /// that only a change has are added with `appendNew`, without titles. With `useGlobalMap` the map of the file tells the
+  /// states, else that of the block. A block not met in a state before is looked for from `state` down to 2. Arrays that
+  /// it has are forgotten, not freed; the new ones are those of ReadEntAttribute: CleanUpEntAttribute frees them. A change
+  /// that cannot be read is left out. 1 when no state could be read, for other blocks, for an index of several columns,
+  /// and when memory runs out: the block may have arrays then, to be cleaned up as well.
+  int ReadIncrDataValues(ORVBlock* block, int state, bool appendNew, bool useGlobalMap);
+  /// GetValues for blocks of one value per entity, with the changes of earlier states applied. The entities are those of
+  /// the last full state. A change that cannot be read is left out. All blocks should hold entities of one numbering: of
+  /// those that share an id only the last changes. Without a map of the file the first block gives it. 1 also for an
+  /// empty list and for a null first block.
+  int GetIncrValues(ORVResultValuesBase<float, int>& values, std::vector<ORVResult*>& blocks, int extId, int resultType,
+                    const char* variable);
+  int GetIncrValues(ORVResultValuesBase<double, int>& values, std::vector<ORVResult*>& blocks, int extId,
+                    int resultType, const char* variable);
+
+  // ---- Questions about the model. They read what they need; a failure answers 0, false or null. Arrays come from the C
+  // allocator and are the caller's. The counts of the blocks handed in are renewed for the state asked for.
+
+  /// Entities of all blocks at a state. A block with a count of 0 is not looked at any more.
+  int GetEntityCount(std::vector<ORVResult*>& results, int state);
+  int GetMaxEntityCountOverStates(std::vector<ORVResult*>& results);
+  /// Ids of the entities, block behind block: the answer is their number. `second` is set to null. Either may be null.
+  int GetEntityIds(std::vector<ORVResult*>& results, int state, int** ids, int** second);
+  int GetNodeCoordinateIds(int** ids, int state, int** second);  ///< those of GetNodeCoordinateBlocks
+  /// Ids of the frames that entities have of their own, block behind block; blocks without them are passed over. Where no
+  /// block has entities at the state `ids` is left as it is.
+  int GetResultFrameIds(std::vector<ORVResult*>& results, int state, int** ids);
+  /// Entity types and element types of the connectivities of a state, one entry of each per block: the answer is their
+  /// number.
+  int GetEntityTypesHavingConnectivity(int state, std::vector<std::string>& types,
+                                       std::vector<std::string>& elementTypes);
+  /// Zone of the results: 1 if any has it, else that of the last one. `largest` is the largest number of layers.
+  int GetZoneId(int& largest);
+
+  int GetMaxFluidParticleCount();                                        ///< over all states
+  int GetFluidParticleCountFromConstant();                               ///< of the constant section
+  void GetFluidParticleCoordinateRes(std::vector<ORVResult*>& results);  ///< appends the blocks of their coordinates
+  /// Values and ids of the fluid particles at a state: the answer is the number of ids.
+  int ReadFluidParticleSize(int state, const char* variable, int** ids, float** values);
+  int ReadFluidParticleCoordinate(int state, int** ids, float** values);
+
+  bool IsComposite();     ///< an attribute "COMPLAYER" stands in the constant section
+  bool IsModularData();   ///< identifiers "MODULE_HIERARCHY" stand in the constant section
+  bool IsCATCSMOutput();  ///< a group "CATCSM" stands at the root; asked once and remembered
+  bool HasFPM();          ///< the third part of the solver's name, split at ':', is "FPM"
+
   // ---- Entity types
 
   /// Gives a number to every name that the file uses for a family of elements. New ones take the host's numbers from
@@ -346,7 +425,13 @@ class ORVIO_EXPORT ORVFiler {
   void InitProperityBlockReading(int& nextId, bool force);
   void ReadStateIndex(bool force);
   void ReadMultiStateIndex(bool force);
-  void ClearAll();  ///< frees all that was read
+  int GetIncrStateInfo(ORVResult& result, std::vector<int>& states, std::vector<int>& flags);
+  /// Allocates an index for the states of a block and fills it. The index must be empty, as its arrays are not freed; it
+  /// is left empty where it cannot be filled. The number of columns comes from `state`, or the first other one that has
+  /// the block.
+  int ReadIncrIndex(ORVBlock& block, ORVIncrIndex& index, int state);
+  void TestIncrRead();  ///< tells the message callback how incremental data read, and how long it took
+  void ClearAll();      ///< frees all that was read
 
  private:
   int ReadResults(int& nextId);

@@ -14,6 +14,7 @@
 #include "orvio/orv_entity_type.h"
 #include "orvio/orv_ext_var.h"
 #include "orvio/orv_filer.h"
+#include "orvio/orv_incr_index.h"
 #include "orvio/orv_index.h"
 #include "orvio/orv_part.h"
 #include "orvio/orv_predicate.h"

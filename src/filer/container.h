@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "entity/incr_states.h"
 #include "orvio/orv_buffer.h"
 #include "orvio/orv_definitions.h"
 #include "orvio/orv_ext_var.h"
+#include "orvio/orv_incr_index.h"
 #include "orvio/orv_index.h"
 #include "orvio/orv_system.h"
 #include "orvio/orv_types.h"
@@ -47,6 +49,9 @@ struct ORVContainer {
   struct StaleIndexes {
     bool state = false, state_dp = false, multi_state = false;
   } stale_indexes;
+
+  std::vector<ORVTagIncrIndex*> m_tagIncrIndexes;        ///< in the order of first use; owned, with their arrays
+  std::unique_ptr<orvio::IncrStateMap> m_globalIncrMap;  ///< none until built
 
   std::vector<ORVUnit*> base_units;       ///< owned
   std::vector<ORVUnit*> derived_units;    ///< owned, each an ORVDUnit

@@ -10,6 +10,7 @@
 #include "filer/cached_data.h"
 #include "filer/container.h"
 #include "filer/process_state.h"
+#include "filer/tag_indexes.h"
 #include "h5/handle.h"
 #include "h5/reader_pool.h"
 #include "h5/status.h"
@@ -68,6 +69,7 @@ void ClearContainer(ORVContainer& container) {
   DeleteWithBuffers(container.system);
   DeleteWithBuffers(container.index_types);
   ClearStateIndexes(container);
+  ClearIncrIndexes(container);
   DeleteAll(container.ext_vars);
   DeleteWithBuffers(container.variables);
   DeleteWithBuffers(container.variable_groups);
@@ -83,28 +85,11 @@ void ClearContainer(ORVContainer& container) {
   container.filter_memo.clear();
 }
 
-namespace {
-
-/// A reader of a file for the length of a question.
-class ShortLease {
- public:
-  explicit ShortLease(const char* file) : reader_(OH5ReaderPool::Get().Request(file, H5F_ACC_RDONLY)) {}
-  ~ShortLease() { (void)OH5ReaderPool::Get().Release(reader_); }  // reading only: nothing to lose
-  ShortLease(const ShortLease&) = delete;
-  ShortLease& operator=(const ShortLease&) = delete;
-  IOH5Reader* operator->() const { return reader_; }
-
- private:
-  IOH5Reader* reader_;
-};
-
-}  // namespace
-
 ORVFileVersion* VersionOnDemand(ORVContainer& container) {
   if (container.version) return container.version.get();
   container.version = std::make_unique<ORVFileVersion>();
   if (!container.path.empty()) {
-    const ShortLease reader(container.path.c_str());
+    const h5::ShortLease reader(container.path.c_str());
     ORVFileVersion& version = *container.version;
     // A file that cannot be read has version 0.0.0 from now on: hosts ask often.
     (void)reader->ReadFileVersion(version.m_major, version.m_minor, version.m_patch);
@@ -119,7 +104,7 @@ int AvailableDatasets(const ORVContainer& container) {
 }
 
 bool FileHasRootGroup(const char* file, const char* name) {
-  const ShortLease reader(file);
+  const h5::ShortLease reader(file);
   const h5::Group group(reader->OpenGroup(reader->GetFileId(), name, H5P_DEFAULT));
   return static_cast<bool>(group);
 }

@@ -1,5 +1,7 @@
 // What a filer learns from states beyond the first: UpdateContainer.
 
+#include <vector>
+
 #include "filer/container.h"
 #include "filer/later_states.h"
 #include "filer/start_up.h"
@@ -16,15 +18,12 @@ int ORVFiler::UpdateContainer(int state, int& added, int nextId, int mode) {
   if (!m_pData || state == 1) return kOk;
   return h5::Entry(kFail, [&] {
     int next_id = nextId == -1 ? NextHandleId(m_pData->ext_vars) : nextId;
-    const auto [first, last] = LaterStates(*m_pData, state, mode == kToTheEnd);
-    for (std::int64_t s = first; s <= last; ++s) {
-      auto later = FindLaterResults(*m_pData, static_cast<int>(s), added);
-      std::vector<ORVResult*> blocks;
-      blocks.reserve(later.size());
-      m_pData->single_results.reserve(m_pData->single_results.size() + later.size());
-      for (auto& block : later) blocks.push_back(block.get());
-      for (auto& block : later) m_pData->single_results.push_back(block.release());
-      (void)AssociateVariables(blocks, next_id, kServesSingleState);  // always 0
+    LaterResults later(*m_pData);
+    const auto [first, last] = later.States(state, mode == kToTheEnd);
+    std::vector<ORVResult*> taken;
+    for (int s = first; s <= last; ++s) {
+      if (later.Take(s, taken, added) != kOk) return kFail;
+      (void)AssociateVariables(taken, next_id, kServesSingleState);  // always 0
     }
     return kOk;
   });

@@ -10,6 +10,7 @@
 
 #include "entity/generic_types.h"
 #include "filer/messages.h"
+#include "filer/tag_indexes.h"
 #include "h5/status.h"
 #include "h5/text_field.h"
 #include "orvio/orv_properties.h"
@@ -91,6 +92,7 @@ void PrepareReload(ORVContainer& data) {
                                 ORV_ATT_NSTATE);  // unreadable: as it was
   }
   data.stale_indexes = {true, true, true};
+  ClearIncrIndexes(data);
 }
 
 }  // namespace orvio

@@ -35,8 +35,8 @@ bool HasSecuredNode(const std::vector<ORVProperties*>& properties);
 /// The id after the largest of the handles, at least 1.
 int NextHandleId(const std::vector<ORVExtVar*>& handles);
 
-/// For a file that has grown: drops what follows from its elements, reads the number of states of the multi-state
-/// results anew, and lets the next demand read the state indexes.
+/// For a file that has grown: drops what follows from its elements and the incremental indexes, reads the number of states
+/// of the multi-state results anew, and lets the next demand read the state indexes.
 void PrepareReload(ORVContainer& data);
 
 }  // namespace orvio

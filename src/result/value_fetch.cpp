@@ -35,6 +35,7 @@ class ValueFetch {
   void ReadBlocks();
   std::uint64_t values_read() const { return values_read_; }
   std::uint64_t ids_read() const { return ids_read_; }
+  const std::vector<FetchedRange>& stored_ids() const { return stored_ids_; }
 
   /// Where the arrays are in the end.
   void Moved(void* values, int* ids) {
@@ -65,6 +66,8 @@ class ValueFetch {
   int* ids_;
   std::uint64_t values_read_ = 0;
   std::uint64_t ids_read_ = 0;
+  std::vector<FetchedRange> stored_ids_;
+  bool block_has_ids_ = false;  ///< the last block whose ids were asked for is stored with them
   bool full_ = false;
   bool delivered_ = false;
   std::vector<Place> places_;
@@ -77,11 +80,12 @@ std::uint64_t DeliveredBy(const ORVResult& block, const ORVHyperSlab& slab, std:
 
 void ValueFetch::ReadBlocks() {
   places_.reserve(plan_.shares().size());
-  const bool one_by_one = request_.one_by_one && plan_.ext_id() != -1;
+  const bool by_name = plan_.ext_id() == -1;
+  const bool one_by_one = request_.one_by_one && !by_name;
   for (FetchShare& share : plan_.shares()) {
     ORVResult& block = *share.block;
     block.m_fetchSkip = 1;
-    if (share.values == 0 && !one_by_one) continue;
+    if (share.values == 0 && by_name) continue;  // not even looked at
     places_.push_back({&block, values_read_, ids_read_, false});
     const Swapped type(block.m_resType, request_.type);
     const Swapped id_type(block.m_entidType, request_.want_ids ? ORV_INT : block.m_entidType);
@@ -91,7 +95,9 @@ void ValueFetch::ReadBlocks() {
     block.m_fetchSkip = 0;
     places_.back().holds_values = true;
     values_read_ += values;
+    const std::uint64_t first_id = ids_read_;
     ids_read_ += static_cast<std::uint64_t>(block.m_nent);
+    if (request_.want_ids && block_has_ids_) stored_ids_.push_back({first_id, ids_read_});
   }
 }
 
@@ -109,10 +115,10 @@ std::uint64_t ValueFetch::Read(const FetchShare& share, ORVHyperSlab& slab, bool
   const int status = whole
                          ? block.ReadBlock(request_.file, state, ORV_READ_DATA)
                          : block.ReadSelectiveAttribute(request_.file, state, ORV_READ_DATA, ORV_ATT_RES, slab, false);
-  const bool ids_missing = with_ids && !block.m_readIds;  // the read says so
+  if (with_ids) block_has_ids_ = block.m_readIds != 0;  // the read says so
   block.m_readIds = 0;
   if (status != kOk) return 0;
-  if (ids_missing) std::fill_n(ids_ + ids_read_, block.m_nent, 0);
+  if (with_ids && !block_has_ids_) std::fill_n(ids_ + ids_read_, block.m_nent, 0);
   return whole ? SlabValues(slab) : DeliveredBy(block, slab, SlabValues(slab));
 }
 
@@ -123,7 +129,7 @@ std::uint64_t ValueFetch::Read(const FetchShare& share, ORVHyperSlab& slab, bool
 /// component by component. Pinned by ValueFetch.EndsAtABlockWhoseComponentsLieApart.
 std::uint64_t ValueFetch::ReadAtOnce(FetchShare& share) {
   const std::uint64_t values = SlabValues(share.slab);
-  if (values == 0 || share.absent) return 0;
+  if (values == 0 || share.values == 0 || share.absent) return 0;
   full_ = values > plan_.values() - values_read_;
   if (full_) return 0;
   const auto read = [&](ORVHyperSlab& slab, bool whole) {
@@ -164,7 +170,7 @@ void ValueFetch::PointBlocksAtAnswer() {
 
 template <class T>
 int FetchValues(const char* file, ORVResultValuesBase<T, int>& values, const std::vector<ORVResult*>& blocks,
-                const FetchQuantity& quantity) {
+                const FetchQuantity& quantity, std::vector<FetchedRange>* stored_ids) {
   if (!file) return kFail;
   return h5::Entry(kFail, [&] {
     const FetchRequest request = {
@@ -183,6 +189,7 @@ int FetchValues(const char* file, ORVResultValuesBase<T, int>& values, const std
     ValueFetch fetch(request, plan, arrays.values(), arrays.ids());
     fetch.ReadBlocks();
     if (fetch.values_read() == 0) return kFail;
+    if (stored_ids) *stored_ids = fetch.stored_ids();
     arrays.Deliver(fetch.values_read(), fetch.ids_read());
     fetch.Moved(values.m_values, values.m_ids);
     return kOk;
@@ -190,8 +197,8 @@ int FetchValues(const char* file, ORVResultValuesBase<T, int>& values, const std
 }
 
 template int FetchValues(const char*, ORVResultValuesBase<float, int>&, const std::vector<ORVResult*>&,
-                         const FetchQuantity&);
+                         const FetchQuantity&, std::vector<FetchedRange>*);
 template int FetchValues(const char*, ORVResultValuesBase<double, int>&, const std::vector<ORVResult*>&,
-                         const FetchQuantity&);
+                         const FetchQuantity&, std::vector<FetchedRange>*);
 
 }  // namespace orvio

@@ -36,6 +36,9 @@ class FetchArrays {
   T* values() { return own_values_ ? own_values_.get() : holder_.m_values; }
   int* ids() { return own_ids_ ? own_ids_.get() : holder_.m_ids; }
 
+  /// Notes that the array of ids has less room than the capacity says.
+  static void MarkIdsAsShort(Holder& holder) { holder.m_spare = MarkOf(holder.m_ids); }
+
   /// Hands the arrays to the holder, with the counts of what was read.
   void Deliver(std::uint64_t values, std::uint64_t ids) {
     holder_.m_idCount = static_cast<int>(ids);
@@ -77,7 +80,7 @@ class FetchArrays {
       if (!Resize(holder_.m_ids, capacity)) return false;
       holder_.m_spare = kNoMark;
     } else if (ids_lag) {
-      holder_.m_spare = MarkOf(holder_.m_ids);
+      MarkIdsAsShort(holder_);
     }
     holder_.m_capacity = capacity;
     return true;

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,6 +27,12 @@ ForgedValues Result(const std::string& variable, int kind = 1000) {
   result.nent = 2;
   result.numl = 1;
   return result;
+}
+
+ForgedValues Deeper(const std::string& variable) {
+  ForgedValues deeper = Result(variable);
+  deeper.group_name = "Deeper";
+  return deeper;
 }
 
 /// Heat in all states, Speed from the second, Force in the third alone.
@@ -49,6 +57,17 @@ class LaterStates : public orv_test::OrvTest {
     for (const ORVResult* result : filer().GetResultList(1)) names.emplace_back(result->m_etypvar);
     return names;
   }
+  std::vector<std::string> Paths() {
+    std::vector<std::string> paths;
+    for (const ORVResult* result : filer().GetResultList(1)) paths.push_back(result->GetBlkPath());
+    return paths;
+  }
+  /// Of the file as it is now.
+  int Added(int state, int mode = 0) {
+    int added = -1;
+    EXPECT_EQ(filer().UpdateContainer(state, added, -1, mode), 0);
+    return added;
+  }
 
   ForgedModel model_;
   std::unique_ptr<ORVFiler> filer_;
@@ -70,6 +89,13 @@ TEST_F(LaterStates, OfTheFirstStateAddNothing) {
   EXPECT_EQ(filer().UpdateContainer(1, added, -1, 0), 0);
   EXPECT_EQ(added, 0);
   EXPECT_THAT(Names(), ElementsAre("Heat"));
+}
+
+TEST_F(LaterStates, BelowOneLeaveOutWhatTheFirstHasGainedSince) {
+  ASSERT_THAT(Names(), ElementsAre("Heat"));
+  model_.in_state(1, Deeper("Heat"));
+  EXPECT_EQ(Added(0), 2);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Speed", "Force"));
 }
 
 TEST_F(LaterStates, OfOneStateAreItsOwn) {
@@ -101,30 +127,135 @@ TEST_F(LaterStates, TakeIdsFromAGivenCounter) {
 }
 
 TEST_F(LaterStates, BeyondTheLastAddNothing) {
-  for (const int state : {4, INT_MAX}) {
-    int added = -1;
-    EXPECT_EQ(filer().UpdateContainer(state, added, -1, 0), 0);
-    EXPECT_EQ(added, 0);
+  for (const int mode : {0, 1}) {
+    for (const int state : {4, INT_MAX}) EXPECT_EQ(Added(state, mode), 0) << state << ", mode " << mode;
   }
+  EXPECT_THAT(Names(), ElementsAre("Heat"));
 }
 
-TEST_F(LaterStates, WithATwinUnderAnotherPathKeepTheBlockWithoutCountingIt) {
-  ForgedValues deeper = Result("Heat");
-  deeper.group_name = "Deeper";
-  model_.in_state(2, deeper);
+TEST_F(LaterStates, OfAMissingFileAddNothing) {
+  ASSERT_THAT(Names(), ElementsAre("Heat"));
+  ASSERT_EQ(std::remove(model_.path().c_str()), 0);
+  for (const int state : {0, 2}) {
+    for (const int mode : {0, 1}) EXPECT_EQ(Added(state, mode), 0) << state << ", mode " << mode;
+  }
+  EXPECT_THAT(Names(), ElementsAre("Heat"));
+}
+
+TEST_F(LaterStates, ThatLeadNowhereAddNothingAndKeepTheirPosition) {
+  model_.file().at("/post/singlestate").soft_link("state000000000001b", "/not/there");
+  EXPECT_EQ(Added(2), 0);
+  EXPECT_EQ(Added(3), 1);  // the one with the number 2
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Speed"));
+}
+
+// ---- What they are added with
+
+TEST_F(LaterStates, GiveThePathsTheirResultsAreReadUnder) {
+  ASSERT_EQ(Added(3), 2);
+  EXPECT_THAT(Paths(), ElementsAre("/post/singlestate/state000000000001/entityresults/NODE/Heat/orvblock",
+                                   "/post/singlestate/state000000000003/entityresults/NODE/Speed/orvblock",
+                                   "/post/singlestate/state000000000003/elementresults/NODE/Force/orvblock"));
+  EXPECT_EQ(filer().GetResultList(1)[2]->m_nent, 2);
+}
+
+TEST_F(LaterStates, BehindALinkGiveThePathOfTheLink) {
+  model_.in_state(2, Result("Force"));
+  model_.file().at("/post/singlestate").soft_link("state000000000004", ForgedModel::StateGroup(2));
+  ASSERT_EQ(Added(4), 2);
+  EXPECT_THAT(Paths(), ElementsAre("/post/singlestate/state000000000001/entityresults/NODE/Heat/orvblock",
+                                   "/post/singlestate/state000000000004/entityresults/NODE/Force/orvblock",
+                                   "/post/singlestate/state000000000004/entityresults/NODE/Speed/orvblock"));
+}
+
+class LaterStatesOfASplitFile : public orv_test::OrvTest {};
+
+TEST_F(LaterStatesOfASplitFile, GiveThePathsTheirResultsAreReadUnder) {
+  ForgedModel model(ForgedModel::kSplit);
+  model.variable({.name = "Heat"}).variable({.name = "Speed"});
+  model.in_state(1, Result("Heat")).in_state(2, Result("Speed"));
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
   int added = -1;
-  EXPECT_EQ(filer().UpdateContainer(2, added, -1, 0), 0);
-  EXPECT_EQ(added, 1);
-  EXPECT_THAT(Names(), testing::UnorderedElementsAre("Heat", "Heat", "Speed"));
+  ASSERT_EQ(filer.UpdateContainer(0, added, -1, 0), 0);
+  ASSERT_EQ(added, 1);
+  EXPECT_EQ(filer.GetResultList(1)[1]->GetBlkPath(), "/post/singlestate/state000000000002/entityresults/NODE/Speed");
+}
+
+// ---- Twins
+
+std::string HeatInState2() { return ForgedModel::StateGroup(2) + "/entityresults/NODE/Heat"; }
+
+TEST_F(LaterStates, WithATwinUnderAnotherPathKeepTheBlockWithoutCountingIt) {
+  model_.in_state(2, Deeper("Heat"));
+  EXPECT_EQ(Added(2), 1);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Heat", "Speed"));
+  const ORVResult* kept = filer().GetResultList(1)[1];
+  EXPECT_EQ(kept->GetBlkPath(), HeatInState2() + "/Deeper/orvblock");
+  EXPECT_NE(kept->m_variable, nullptr);
+  EXPECT_EQ(kept->m_variable, filer().GetVariable("Heat"));
+}
+
+TEST_F(LaterStates, UnderAPathThatAnotherOfThemHasAreNotKeptAgain) {
+  model_.in_state(2, Deeper("Heat")).in_state(3, Deeper("Heat"));
+  EXPECT_EQ(Added(0), 2);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Heat", "Speed", "Force"));
+}
+
+TEST_F(LaterStates, WithOneTwinUnderTheirPathAndOneUnderAnotherAddNothing) {
+  model_.in_state(1, Deeper("Heat")).in_state(2, Deeper("Heat"));
+  EXPECT_EQ(Added(2), 1);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Heat", "Speed"));
+}
+
+TEST_F(LaterStates, OfOneIdentityInOneStateAreBothCounted) {
+  model_.in_state(2, Deeper("Speed"));
+  EXPECT_EQ(Added(2), 2);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Speed", "Speed"));
+}
+
+TEST_F(LaterStates, AreHiddenByAConstantResultOfTheirIdentityAndPath) {
+  model_.in_constant(Result("Speed"));
+  EXPECT_EQ(Added(2), 0);
+  EXPECT_THAT(Names(), ElementsAre("Speed", "Heat"));
+  EXPECT_TRUE(filer().GetResultList(1)[0]->IsConstantBlk());
+}
+
+TEST_F(LaterStates, ThatDifferFromATwinInCaseAloneAddNothing) {
+  model_.file().at(HeatInState2() + "/orvblock").text("etypvar", "HEAT").text("etyp", "node");
+  EXPECT_EQ(Added(2), 1);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Speed"));
 }
 
 TEST_F(LaterStates, OfAnotherZoneAreNoTwins) {
-  ForgedValues zoned = Result("Heat");
-  zoned.zoneid = 4;
-  model_.in_state(2, zoned);  // in place of the block of zone 0
-  int added = -1;
-  EXPECT_EQ(filer().UpdateContainer(2, added, -1, 0), 0);
-  EXPECT_EQ(added, 2);
+  model_.file().at(HeatInState2() + "/orvblock").integer("zoneid", 4);
+  EXPECT_EQ(Added(2), 2);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Heat", "Speed"));
+}
+
+TEST_F(LaterStates, OfAnotherKindAreNoTwins) {
+  model_.file().at(HeatInState2() + "/orvblock").integer("block", 1001);
+  EXPECT_EQ(Added(2), 2);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Heat", "Speed"));
+}
+
+TEST_F(LaterStates, OfAnotherEntityTypeAreNoTwins) {
+  model_.file().at(HeatInState2() + "/orvblock").text("etyp", "PART");
+  EXPECT_EQ(Added(2), 2);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Heat", "Speed"));
+}
+
+TEST_F(LaterStates, AreComparedWithinTheWidthOfTheirFields) {
+  ForgedValues wide = Result("Heat");
+  wide.etyp = std::string(256, 'e');
+  model_.in_state(1, wide).in_state(2, wide);
+  ASSERT_THAT(Names(), ElementsAre("Heat", "Heat"));
+  for (ORVResult* listed : filer().GetResultList(1)) {
+    if (*listed->m_etyp == 'e') std::memset(listed->m_etyp, 'e', sizeof listed->m_etyp);  // no room for an end
+  }
+  EXPECT_EQ(Added(2), 1);
+  EXPECT_THAT(Names(), ElementsAre("Heat", "Heat", "Speed"));
 }
 
 }  // namespace

@@ -40,6 +40,16 @@ TEST_F(ComputeValues, CombinesElementByElementWhereTheIdsAgree) {
   }
 }
 
+TEST_F(ComputeValues, GoesByTheNumberOfTheOperator) {
+  const float expected[] = {12, 8, 20, 5};
+  for (int number = 0; number < 4; ++number) {
+    auto left = Holding<float>({5}, {10});
+    auto right = Holding<float>({5}, {2});
+    EXPECT_EQ(left.ComputeValues(right, 1, static_cast<_ORVFetchOperator>(number)), 0);
+    EXPECT_EQ(left.values(), (std::vector<float>{expected[number]})) << number;
+  }
+}
+
 TEST_F(ComputeValues, WorksInDoublePrecisionToo) {
   auto left = Holding<double>({1}, {1});
   auto right = Holding<double>({1}, {3});

@@ -220,6 +220,25 @@ TEST_P(ValueFetchBlocks, LeavesTheBlocksPointingAtTheirPartOfTheAnswer) {
   EXPECT_EQ(masses.m_entid, values_.m_ids + 2);
 }
 
+TEST_P(ValueFetchBlocks, LeavesNoBlockPointingAtTheAnswerBeforeIt) {
+  file_.Add(kState1, Nodes(2)).Add(kState1, Nodes(1, "Mass", 5));
+  VariableWithHandles other("OTHER", 3);
+  other.Add(20, 0);
+  ORVResult nodes = Listed();
+  ORVResult masses = Listed("Mass");
+  masses.m_variable = other.get();
+  EXPECT_EQ(Fetch({&nodes, &masses}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(nodes.m_res, values_.m_values);
+  EXPECT_EQ(nodes.m_entid, values_.m_ids);
+  values_.DeleteAllocation(true);
+  EXPECT_EQ(Fetch({&nodes, &masses}, {.ext_id = 20}), 0);
+  EXPECT_EQ(values_.values(), (Floats{51}));
+  EXPECT_EQ(nodes.m_res, nullptr);
+  EXPECT_EQ(nodes.m_entid, nullptr);
+  EXPECT_EQ(nodes.m_fetchSkip, 1);
+  EXPECT_EQ(masses.m_res, values_.m_values);
+}
+
 /// One row per kind of result: what its first component delivers.
 struct KindRow {
   int kind;
