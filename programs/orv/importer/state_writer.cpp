@@ -3,8 +3,11 @@
 #include "importer/state_writer.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <unordered_set>
 #include <utility>
 
@@ -37,7 +40,8 @@ bool HasTwins(const std::vector<int>& ids) {
 /// The same bits are the same value, be it none. With a tolerance of 0 nothing else is.
 template <class T>
 bool HasChanged(T now, T before, double tolerance) {
-  if (std::memcmp(&now, &before, sizeof(T)) == 0) return false;
+  using Bits = std::conditional_t<sizeof(T) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
+  if (std::bit_cast<Bits>(now) == std::bit_cast<Bits>(before)) return false;
   return tolerance == 0 || !(std::abs(static_cast<double>(now) - static_cast<double>(before)) <= tolerance);
 }
 

@@ -155,8 +155,8 @@ void Add(FileModel& model, ResultInfo info) {
   known->incremental_states.insert(known->incremental_states.end(), info.incremental_states.begin(),
                                    info.incremental_states.end());
   std::ranges::sort(known->incremental_states);
-  const auto twins = std::ranges::unique(known->incremental_states);
-  known->incremental_states.erase(twins.begin(), twins.end());
+  known->incremental_states.erase(std::unique(known->incremental_states.begin(), known->incremental_states.end()),
+                                  known->incremental_states.end());
   known->stored_bytes += info.stored_bytes;
   known->full_bytes += info.full_bytes;
 }
