@@ -132,7 +132,8 @@ TEST_F(IncrementalCommands, InfoTellsTheStatesWithChangesAndWhatTheySave) {
 }
 
 TEST_F(IncrementalCommands, InfoCountsTheEntitiesOfFullStates) {
-  for (const json& result : json::parse(Out({"info", "--json"}))["results"]) {
+  const json info = json::parse(Out({"info", "--json"}));
+  for (const json& result : info["results"]) {
     const int count = result["variable"] == "HEAT" ? 3 : 2;
     EXPECT_EQ(result["count_min"], count) << result;
     EXPECT_EQ(result["count_max"], count) << result;
