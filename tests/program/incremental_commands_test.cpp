@@ -324,7 +324,7 @@ class IncrementalRun : public ProgramTest {
 
 TEST_F(IncrementalRun, HasTheIdsAndValuesOfTheFullOneAtEveryState) {
   const std::string full = ImportAs("full.orv", {}), incremental = ImportAs("inc.orv", {"--incremental", "0"});
-  for (const char* variable : {"Translational_Displacement", "VELO", "STRESS", "PE"}) {
+  for (const char* variable : {"VELO", "PE"}) {
     const std::string values = Values(full, variable);
     EXPECT_GT(values.size(), 500'000U) << variable;
     EXPECT_TRUE(values == Values(incremental, variable)) << variable;
