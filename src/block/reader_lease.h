@@ -60,15 +60,4 @@ class ReaderLease {
   bool open_;
 };
 
-/// Keeps a file open for the length of an operation that has it opened again and again, by one block or many. A file that
-/// cannot be opened is no concern of it: each opening tells.
-class HeldFile {
- public:
-  explicit HeldFile(const char* file) : lease_(holder_, file) {}
-
- private:
-  ORVBlockHelper holder_;
-  ReaderLease lease_;
-};
-
 }  // namespace orvio

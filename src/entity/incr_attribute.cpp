@@ -17,6 +17,7 @@
 #include "entity/incr_chain.h"
 #include "h5/disk_names.h"
 #include "h5/file_access.h"
+#include "h5/reader_pool.h"
 #include "h5/status.h"
 #include "h5/text_field.h"
 
@@ -208,7 +209,7 @@ void AttributeMerge::ShrinkArrays() {
 }
 
 [[nodiscard]] int ReadChain(ORVEntAttribute& attribute, const IncrChain& chain, const IncrAttributeRequest& request) {
-  const HeldFile held(request.file);
+  const h5::ShortLease held(request.file);
   const int status = ReadEntityList(attribute, request.file, chain.base, ORV_READ_HEADER | ORV_READ_DATA);
   return status != kOk || chain.changes.empty() ? status : Merge(attribute, chain, request);
 }

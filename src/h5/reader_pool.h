@@ -50,8 +50,9 @@ class OH5ReaderPool {
 
 namespace orvio::h5 {
 
-/// A reader of a file for the length of a question. Declare it before the handles: the close of the file closes what is
-/// still open in it, so the handles must go first.
+/// A reader of a file for the length of a question. Where a question has the file opened again and again, by one block or
+/// many, a lease around it keeps HDF5 from closing it in between. Declare it before the handles: the close of the file
+/// closes what is still open in it, so the handles must go first.
 class ShortLease {
  public:
   explicit ShortLease(const char* file) : reader_(OH5ReaderPool::Get().Request(file, 0)) {}  // 0: read-only

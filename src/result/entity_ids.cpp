@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "block/reader_lease.h"
 #include "filer/container.h"
 #include "filer/process_state.h"
 #include "h5/extents.h"
+#include "h5/reader_pool.h"
 #include "h5/status.h"
 #include "orvio/oh5_reader.h"
 #include "result/result_datasets.h"
@@ -33,7 +33,7 @@ namespace {
 
 int CountEntities(const char* file, const ResultList& blocks, int state) {
   constexpr std::int64_t kTooMany = std::int64_t{INT_MAX} + 1;
-  const HeldFile held(file);
+  const h5::ShortLease held(file);
   std::int64_t total = 0;
   for (ORVResult* block : blocks) {
     if (block && RenewCount(*block, file, state)) total = std::min(total + std::min(block->m_nent, kTooMany), kTooMany);
@@ -54,7 +54,7 @@ std::int64_t NumberOfStates(const ORVContainer& data) {
 
 int LargestEntityCount(const ORVContainer& data, const ResultList& blocks) {
   if (blocks.empty()) return 0;
-  const HeldFile held(data.path.c_str());
+  const h5::ShortLease held(data.path.c_str());
   const auto states = static_cast<int>(std::min<std::int64_t>(NumberOfStates(data), INT_MAX - 1));
   int largest = 0;
   for (int state = 1; state <= states; ++state) {
@@ -133,7 +133,7 @@ EntityIntegers EntityReader::Take() const {
 }
 
 std::optional<EntityIntegers> Read(const char* file, const ResultList& blocks, int state, const EntityArray& array) {
-  const HeldFile held(file);
+  const h5::ShortLease held(file);
   const int total = CountEntities(file, blocks, state);
   if (total < 1) return std::nullopt;
   EntityReader reader(file, state, array);

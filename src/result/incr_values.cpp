@@ -8,10 +8,10 @@
 #include <optional>
 #include <utility>
 
-#include "block/reader_lease.h"
 #include "entity/id_lookup.h"
 #include "entity/incr_chain.h"
 #include "filer/process_state.h"
+#include "h5/reader_pool.h"
 #include "h5/status.h"
 #include "result/value_fetch_arrays.h"
 
@@ -146,7 +146,7 @@ void Merge(const StateFetch& fetch, const std::vector<int>& states, const ORVIdL
 template <class T>
 int FetchIncrValues(const char* file, const IncrStateMap& map, Values<T>& values, const std::vector<ORVResult*>& blocks,
                     const FetchQuantity& quantity) {
-  const HeldFile held(file);
+  const h5::ShortLease held(file);
   const StateFetch fetch = {file, blocks, quantity};
   const int state = values.m_state;
   const std::optional<std::size_t> place = FindStateRecord(map, state);

@@ -12,13 +12,15 @@
 #include "orvio/orv_filer.h"
 #include "support/forged_model.h"
 #include "support/messages.h"
+#include "support/one_node_results.h"
 #include "support/orv_test.h"
 
 namespace {
 
 using orv_test::ForgedModel;
 using orv_test::ForgedUnits;
-using orv_test::ForgedValues;
+using orv_test::OneNodeHistory;
+using orv_test::OneNodeResult;
 using testing::Each;
 using testing::ElementsAre;
 
@@ -44,21 +46,6 @@ struct OpenFiler : ORVFiler {
   }
 };
 
-ForgedValues Result(const std::string& variable, int ncoo) {
-  ForgedValues result;
-  result.variable = variable;
-  result.nent = 1;
-  result.ncoo = ncoo;
-  return result;
-}
-
-ForgedValues MultiStateResult(const std::string& variable, int ncoo) {
-  ForgedValues result = Result(variable, ncoo);
-  result.kind = 1050;
-  result.nstate = 1;
-  return result;
-}
-
 /// mm, s^2 and mm/s.
 const ForgedUnits kThreeUnits = {.mbunit = {1, 1, 2}, .ubid = {1, 2, 1, 2}, .ubexp = {1, 2, 1, -1}};
 
@@ -73,21 +60,21 @@ class ComponentUnits : public orv_test::OrvTest {};
 
 TEST_F(ComponentUnits, AreThoseThatTheVariableLists) {
   ForgedModel model = ForgeSpeed();
-  model.units("S", kThreeUnits).in_state(1, Result("Speed", 3));
+  model.units("S", kThreeUnits).in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s^2", "mm/s"));
 }
 
 TEST_F(ComponentUnits, AreListedInTheSplitLayoutToo) {
   ForgedModel model = ForgeSpeed(ForgedModel::kSplit);
-  model.units("Speed", kThreeUnits).in_state(1, Result("Speed", 3));
+  model.units("Speed", kThreeUnits).in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s^2", "mm/s"));
 }
 
 TEST_F(ComponentUnits, AreObjectsOfTheirOwnWithTheIdOfTheHandle) {
   ForgedModel model = ForgeSpeed();
-  model.units("S", kThreeUnits).in_state(1, Result("Speed", 3));
+  model.units("S", kThreeUnits).in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   ASSERT_EQ(filer.data().component_units.size(), 3U);
   for (int i = 0; i < 3; ++i) {
@@ -103,7 +90,7 @@ TEST_F(ComponentUnits, AreObjectsOfTheirOwnWithTheIdOfTheHandle) {
 
 TEST_F(ComponentUnits, AreNotMadeWhereTheConfigurationDoesNotAskForThem) {
   ForgedModel model = ForgeSpeed();
-  model.units("S", kThreeUnits).in_state(1, Result("Speed", 3));
+  model.units("S", kThreeUnits).in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model, false);
   EXPECT_THAT(filer.Units(), ElementsAre(kNone, kNone, kNone));
   EXPECT_TRUE(filer.data().component_units.empty());
@@ -111,7 +98,9 @@ TEST_F(ComponentUnits, AreNotMadeWhereTheConfigurationDoesNotAskForThem) {
 
 TEST_F(ComponentUnits, AreNotMadeWithoutAUnitSystem) {
   ForgedModel model;
-  model.variable({.name = "Speed", .key = "S", .ncoo = 3}).units("S", kThreeUnits).in_state(1, Result("Speed", 3));
+  model.variable({.name = "Speed", .key = "S", .ncoo = 3})
+      .units("S", kThreeUnits)
+      .in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre(kNone, kNone, kNone));
 }
@@ -119,7 +108,7 @@ TEST_F(ComponentUnits, AreNotMadeWithoutAUnitSystem) {
 TEST_F(ComponentUnits, AreNotMadeForComponentsWithoutUnits) {
   ForgedModel model = ForgeSpeed();
   model.units("S", {.mbunit = {1, 0, 1}, .ubid = {1, 2}, .ubexp = {1, 1}, .mdunit = {0, 0, 0}});
-  model.in_state(1, Result("Speed", 3));
+  model.in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", kNone, "s"));
   EXPECT_EQ(filer.data().component_units.size(), 2U);
@@ -127,7 +116,7 @@ TEST_F(ComponentUnits, AreNotMadeForComponentsWithoutUnits) {
 
 TEST_F(ComponentUnits, AreNotMadeForAVariableWithoutTables) {
   ForgedModel model = ForgeSpeed();
-  model.in_state(1, Result("Speed", 3));
+  model.in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre(kNone, kNone, kNone));
 }
@@ -140,7 +129,7 @@ TEST_F(ComponentUnits, HaveTheBaseUnitsAndTheDerivedOnesOfTheComponent) {
                     .mdunit = {0, 1, 2},
                     .udid = {11, 11, 11},
                     .udexp = {2, 1, -1}});
-  model.in_state(1, Result("Speed", 3));
+  model.in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "mm/s^2", "mm/s/(s mm/s)"));
 }
@@ -153,14 +142,14 @@ TEST_F(ComponentUnits, HaveNoUnitsThatTheFileDoesNotKnow) {
                     .mdunit = {0, 0, 1},
                     .udid = {1},
                     .udexp = {1}});
-  model.in_state(1, Result("Speed", 3));
+  model.in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "", ""));
 }
 
 TEST_F(ComponentUnits, HaveTheFirstUnitOfAnId) {
   ForgedModel model = ForgeSpeed();
-  model.units("S", {.mbunit = {1, 1, 1}, .ubid = {2, 2, 1}, .ubexp = {1, 2, 1}}).in_state(1, Result("Speed", 3));
+  model.units("S", {.mbunit = {1, 1, 1}, .ubid = {2, 2, 1}, .ubexp = {1, 2, 1}}).in_state(1, OneNodeResult("Speed", 3));
   model.file().at("/post/constant/system/orvblock").dataset<std::int32_t>("ubid", {2}, {2, 2});
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "mm^2", ""));
@@ -169,7 +158,7 @@ TEST_F(ComponentUnits, HaveTheFirstUnitOfAnId) {
 TEST_F(ComponentUnits, OfComputedComponentsAreThoseOfTheirFirstInput) {
   ForgedModel model;
   model.system().variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Z"}});
-  model.units("S", kThreeUnits).in_state(1, Result("Speed", 3));
+  model.units("S", kThreeUnits).in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s^2", "mm/s", "mm"));
   ASSERT_EQ(filer.GetExtVariables().back()->GetName(), "Speed_Magnitude");
@@ -182,7 +171,7 @@ TEST_F(ComponentUnits, OfAVonMisesStressAndOfADeterminantAreThatOfTheStress) {
   model.system().variable(
       {.name = "Stress", .key = "S", .class_word = "CLASS_STRESS", .ncoo = 6, .rank = 2, .tensor = 1});
   model.units("S", {.mdunit = {1, 1, 1, 1, 1, 1}, .udid = {11, 11, 11, 11, 11, 11}, .udexp = {1, 1, 1, 1, 1, 1}});
-  model.in_state(1, Result("Stress", 6));
+  model.in_state(1, OneNodeResult("Stress", 6));
   OpenFiler filer(model);
   EXPECT_EQ(filer.Units().size(), 14U);
   EXPECT_THAT(filer.Units(), Each("mm/s"));
@@ -193,7 +182,7 @@ TEST_F(ComponentUnits, OfAVonMisesStressAndOfADeterminantAreThatOfTheStress) {
 TEST_F(ComponentUnits, OfComputedComponentsWhoseFirstInputHasNoneAreNone) {
   ForgedModel model;
   model.system().variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Z"}});
-  model.units("S", {.mbunit = {0, 1, 1}, .ubid = {1, 1}, .ubexp = {1, 1}}).in_state(1, Result("Speed", 3));
+  model.units("S", {.mbunit = {0, 1, 1}, .ubid = {1, 1}, .ubexp = {1, 1}}).in_state(1, OneNodeResult("Speed", 3));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre(kNone, "mm", "mm", kNone));
 }
@@ -211,7 +200,7 @@ ForgedModel ForgeTwoVariables() {
 
 TEST_F(ComponentUnits, OfGroupsFollowTheOffsetsOfTheVariables) {
   ForgedModel model = ForgeTwoVariables();
-  model.group("G", 4, {{"S", 2, 2}, {"H", 2, 0}}).in_state(1, Result("G", 4));
+  model.group("G", 4, {{"S", 2, 2}, {"H", 2, 0}}).in_state(1, OneNodeResult("G", 4));
   OpenFiler filer(model);
   ASSERT_EQ(filer.GetExtVariables().at(0)->GeIndex(), 2);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s", "s^2", "mm^2"));
@@ -220,7 +209,7 @@ TEST_F(ComponentUnits, OfGroupsFollowTheOffsetsOfTheVariables) {
 TEST_F(ComponentUnits, OfAVariableAtTwoPlacesAreThoseOfItsCopyToo) {
   ForgedModel model = ForgeTwoVariables();
   model.group("G", 4, {{"S", 2, 0}, {"H", 2, 2}}).group("K", 4, {{"S", 2, 2}});
-  model.in_state(1, Result("G", 4)).in_state(1, Result("K", 4));
+  model.in_state(1, OneNodeResult("G", 4)).in_state(1, OneNodeResult("K", 4));
   OpenFiler filer(model);
   ASSERT_EQ(filer.GetVariables().size(), 3U);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s", "s^2", "mm^2", "mm", "s"));
@@ -228,7 +217,7 @@ TEST_F(ComponentUnits, OfAVariableAtTwoPlacesAreThoseOfItsCopyToo) {
 
 TEST_F(ComponentUnits, OfAVariableThatAGroupListsTwiceAreMadeOnce) {
   ForgedModel model = ForgeTwoVariables();
-  model.group("G", 4, {{"S", 2, 0}, {"S", 2, 0}, {"S", 2, 2}}).in_state(1, Result("G", 4));
+  model.group("G", 4, {{"S", 2, 0}, {"S", 2, 0}, {"S", 2, 2}}).in_state(1, OneNodeResult("G", 4));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s"));
   EXPECT_EQ(filer.data().component_units.size(), 2U);
@@ -236,7 +225,7 @@ TEST_F(ComponentUnits, OfAVariableThatAGroupListsTwiceAreMadeOnce) {
 
 TEST_F(ComponentUnits, BehindAKeyWithoutVariableAreThoseOfThePositionBefore) {
   ForgedModel model = ForgeTwoVariables();
-  model.group("G", 5, {{"S", 2, 0}, {"missing", 1, 2}, {"H", 2, 3}}).in_state(1, Result("G", 5));
+  model.group("G", 5, {{"S", 2, 0}, {"missing", 1, 2}, {"H", 2, 3}}).in_state(1, OneNodeResult("G", 5));
   OpenFiler filer(model);
   ASSERT_EQ(filer.GetExtVariables().at(2)->GeIndex(), 3);
   // "Heat" is looked for at 2 and 3: there is one handle, which takes the first component.
@@ -245,13 +234,13 @@ TEST_F(ComponentUnits, BehindAKeyWithoutVariableAreThoseOfThePositionBefore) {
 
 TEST_F(ComponentUnits, GoToTheHandlesThatAreThereFromTheFirstComponentOn) {
   ForgedModel model = ForgeTwoVariables();
-  model.group("G", 2, {{"S", 2, 1}}).group("K", 2, {{"S", 2, 0}}).in_state(1, Result("G", 3));
+  model.group("G", 2, {{"S", 2, 1}}).group("K", 2, {{"S", 2, 0}}).in_state(1, OneNodeResult("G", 3));
   OpenFiler filer(model);
   ASSERT_EQ(filer.GetExtVariables().at(0)->GeIndex(), 1);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s"));
   // The other way round, the group without results comes last and finds the second handle at its first position.
   ForgedModel other = ForgeTwoVariables();
-  other.group("G", 2, {{"S", 2, 0}}).group("K", 2, {{"S", 2, 1}}).in_state(1, Result("G", 2));
+  other.group("G", 2, {{"S", 2, 0}}).group("K", 2, {{"S", 2, 1}}).in_state(1, OneNodeResult("G", 2));
   OpenFiler other_filer(other);
   ASSERT_EQ(other_filer.GetExtVariables().at(1)->GeIndex(), 1);
   EXPECT_THAT(other_filer.Units(), ElementsAre("mm", "mm"));
@@ -260,7 +249,9 @@ TEST_F(ComponentUnits, GoToTheHandlesThatAreThereFromTheFirstComponentOn) {
 TEST_F(ComponentUnits, OfVariablesAtPlacesOutsideOfAnyResultAreNone) {
   for (const int offset : {INT_MAX, INT_MIN, -1, INT_MAX - 1}) {
     ForgedModel model = ForgeTwoVariables();
-    model.group("G", 2, {{"S", 2, 0}}).group("K", 2, {{"S", 2, offset}, {"H", 2, offset}}).in_state(1, Result("G", 2));
+    model.group("G", 2, {{"S", 2, 0}})
+        .group("K", 2, {{"S", 2, offset}, {"H", 2, offset}})
+        .in_state(1, OneNodeResult("G", 2));
     OpenFiler filer(model);
     ASSERT_EQ(filer.GetNumExtVariables(), 2U) << offset;
     // At -1 the first handle is the only one within reach.
@@ -270,7 +261,7 @@ TEST_F(ComponentUnits, OfVariablesAtPlacesOutsideOfAnyResultAreNone) {
 
 TEST_F(ComponentUnits, OfVariablesOutsideOfAllGroupsAreNotMade) {
   ForgedModel model = ForgeTwoVariables();
-  model.group("G", 2, {{"S", 2, 0}}).in_state(1, Result("G", 2)).in_state(1, Result("Heat", 2));
+  model.group("G", 2, {{"S", 2, 0}}).in_state(1, OneNodeResult("G", 2)).in_state(1, OneNodeResult("Heat", 2));
   OpenFiler filer(model);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s"));
 }
@@ -280,13 +271,13 @@ TEST_F(ComponentUnits, OfVariablesOutsideOfAllGroupsAreNotMade) {
 /// A filer after its start-up on "Speed" alone; "Heat" follows.
 ForgedModel ForgeSpeedAndHeat() {
   ForgedModel model = ForgeTwoVariables();
-  model.in_state(1, Result("Speed", 2));
+  model.in_state(1, OneNodeResult("Speed", 2));
   return model;
 }
 
 TEST_F(ComponentUnits, OfLaterStatesAreMadeWithTheirHandles) {
   ForgedModel model = ForgeSpeedAndHeat();
-  model.in_state(2, Result("Heat", 2));
+  model.in_state(2, OneNodeResult("Heat", 2));
   OpenFiler filer(model);
   ASSERT_THAT(filer.Units(), ElementsAre("mm", "s"));
   const ORVUnit* const before = filer.GetExtVariables()[0]->GetUnit();
@@ -302,7 +293,7 @@ TEST_F(ComponentUnits, OfLaterStatesAreMadeWithTheirHandles) {
 TEST_F(ComponentUnits, OfLaterMultiStateResultsAreMadeWithTheirHandles) {
   ForgedModel model = ForgeSpeedAndHeat();
   OpenFiler filer(model);
-  model.in_multistate(MultiStateResult("Heat", 2));
+  model.in_multistate(OneNodeHistory("Heat", 2));
   (void)model.path();
   ASSERT_EQ(filer.ReadMultiStateBlocks(false), 0);
   EXPECT_THAT(filer.Units(), ElementsAre("mm", "s", "s^2", "mm^2"));
@@ -317,7 +308,7 @@ TEST_F(ComponentUnits, OfPropertiesAreMadeWithTheirHandles) {
 
 TEST_F(ComponentUnits, OfLaterHandlesAreNotMadeWhereTheConfigurationNoLongerAsksForThem) {
   ForgedModel model = ForgeSpeedAndHeat();
-  model.in_state(2, Result("Heat", 2));
+  model.in_state(2, OneNodeResult("Heat", 2));
   OpenFiler filer(model);
   filer.ClearConfig(ORV_CONFIG_ASSIGN_UNITS);
   int added = 0;
@@ -327,7 +318,7 @@ TEST_F(ComponentUnits, OfLaterHandlesAreNotMadeWhereTheConfigurationNoLongerAsks
 
 TEST_F(ComponentUnits, OfLaterHandlesLeaveThoseThatAHostHasGivenAway) {
   ForgedModel model = ForgeSpeedAndHeat();
-  model.in_state(2, Result("Heat", 2));
+  model.in_state(2, OneNodeResult("Heat", 2));
   OpenFiler filer(model);
   ORVUnit own;
   own.SetUnitString("furlong");

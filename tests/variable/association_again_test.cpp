@@ -10,34 +10,16 @@
 
 #include "orvio/orv_filer.h"
 #include "support/forged_model.h"
+#include "support/one_node_results.h"
 #include "support/orv_test.h"
 
 namespace {
 
 using orv_test::ForgedModel;
-using orv_test::ForgedValues;
+using orv_test::NamesOf;
+using orv_test::OneNodeHistory;
+using orv_test::OneNodeResult;
 using testing::ElementsAre;
-
-std::vector<std::string> NamesOf(const std::vector<ORVExtVar*>& handles) {
-  std::vector<std::string> names;
-  for (const ORVExtVar* handle : handles) names.push_back(handle->GetName());
-  return names;
-}
-
-ForgedValues Result(const std::string& variable, int ncoo) {
-  ForgedValues result;
-  result.variable = variable;
-  result.nent = 1;
-  result.ncoo = ncoo;
-  return result;
-}
-
-ForgedValues MultiStateResult(const std::string& variable, int ncoo) {
-  ForgedValues result = Result(variable, ncoo);
-  result.kind = 1050;
-  result.nstate = 1;
-  return result;
-}
 
 /// A filer after its start-up.
 struct Opened {
@@ -53,7 +35,7 @@ TEST_F(AssociationAgain, MarksAllHandlesOfAGroup) {
   ForgedModel model;
   model.variable({.name = "A", .key = "A"}).variable({.name = "B", .key = "B"}).variable({.name = "C", .key = "C"});
   model.group("G", 2, {{"A", 1, 0}, {"B", 1, 1}}).group("H", 2, {{"A", 1, 0}, {"C", 1, 1}});
-  model.in_state(1, Result("G", 2)).in_multistate(MultiStateResult("H", 2));
+  model.in_state(1, OneNodeResult("G", 2)).in_multistate(OneNodeHistory("H", 2));
   Opened opened(model);
   ASSERT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("A", "B", "C"));
   const auto serves = [&](const char* name, int list) { return opened.filer.GetExtVariable(name)->IsApplicable(list); };
@@ -68,7 +50,7 @@ TEST_F(AssociationAgain, MarksAllHandlesOfAGroup) {
 TEST_F(AssociationAgain, InAnotherOrderGivesOtherNamesToComponentsWithoutLabels) {
   ForgedModel model;
   model.variable({.name = "Other", .key = "O"}).variable({.name = "Speed", .key = "S", .ncoo = 2});
-  model.in_state(1, Result("Other", 1)).in_state(1, Result("Speed", 2));
+  model.in_state(1, OneNodeResult("Other", 1)).in_state(1, OneNodeResult("Speed", 2));
   Opened opened(model);
   ORVVariable& speed = *opened.filer.GetVariable("Speed");
   EXPECT_THAT(NamesOf(speed.GetExtVariables()), ElementsAre("Speed_2", "Speed_3"));
@@ -82,7 +64,8 @@ TEST_F(AssociationAgain, InAnotherOrderGivesOtherNamesToComponentsWithoutLabels)
 TEST_F(AssociationAgain, MakesHandlesForTheLow32BitsOfTheOriginalCount) {
   ForgedModel model;
   model.variable({.name = "Other", .key = "O"});
-  model.variable({.name = "Speed", .key = "S", .ncoo = 3, .labels = {"X", "Y", "Z"}}).in_state(1, Result("Other", 1));
+  model.variable({.name = "Speed", .key = "S", .ncoo = 3, .labels = {"X", "Y", "Z"}})
+      .in_state(1, OneNodeResult("Other", 1));
   Opened opened(model);
   ORVVariable& speed = *opened.filer.GetVariable("Speed");
   ORVResult& result = *opened.filer.GetResultList(1).at(0);
@@ -101,7 +84,7 @@ TEST_F(AssociationAgain, CopiesNoMoreThanAMillionComponents) {
   model.variable({.name = "Large", .key = "L", .ncoo = kMany});
   model.group("G", kMany, {{"L", kMany, 0}});
   model.group("H", kMany, {{"L", 1, 1}, {"L", 1, 1}, {"L", 1, 1}, {"L", 1, 1}, {"L", 1, 1}, {"L", 1, 1}});
-  model.in_state(1, Result("G", kMany)).in_state(1, Result("H", kMany));
+  model.in_state(1, OneNodeResult("G", kMany)).in_state(1, OneNodeResult("H", kMany));
   Opened opened(model);
   EXPECT_EQ(opened.filer.GetVariables().size(), 5U);
   const std::vector<ORVVariable*>& members = opened.filer.GetVariableGroup("H")->GetVariables();

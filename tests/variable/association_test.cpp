@@ -11,6 +11,7 @@
 #include "orvio/orv_filer.h"
 #include "support/forged_model.h"
 #include "support/messages.h"
+#include "support/one_node_results.h"
 #include "support/orv_test.h"
 
 namespace {
@@ -19,26 +20,15 @@ using orv_test::ForgedModel;
 using orv_test::ForgedValues;
 using orv_test::Message;
 using orv_test::Messages;
+using orv_test::NamesOf;
+using orv_test::OneNodeHistory;
+using orv_test::OneNodeResult;
 using testing::ElementsAre;
-
-std::vector<std::string> NamesOf(const std::vector<ORVExtVar*>& handles) {
-  std::vector<std::string> names;
-  for (const ORVExtVar* handle : handles) names.push_back(handle->GetName());
-  return names;
-}
 
 std::vector<int> IndexesOf(const std::vector<ORVExtVar*>& handles) {
   std::vector<int> indexes;
   for (const ORVExtVar* handle : handles) indexes.push_back(handle->GeIndex());
   return indexes;
-}
-
-ForgedValues Result(const std::string& variable, int ncoo) {
-  ForgedValues result;
-  result.variable = variable;
-  result.nent = 1;
-  result.ncoo = ncoo;
-  return result;
 }
 
 /// A filer after its start-up, and what it told on the way.
@@ -60,7 +50,7 @@ class Association : public orv_test::OrvTest {};
 TEST_F(Association, BindsAResultToTheFirstVariableOfItsNameWhateverTheCase) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "A"}).variable({.name = "SPEED", .key = "B"});
-  model.in_state(1, Result("speed", 1));
+  model.in_state(1, OneNodeResult("speed", 1));
   Opened opened(model);
   ASSERT_EQ(opened.status, 0);
   const ORVResult* result = opened.filer.GetResultList(1).at(0);
@@ -70,7 +60,7 @@ TEST_F(Association, BindsAResultToTheFirstVariableOfItsNameWhateverTheCase) {
 
 TEST_F(Association, ToldOfAMissingVariableLeavesTheResultWithoutHandles) {
   ForgedModel model;
-  model.variable({.name = "Speed"}).variable({.name = "Other", .key = "O"}).in_state(1, Result("Force", 1));
+  model.variable({.name = "Speed"}).variable({.name = "Other", .key = "O"}).in_state(1, OneNodeResult("Force", 1));
   Opened opened(model);
   ASSERT_EQ(opened.status, 0);
   EXPECT_EQ(opened.filer.GetResultList(1).at(0)->m_variable, nullptr);
@@ -82,7 +72,7 @@ TEST_F(Association, ToldOfAMissingVariableLeavesTheResultWithoutHandles) {
 TEST_F(Association, WithGroupsInTheFileDoesNotSearchTheVariables) {
   ForgedModel model;
   for (int i = 0; i < 20; ++i) model.variable({.name = "V" + std::to_string(i), .key = "K" + std::to_string(i)});
-  model.group("G", 1, {{"K0", 1, 0}}).in_state(1, Result("V3", 1));
+  model.group("G", 1, {{"K0", 1, 0}}).in_state(1, OneNodeResult("V3", 1));
   Opened opened(model);
   ASSERT_EQ(opened.status, 0);
   const ORVResult* result = opened.filer.GetResultList(1).at(0);
@@ -96,7 +86,7 @@ TEST_F(Association, WithGroupsInTheFileDoesNotSearchTheVariables) {
 TEST_F(Association, TellsOfOtherCountsInResultAndGroupAndGoesByTheGroup) {
   ForgedModel model;
   model.variable({.name = "Stress", .key = "S", .ncoo = 6, .labels = {"a", "b", "c", "d", "e", "f"}});
-  model.group("G", 6, {{"S", 6, 0}}).in_state(1, Result("G", 5));
+  model.group("G", 6, {{"S", 6, 0}}).in_state(1, OneNodeResult("G", 5));
   Opened opened(model);
   ASSERT_EQ(opened.status, 0);
   const Message mismatch(1,
@@ -108,11 +98,8 @@ TEST_F(Association, TellsOfOtherCountsInResultAndGroupAndGoesByTheGroup) {
 
 TEST_F(Association, OfASecondResultAddsItsApplicabilityOnly) {
   ForgedModel model;
-  model.variable({.name = "Speed", .key = "S"}).in_state(1, Result("Speed", 1));
-  ForgedValues multi = Result("Speed", 1);
-  multi.kind = 1050;
-  multi.nstate = 1;
-  model.in_multistate(multi);
+  model.variable({.name = "Speed", .key = "S"}).in_state(1, OneNodeResult("Speed", 1));
+  model.in_multistate(OneNodeHistory("Speed", 1));
   Opened opened(model);
   ASSERT_EQ(opened.filer.GetNumExtVariables(), 1U);
   EXPECT_TRUE(opened.filer.GetExtVariables()[0]->IsApplicable(1));
@@ -122,11 +109,8 @@ TEST_F(Association, OfASecondResultAddsItsApplicabilityOnly) {
 TEST_F(Association, MarksHandlesWithTheListThatTheyServe) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S"}).variable({.name = "Force", .key = "F"});
-  model.in_state(1, Result("Speed", 1));
-  ForgedValues multi = Result("Force", 1);
-  multi.kind = 1050;
-  multi.nstate = 1;
-  model.in_multistate(multi);
+  model.in_state(1, OneNodeResult("Speed", 1));
+  model.in_multistate(OneNodeHistory("Force", 1));
   Opened opened(model);
   ASSERT_EQ(opened.filer.GetNumExtVariables(), 2U);
   EXPECT_FALSE(opened.filer.GetExtVariable("Speed")->IsApplicable(2));
@@ -136,7 +120,7 @@ TEST_F(Association, MarksHandlesWithTheListThatTheyServe) {
 TEST_F(Association, CountsInternalIdsFromTheCallersCounter) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Z"}});
-  model.in_state(1, Result("Speed", 3));
+  model.in_state(1, OneNodeResult("Speed", 3));
   ORVFiler filer(model.path().c_str());
   int next_id = 40;
   ASSERT_EQ(filer.InitReader(next_id), 0);
@@ -149,7 +133,8 @@ TEST_F(Association, CountsInternalIdsFromTheCallersCounter) {
 
 TEST_F(Association, StopsMakingHandlesWhereTheIdsEnd) {
   ForgedModel model;
-  model.variable({.name = "Speed", .key = "S", .ncoo = 3, .labels = {"X", "Y", "Z"}}).in_state(1, Result("Speed", 3));
+  model.variable({.name = "Speed", .key = "S", .ncoo = 3, .labels = {"X", "Y", "Z"}})
+      .in_state(1, OneNodeResult("Speed", 3));
   ORVFiler filer(model.path().c_str());
   int next_id = INT_MAX - 1;
   ASSERT_EQ(filer.InitReader(next_id), 0);
@@ -159,7 +144,7 @@ TEST_F(Association, StopsMakingHandlesWhereTheIdsEnd) {
 
 TEST_F(Association, PassesOverNullResults) {
   ForgedModel model;
-  model.variable({.name = "Speed", .key = "S"}).in_state(1, Result("Speed", 1));
+  model.variable({.name = "Speed", .key = "S"}).in_state(1, OneNodeResult("Speed", 1));
   Opened opened(model);
   std::vector<ORVResult*> results = {nullptr, opened.filer.GetResultList(1).at(0)};
   int next_id = 9;
@@ -181,7 +166,7 @@ TEST_F(Association, OfNothingMakesNothing) {
 TEST_F(Association, NamesComponentsByVariableAndLabel) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Zed"}});
-  model.in_state(1, Result("Speed", 3));
+  model.in_state(1, OneNodeResult("Speed", 3));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()),
               ElementsAre("Speed_X", "Speed_Y", "Speed_Zed", "Speed_Magnitude"));
@@ -191,21 +176,21 @@ TEST_F(Association, NamesComponentsByVariableAndLabel) {
 TEST_F(Association, NamesComponentsWithoutLabelsByTheirInternalIds) {
   ForgedModel model;
   model.variable({.name = "Other", .key = "O"}).variable({.name = "Speed", .key = "S", .ncoo = 3});
-  model.in_state(1, Result("Other", 1)).in_state(1, Result("Speed", 3));
+  model.in_state(1, OneNodeResult("Other", 1)).in_state(1, OneNodeResult("Speed", 3));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("Other", "Speed_2", "Speed_3", "Speed_4"));
 }
 
 TEST_F(Association, NamesComponentsOfTheSplitLayoutByTheirStoredNames) {
   ForgedModel model(ForgedModel::kSplit);
-  model.variable({.name = "SPEED", .ncoo = 2, .labels = {"along x", "along y"}}).in_state(1, Result("SPEED", 2));
+  model.variable({.name = "SPEED", .ncoo = 2, .labels = {"along x", "along y"}}).in_state(1, OneNodeResult("SPEED", 2));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("along x", "along y"));
 }
 
 TEST_F(Association, OfALabelWithoutLengthGivesANameThatEndsInAnUnderscore) {
   ForgedModel model;
-  model.variable({.name = "Speed", .key = "S", .ncoo = 2, .labels = {"X", ""}}).in_state(1, Result("Speed", 2));
+  model.variable({.name = "Speed", .key = "S", .ncoo = 2, .labels = {"X", ""}}).in_state(1, OneNodeResult("Speed", 2));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("Speed_X", "Speed_"));
 }
@@ -213,7 +198,7 @@ TEST_F(Association, OfALabelWithoutLengthGivesANameThatEndsInAnUnderscore) {
 TEST_F(Association, ReportsANegativeLabelLengthOnceAndGoesOnWithoutLabels) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S", .ncoo = 2}).file().integer32("subslen", -4);
-  model.in_state(1, Result("Speed", 2));
+  model.in_state(1, OneNodeResult("Speed", 2));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("Speed_1", "Speed_2"));
   EXPECT_THAT(opened.messages,
@@ -232,7 +217,7 @@ TEST_P(LabelOutside, IsReportedAndReplacedByTheNumberOfTheComponent) {
       .file()
       .dataset<std::int32_t>("subsoffs", {2}, {0, GetParam().offset});
   model.file().dataset<std::int32_t>("subscnt", {2}, {1, GetParam().length});
-  model.in_state(1, Result("Speed", 2));
+  model.in_state(1, OneNodeResult("Speed", 2));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("Speed_X", "Speed_2"));
   EXPECT_THAT(opened.messages,
@@ -246,7 +231,8 @@ INSTANTIATE_TEST_SUITE_P(Places, LabelOutside,
 
 TEST_F(Association, CutsALabelAt511Bytes) {
   ForgedModel model;
-  model.variable({.name = "Speed", .key = "S", .labels = {std::string(600, 'x')}}).in_state(1, Result("Speed", 1));
+  model.variable({.name = "Speed", .key = "S", .labels = {std::string(600, 'x')}})
+      .in_state(1, OneNodeResult("Speed", 1));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("Speed_" + std::string(511, 'x')));
 }
@@ -264,7 +250,7 @@ ForgedModel TwoVectors() {
 
 TEST_F(Association, OfAGroupPlacesTheComponentsOfItsVariablesAtTheirOffsets) {
   ForgedModel model = TwoVectors();
-  model.in_state(1, Result("G", 6));
+  model.in_state(1, OneNodeResult("G", 6));
   Opened opened(model);
   ASSERT_EQ(opened.status, 0);
   const ORVResult* result = opened.filer.GetResultList(1).at(0);
@@ -278,7 +264,7 @@ TEST_F(Association, OfAGroupPlacesTheComponentsOfItsVariablesAtTheirOffsets) {
 
 TEST_F(Association, OfAVectorAtAnOffsetOfAGroupMakesItsMagnitudeDependOnThePlacesThere) {
   ForgedModel model = TwoVectors();
-  model.in_state(1, Result("G", 6));
+  model.in_state(1, OneNodeResult("G", 6));
   Opened opened(model);
   const ORVExtVar* magnitude = opened.filer.GetExtVariable("Force_Magnitude");
   ASSERT_NE(magnitude, nullptr);
@@ -290,7 +276,7 @@ TEST_F(Association, OfAVectorAtAnOffsetOfAGroupMakesItsMagnitudeDependOnThePlace
 TEST_F(Association, ClonesAVariableThatASecondGroupHoldsElsewhere) {
   ForgedModel model = TwoVectors();
   model.group("H", 6, {{"F", 3, 0}, {"S", 3, 3}});
-  model.in_state(1, Result("G", 6)).in_state(1, Result("H", 6));
+  model.in_state(1, OneNodeResult("G", 6)).in_state(1, OneNodeResult("H", 6));
   Opened opened(model);
   ORVVariableGrp* first = opened.filer.GetVariableGroup("G");
   ORVVariableGrp* second = opened.filer.GetVariableGroup("H");
@@ -307,8 +293,8 @@ TEST_F(Association, ClonesAVariableThatASecondGroupHoldsElsewhere) {
 
 TEST_F(Association, DoesNotCloneForASecondResultOfTheSameGroup) {
   ForgedModel model = TwoVectors();
-  model.in_state(1, Result("G", 6));
-  ForgedValues shells = Result("G", 6);
+  model.in_state(1, OneNodeResult("G", 6));
+  ForgedValues shells = OneNodeResult("G", 6);
   shells.etyp = "SHELL";
   model.in_state(1, shells);
   Opened opened(model);
@@ -319,7 +305,7 @@ TEST_F(Association, DoesNotCloneForASecondResultOfTheSameGroup) {
 TEST_F(Association, DoesNotCloneForAResultTooNarrowForTheVariable) {
   ForgedModel model = TwoVectors();
   model.group("H", 6, {{"F", 3, 0}, {"S", 3, 3}});
-  model.in_state(1, Result("G", 6)).in_state(1, Result("H", 5));
+  model.in_state(1, OneNodeResult("G", 6)).in_state(1, OneNodeResult("H", 5));
   Opened opened(model);
   EXPECT_EQ(opened.filer.GetVariables().size(), 3U);  // Speed would end at 6; Force has room
 }
@@ -327,7 +313,7 @@ TEST_F(Association, DoesNotCloneForAResultTooNarrowForTheVariable) {
 TEST_F(Association, OfAGroupWithANegativeOffsetMakesNoHandlesForThatVariable) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S"}).variable({.name = "Force", .key = "F"});
-  model.group("G", 2, {{"S", 1, -1}, {"F", 1, 1}}).in_state(1, Result("G", 2));
+  model.group("G", 2, {{"S", 1, -1}, {"F", 1, 1}}).in_state(1, OneNodeResult("G", 2));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("Force"));
 }
@@ -337,7 +323,7 @@ TEST_F(Association, OfAGroupWithANegativeOffsetMakesNoHandlesForThatVariable) {
 TEST_F(Association, MakesNoMeasureOfScalars) {
   ForgedModel model;
   model.variable({.name = "State", .key = "S", .ncoo = 6, .tensor = 0, .labels = {"a", "b", "c", "d", "e", "f"}});
-  model.in_state(1, Result("State", 6));
+  model.in_state(1, OneNodeResult("State", 6));
   Opened opened(model);
   EXPECT_EQ(opened.filer.GetNumExtVariables(), 6U);
 }
@@ -351,7 +337,7 @@ TEST_F(Association, NamesMeasuresByTheNameOfTheVariableAndNotByItsKey) {
                   .rank = 2,
                   .tensor = 1,
                   .labels = {"XX", "YY", "ZZ", "XY", "YZ", "ZX"}});
-  model.in_state(1, Result("Stress", 6));
+  model.in_state(1, OneNodeResult("Stress", 6));
   Opened opened(model);
   const auto names = NamesOf(opened.filer.GetExtVariables());
   EXPECT_THAT(std::vector<std::string>(names.begin() + 6, names.end()),
@@ -368,7 +354,7 @@ ORVExtVarType* NoMeasures(void*, ORVFilerExtendComputedTypeCallBackData&) { retu
 
 TEST_F(Association, WithAHandlerThatAnswersNullMakesStoredHandlesOnly) {
   ForgedModel model = TwoVectors();
-  model.in_state(1, Result("G", 6));
+  model.in_state(1, OneNodeResult("G", 6));
   ORVFiler filer(model.path().c_str());
   filer.SetExtedComputedTypeCallBackHandler(NoMeasures);
   int next_id = 1;
@@ -398,7 +384,7 @@ TEST_F(Association, TakesTheMeasuresThatAHandlerAnswersAsFarAsTheComponentsSuffi
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Z"}});
   model.variable({.name = "Heat", .key = "H"});
-  model.in_state(1, Result("Speed", 3)).in_state(1, Result("Heat", 1));
+  model.in_state(1, OneNodeResult("Speed", 3)).in_state(1, OneNodeResult("Heat", 1));
   ORVFiler filer(model.path().c_str());
   AskedFor asked;
   EXPECT_EQ(filer.SetFilerCallBackClient(&asked), nullptr);
@@ -421,7 +407,7 @@ TEST_F(Association, TakesTheMeasuresThatAHandlerAnswersAsFarAsTheComponentsSuffi
 TEST_F(Association, OfAVectorWithTwoStoredHandlesInReachMakesNoMagnitude) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Z"}});
-  model.group("G", 3, {{"S", 3, INT_MAX - 1}}).in_state(1, Result("G", 3));
+  model.group("G", 3, {{"S", 3, INT_MAX - 1}}).in_state(1, OneNodeResult("G", 3));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("Speed_X", "Speed_Y"));
   EXPECT_THAT(IndexesOf(opened.filer.GetExtVariables()), ElementsAre(INT_MAX - 1, INT_MAX));
@@ -437,7 +423,7 @@ TEST_F(Association, OfAStrainMakesNineMeasuresAndTheHandlerOfOneFamilySix) {
                     .rank = 2,
                     .tensor = 1,
                     .labels = {"XX", "YY", "ZZ", "XY", "YZ", "ZX"}});
-    model.in_state(1, Result("Strain", 6));
+    model.in_state(1, OneNodeResult("Strain", 6));
     ORVFiler filer(model.path().c_str());
     if (handler) ORVSetCMXStressComputedType(&filer);
     int next_id = 1;
@@ -454,7 +440,7 @@ TEST_F(Association, BehindAMissingKeyMakesHandlesAtTheOwnOffsetAndNoCopies) {
   model.variable({.name = "A", .key = "A"}).variable({.name = "C", .key = "C"});
   model.group("G", 3, {{"A", 1, 0}, {"GONE", 1, 1}, {"C", 1, 2}});
   for (const char* type : {"NODE", "SHELL", "SOLID", "BEAM"}) {
-    ForgedValues result = Result("G", 3);
+    ForgedValues result = OneNodeResult("G", 3);
     result.etyp = type;
     model.in_state(1, result);
   }
@@ -466,8 +452,8 @@ TEST_F(Association, BehindAMissingKeyMakesHandlesAtTheOwnOffsetAndNoCopies) {
 TEST_F(Association, OfAGroupThatListsAKeyTwiceMakesHandlesAtTheFirstOffsetOnly) {
   ForgedModel model;
   model.variable({.name = "A", .key = "A"}).group("G", 2, {{"A", 1, 0}, {"A", 1, 1}});
-  model.in_state(1, Result("G", 2));
-  ForgedValues shells = Result("G", 2);
+  model.in_state(1, OneNodeResult("G", 2));
+  ForgedValues shells = OneNodeResult("G", 2);
   shells.etyp = "SHELL";
   model.in_state(1, shells);
   Opened opened(model);
@@ -479,7 +465,7 @@ TEST_F(Association, InTheSplitLayoutAppendsALabelToTheStoredNameAndNoIdWithoutOn
   ForgedModel model(ForgedModel::kSplit);
   model.variable({.name = "SPEED", .ncoo = 2, .labels = {"u", "v"}});
   model.file().dataset<std::int32_t>("mbunit", {2}, {0, 0}).integer32("subslen", -4);
-  model.in_state(1, Result("SPEED", 2));
+  model.in_state(1, OneNodeResult("SPEED", 2));
   Opened opened(model);
   EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("u", "v"));
 }
@@ -488,7 +474,7 @@ TEST_F(Association, WithoutAReceiverIsSilentAndTheSame) {
   ForgedModel model;
   model.variable({.name = "Speed", .key = "S", .ncoo = 2, .labels = {"X", "Y"}});
   model.file().dataset<std::int32_t>("subsoffs", {2}, {0, 9});
-  model.group("G", 2, {{"S", 2, 0}}).in_state(1, Result("G", 5)).in_state(1, Result("Unknown", 1));
+  model.group("G", 2, {{"S", 2, 0}}).in_state(1, OneNodeResult("G", 5)).in_state(1, OneNodeResult("Unknown", 1));
   ORVFiler filer(model.path().c_str());
   int next_id = 1;
   ASSERT_EQ(filer.InitReader(next_id), 0);  // the fixture looks for output
