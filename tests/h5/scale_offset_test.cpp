@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "h5/entry.h"
 #include "h5/h5_test.h"
+#include "h5/scale_offset.h"
 
 namespace {
 
@@ -208,6 +210,97 @@ TEST_F(ScaleOffset, OfIntegersWithFixedBitsRefusesGrowthThatNeedsMore) {
   EXPECT_EQ(OH5Write_SELECTIVE(place.id(), "x", 1, start, count, nullptr, nullptr, ORV_INT, extent, wide), 1);
   const std::int32_t narrow[] = {1, 2, 3, 15};
   EXPECT_EQ(OH5Write_SELECTIVE(place.id(), "x", 1, start, count, nullptr, nullptr, ORV_INT, extent, narrow), 0);
+}
+
+// --- the boundaries, told apart by what HDF5 can read
+
+/// Writes values with HDF5 alone, all of one chunk, and tells whether HDF5 reads the same.
+template <class T>
+bool Hdf5Keeps(ForgedFile& file, hid_t type, H5Z_SO_scale_type_t form, int factor, const std::vector<T>& values) {
+  bool kept = false;
+  file.raw([&](hid_t here) {
+    const orvio::h5::QuietHdf5 quiet;
+    const hsize_t dims[] = {values.size()};
+    const Id space(H5Screate_simple(1, dims, nullptr), "space"), list(H5Pcreate(H5P_DATASET_CREATE), "list");
+    Check(H5Pset_chunk(list.get(), 1, dims), "chunk");
+    Check(H5Pset_scaleoffset(list.get(), form, factor), "scale-offset");
+    Id made(H5Dcreate2(here, "y", type, space.get(), H5P_DEFAULT, list.get(), H5P_DEFAULT), "y");
+    Check(H5Dwrite(made.get(), type, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), "y");
+    made = Id();  // only what was closed goes through the filter on its way back
+    made = Id(H5Dopen2(here, "y", H5P_DEFAULT), "y");
+    std::vector<T> read(values.size());
+    kept = H5Dread(made.get(), type, H5S_ALL, H5S_ALL, H5P_DEFAULT, read.data()) >= 0 && read == values;
+    Check(H5Ldelete(here, "y", H5P_DEFAULT), "y");
+  });
+  return kept;
+}
+
+TEST_F(ScaleOffset, KeepsTheWidestRangeOfIntegersThatHdf5Reads) {
+  const orvio::h5::TypeRow& row = *orvio::h5::FindNumericType(ORV_INT);
+  for (const std::int32_t low : {-2147483647, -1073741824, 1}) {
+    const auto high = static_cast<std::int32_t>(low + std::int64_t{2147483646});
+    const std::vector<std::int32_t> values = {low, high};
+    EXPECT_TRUE(orvio::h5::ScaleOffsetKeeps(row, values.data(), 2, 0)) << low;
+    EXPECT_TRUE(Hdf5Keeps(file_, H5T_NATIVE_INT, H5Z_SO_INT, 0, values)) << low;
+    const std::vector<std::int32_t> wide = {low - 1, high};
+    EXPECT_EQ(orvio::h5::ScaleOffsetKeeps(row, wide.data(), 2, 0), low == 1) << low;  // 0 has a code of its own
+    EXPECT_EQ(Hdf5Keeps(file_, H5T_NATIVE_INT, H5Z_SO_INT, 0, wide), low == 1) << low;
+  }
+}
+
+TEST_F(ScaleOffset, KeepsTheWidestRangeOfLongIntegersThatHdf5Reads) {
+  const orvio::h5::TypeRow& row = *orvio::h5::FindNumericType(ORV_LONG);
+  const std::vector<std::int64_t> values = {-4611686018427387904, 4611686018427387902};
+  EXPECT_TRUE(orvio::h5::ScaleOffsetKeeps(row, values.data(), 2, 0));
+  EXPECT_TRUE(Hdf5Keeps(file_, H5T_NATIVE_LLONG, H5Z_SO_INT, 0, values));
+  const std::vector<std::int64_t> wide = {-4611686018427387904, 4611686018427387903};
+  EXPECT_FALSE(orvio::h5::ScaleOffsetKeeps(row, wide.data(), 2, 0));
+  EXPECT_FALSE(Hdf5Keeps(file_, H5T_NATIVE_LLONG, H5Z_SO_INT, 0, wide));
+}
+
+TEST_F(ScaleOffset, IsLeftOutForDigitsBeyondTheNumbersOfTheType) {
+  const std::vector<float> zeros = {0, 0};
+  const orvio::h5::TypeRow& row = *orvio::h5::FindNumericType(ORV_FLOAT);
+  EXPECT_TRUE(orvio::h5::ScaleOffsetKeeps(row, zeros.data(), 2, 38));
+  EXPECT_TRUE(Hdf5Keeps(file_, H5T_NATIVE_FLOAT, H5Z_SO_FLOAT_DSCALE, 38, zeros));
+  EXPECT_FALSE(orvio::h5::ScaleOffsetKeeps(row, zeros.data(), 2, 39));
+  EXPECT_FALSE(Hdf5Keeps(file_, H5T_NATIVE_FLOAT, H5Z_SO_FLOAT_DSCALE, 39, zeros));
+  const std::vector<double> doubles = {0, 0};
+  EXPECT_TRUE(orvio::h5::ScaleOffsetKeeps(*orvio::h5::FindNumericType(ORV_DOUBLE), doubles.data(), 2, 39));
+}
+
+TEST_F(ScaleOffset, KeepsFloatsWellInsideWhatHdf5Reads) {
+  const orvio::h5::TypeRow& row = *orvio::h5::FindNumericType(ORV_FLOAT);
+  const std::vector<float> values = {536870880, -536870880};  // 2 to the 29th is the first that is refused
+  EXPECT_TRUE(orvio::h5::ScaleOffsetKeeps(row, values.data(), 2, 0));
+  EXPECT_TRUE(Hdf5Keeps(file_, H5T_NATIVE_FLOAT, H5Z_SO_FLOAT_DSCALE, 0, values));
+  const std::vector<float> more = {536870912, 0};
+  EXPECT_FALSE(orvio::h5::ScaleOffsetKeeps(row, more.data(), 2, 0));
+}
+
+// --- beside values that stay
+
+TEST_F(ScaleOffset, OfIntegersWithFixedBitsRefusesWhatNeedsMoreBesideTheOthers) {
+  ForgeFourBits({1000, 1002, 1003, 1004}, [](hid_t) {});
+  const Location place(file_.path(), kValues);
+  const orvio::h5::TypeRow& row = *orvio::h5::FindNumericType(ORV_INT);
+  const auto keeps = [&](std::int32_t value) { return orvio::h5::StoredFilterKeepsBeside(place.id(), row, &value, 1); };
+  EXPECT_TRUE(keeps(1014));  // with the fill value, fourteen above the least
+  EXPECT_FALSE(keeps(1015));
+  EXPECT_TRUE(keeps(990));
+  EXPECT_FALSE(keeps(989));
+  EXPECT_TRUE(keeps(0));  // the fill value
+  const std::int32_t one = 5;
+  EXPECT_TRUE(orvio::h5::StoredFilterKeeps(place.id(), row, &one, 1));  // in place of all
+}
+
+TEST_F(ScaleOffset, OfIntegersRefusesTheFullRangeBesideTheOthers) {
+  EXPECT_TRUE(IsFiltered<std::int32_t>(0, {2000000000, 2000000001}));
+  const Location place(file_.path(), kValues);
+  const orvio::h5::TypeRow& row = *orvio::h5::FindNumericType(ORV_INT);
+  const std::int32_t near = -1, far = -2000000000;
+  EXPECT_TRUE(orvio::h5::StoredFilterKeepsBeside(place.id(), row, &near, 1));
+  EXPECT_FALSE(orvio::h5::StoredFilterKeepsBeside(place.id(), row, &far, 1));
 }
 
 }  // namespace
