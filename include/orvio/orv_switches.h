@@ -22,6 +22,12 @@ ORVIO_EXPORT int ORVGetResultBlockOverWriteMode();
 ORVIO_EXPORT void OH5SetCompression(int on, int digits);
 ORVIO_EXPORT void OH5GetCompression(int* on, int* digits);
 
+/// Whether the structure of a file is looked at before HDF5 opens it: 1 (the default) refuses a file with damage
+/// anywhere in it, 0 leaves that to HDF5, which may crash on such files. A file is looked at once, and again when it has
+/// changed. What keeps a file from leading to other files holds in both. Answers the old setting; any other value than
+/// 0 and 1 changes nothing.
+ORVIO_EXPORT int ORVSetFileCheck(int mode);
+
 /// Accepted and ignored.
 ORVIO_EXPORT void ORVSetShallowFormatSupportFlag(int flag);
 

@@ -15,6 +15,7 @@
 #include "h5/file_access.h"
 #include "h5/reader_pool.h"
 #include "h5/status.h"
+#include "h5/stored_dataset.h"
 
 using namespace orvio;
 
@@ -179,9 +180,8 @@ int ORVBlock::OH5Read_DATATYPE(hid_t loc, const char* name, _ORVDataType* type) 
 int ORVBlock::GetORVDataTypeForDataSet(hid_t loc, const char* name, _ORVDataType& type) {
   type = ORV_UNKNOWN_TYPE;
   return h5::Entry(kFail, [&] {
-    const h5::Dataset dataset = h5::OpenDataset(loc, name);
-    const h5::Type stored(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-    if (stored) type = h5::RoomyType(stored.get());
+    const h5::StoredDataset dataset(loc, name);
+    if (dataset) type = h5::RoomyType(dataset.type());
     return type == ORV_UNKNOWN_TYPE ? kFail : kOk;
   });
 }

@@ -9,6 +9,7 @@
 #include "filer/versions.h"
 #include "h5/disk_names.h"
 #include "h5/file_access.h"
+#include "h5/stored_dataset.h"
 
 namespace orvio {
 namespace {
@@ -23,12 +24,11 @@ bool HasExtents(const h5::Extents& stored, std::initializer_list<std::int64_t> e
 }
 
 bool Fits(hid_t data, const WrittenShape& shape) {
-  if (std::ranges::count(shape.extents, 0) > 0 || !h5::LinkExists(data, shape.dataset)) return true;
-  const h5::Dataset dataset = h5::OpenDataset(data, shape.dataset);
-  const auto stored = dataset ? h5::ExtentsOfDataset(dataset.get()) : std::nullopt;
-  const h5::Type type(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-  if (!stored || !type || !HasExtents(*stored, shape.extents)) return false;
-  return shape.width == 0 || H5Tget_size(type.get()) == shape.width;
+  if (std::ranges::count(shape.extents, 0) > 0) return true;
+  const h5::StoredDataset dataset(data, shape.dataset);
+  if (dataset.is_missing()) return true;
+  if (!dataset || !HasExtents(dataset.extents(), shape.extents)) return false;
+  return shape.width == 0 || H5Tget_size(dataset.type()) == shape.width;
 }
 
 }  // namespace

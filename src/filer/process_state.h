@@ -18,6 +18,10 @@ class ORVHostAllocate;  // NOLINT(cppcoreguidelines-virtual-class-destructor): a
 
 namespace orvio {
 
+namespace h5 {
+class CheckedFiles;
+}
+
 class WalkGuard;
 
 /// Scale-offset switches of the numeric writes.
@@ -34,6 +38,8 @@ struct ProcessState {
   hid_t g_hLastFile = -1;          ///< last file opened for a group lookup; only written
   Compression compression;         ///< see OH5SetCompression
   int g_nResultOverwriteMode = 0;  ///< not 0: an existing result block may be written into
+
+  int file_check = 1;  ///< see ORVSetFileCheck
 
   OH5ReaderPool* reader_pool = nullptr;      ///< made at the first request, never destroyed
   ORVHostAllocate* buffer_memory = nullptr;  ///< of all cached datasets; made at the first, never destroyed
@@ -53,8 +59,11 @@ struct ProcessState {
   ORVMessageCallBack fetch_message = nullptr;              ///< set together with the filer's own
   char last_error[512] = {};                               ///< see ORVGetLastErrorText
   char status_text[64] = {};                               ///< see ORVGetStatusText
-  hid_t group_access = -1;                                 ///< access lists that refuse external links;
-  hid_t dataset_access = -1;                               ///< HDF5 closes them at exit
+  hid_t file_access = -1;                                  ///< access lists of the library; HDF5 closes them
+  hid_t group_access = -1;                                 ///< at exit, and tells then that they are gone
+  hid_t dataset_access = -1;
+  h5::CheckedFiles* checked_files = nullptr;  ///< made at the first open, never destroyed
+  int entries = 0;                            ///< exported operations that run, one inside the other
 };
 
 ProcessState& process();

@@ -30,6 +30,12 @@ void OH5GetCompression(int* on, int* digits) {
   *digits = process().compression.g_nCompressionDigits;
 }
 
+int ORVSetFileCheck(int mode) {
+  const int before = process().file_check;
+  if (mode == 0 || mode == 1) process().file_check = mode;
+  return before;
+}
+
 void ORVSetShallowFormatSupportFlag(int /*flag*/) {}
 
 void ORVErrorDefultHandler(int code, const char* text) {

@@ -15,6 +15,42 @@
 namespace orvio::h5 {
 namespace {
 
+/// The one door to attributes: one whose value is as large as type and extents say, and of a size that a number or a
+/// text of a result file has.
+class StoredAttribute {
+ public:
+  StoredAttribute(hid_t loc, const char* name) : attribute_(H5Aopen(loc, name, H5P_DEFAULT)) {
+    if (attribute_ && !Fits()) attribute_.reset();
+  }
+
+  explicit operator bool() const { return static_cast<bool>(attribute_); }
+  hid_t get() const { return attribute_.get(); }
+  hid_t type() const { return type_.get(); }
+  H5T_class_t type_class() const { return H5Tget_class(type()); }
+  const Extents& extents() const { return extents_; }
+  [[nodiscard]] bool Close() { return attribute_.Close(); }
+
+ private:
+  bool Fits() {
+    type_ = Type(H5Aget_type(get()));
+    const Space space(type_ ? H5Aget_space(get()) : H5I_INVALID_HID);
+    const auto extents = space ? ExtentsOf(space.get()) : std::nullopt;
+    if (!extents) return false;
+    extents_ = *extents;
+    const size_t element = H5Tget_size(type());
+    const bool number = type_class() == H5T_INTEGER || type_class() == H5T_FLOAT;
+    if (element == 0 || (number && element > disk::kWidestNumber)) return false;
+    const bool plain = number || (type_class() == H5T_STRING && H5Tis_variable_str(type()) == 0);
+    std::uint64_t bytes = 0;
+    if (__builtin_mul_overflow(extents_.points, element, &bytes) || bytes > kUnbackedBytes) return false;
+    return !plain || H5Aget_storage_size(get()) == bytes;
+  }
+
+  Attribute attribute_;
+  Type type_;
+  Extents extents_;
+};
+
 bool FitsAttribute(const Extents& stored, int rank, const hsize_t* dims) {
   if (rank < 1) return stored.points == 1;
   return stored.rank == rank && std::equal(dims, dims + rank, stored.dims);
@@ -54,22 +90,20 @@ int ReadAttribute(hid_t loc, const char* name, int rank, const hsize_t* dims, _O
   if (!row && type != ORV_CHAR) return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" Unknow attribute data type", name);
   if (H5Aexists(loc, name) <= 0) return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" attribute not exist", name);
 
-  const Attribute attribute(H5Aopen(loc, name, H5P_DEFAULT));
-  const Type stored_type(attribute ? H5Aget_type(attribute.get()) : H5I_INVALID_HID);
-  const Space space(attribute ? H5Aget_space(attribute.get()) : H5I_INVALID_HID);
-  const auto stored = space ? ExtentsOf(space.get()) : std::nullopt;
-  if (!stored_type || !stored) return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" failed to read", name);
-
-  if (H5Tget_class(stored_type.get()) != (row ? row->type_class : H5T_STRING)) {
+  const StoredAttribute attribute(loc, name);
+  if (!attribute) return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" failed to read", name);
+  if (attribute.type_class() != (row ? row->type_class : H5T_STRING)) {
     return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" attribute data type mismatch", name);
   }
-  if (!row && H5Tget_size(stored_type.get()) > disk::kTextWidth) {
+  if (!row && H5Tget_size(attribute.type()) > disk::kTextWidth) {
     return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" attribute data type size mismatch", name);
   }
-  if (!FitsAttribute(*stored, rank, dims)) {
+  if (!FitsAttribute(attribute.extents(), rank, dims)) {
     return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" dimension mismatch", name);
   }
-  if (!row) return ReadTextAttribute(attribute.get(), name, stored_type.get(), *stored, static_cast<char*>(buffer));
+  if (!row) {
+    return ReadTextAttribute(attribute.get(), name, attribute.type(), attribute.extents(), static_cast<char*>(buffer));
+  }
   const bool read = H5Aread(attribute.get(), row->native(), buffer) >= 0;
   return read ? kOk : Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" failed to read", name);
 }
@@ -86,12 +120,21 @@ Attribute CreateScalar(hid_t loc, const char* name, hid_t type) {
   return Attribute(H5Acreate2(loc, name, type, space.get(), H5P_DEFAULT, H5P_DEFAULT));
 }
 
+template <class Opened>  // a new attribute, or one that was there
+int WriteAndClose(Opened attribute, const char* name, hid_t type, const void* data) {
+  const bool written = attribute && H5Awrite(attribute.get(), type, data) >= 0;
+  const bool closed = attribute.Close();
+  return written && closed ? kOk : Fail("OH5write_ATTRIBUTE::\n\t \"%s\" fail to write", name);
+}
+
 /// Class and element count must be those that are there: the write goes into the attribute that exists.
-bool TakesOneNumber(hid_t attribute, H5T_class_t type_class) {
-  const Type stored_type(H5Aget_type(attribute));
-  const Space space(H5Aget_space(attribute));
-  const auto stored = space ? ExtentsOf(space.get()) : std::nullopt;
-  return stored_type && H5Tget_class(stored_type.get()) == type_class && stored && stored->points == 1;
+int WriteOverNumber(hid_t loc, const char* name, const TypeRow& row, const void* data) {
+  StoredAttribute attribute(loc, name);
+  if (!attribute) return Fail("OH5write_ATTRIBUTE::\n\t \"%s\" fail to write", name);
+  if (attribute.type_class() != row.type_class || attribute.extents().points != 1) {
+    return Fail("OH5write_ATTRIBUTE::\n\t \"%s\" data type mismatch for attribute", name);
+  }
+  return WriteAndClose(std::move(attribute), name, row.native(), data);
 }
 
 int WriteAttribute(hid_t loc, const char* name, _ORVDataType type, size_t size, const void* data) {
@@ -99,18 +142,10 @@ int WriteAttribute(hid_t loc, const char* name, _ORVDataType type, size_t size, 
   if (!row && type != ORV_CHAR) return Fail("OH5write_ATTRIBUTE::\n\t \"%s\" Unsupported data type", name);
   const Type stored_type = StoredType(row, size);
   if (!stored_type) return Fail("OH5write_ATTRIBUTE::\n\t \"%s\" fail to write", name);
-  bool exists = H5Aexists(loc, name) > 0;
-  if (!row && exists) {
-    if (H5Adelete(loc, name) < 0) return Fail("OH5write_ATTRIBUTE::\n\t \"%s\" fail to write", name);
-    exists = false;
-  }
-  Attribute attribute(exists ? Attribute(H5Aopen(loc, name, H5P_DEFAULT)) : CreateScalar(loc, name, stored_type.get()));
-  if (exists && attribute && !TakesOneNumber(attribute.get(), row->type_class)) {
-    return Fail("OH5write_ATTRIBUTE::\n\t \"%s\" data type mismatch for attribute", name);
-  }
-  const bool written = attribute && H5Awrite(attribute.get(), stored_type.get(), data) >= 0;
-  const bool closed = attribute.Close();
-  return written && closed ? kOk : Fail("OH5write_ATTRIBUTE::\n\t \"%s\" fail to write", name);
+  const bool exists = H5Aexists(loc, name) > 0;
+  if (exists && row) return WriteOverNumber(loc, name, *row, data);
+  if (exists && H5Adelete(loc, name) < 0) return Fail("OH5write_ATTRIBUTE::\n\t \"%s\" fail to write", name);
+  return WriteAndClose(CreateScalar(loc, name, stored_type.get()), name, stored_type.get(), data);
 }
 
 }  // namespace

@@ -63,10 +63,11 @@ inline constexpr char CLASS_LENGTH[] = "CLASS_LENGTH", CLASS_ANGLE[] = "CLASS_AN
 inline constexpr char ZONE[] = "ZONE", FRAME[] = "FRAME", TIMESERIES1[] = "TIMESERIES1";
 inline constexpr char LOADCASE_[] = "LOADCASE_", state_[] = "state";
 
-inline constexpr std::size_t kTextWidth = 256;   // bytes of a stored text, blank padded
-inline constexpr std::size_t kPathWidth = 3000;  // bytes of a buffer for a path taken from HDF5
-inline constexpr std::size_t kNameWidth = 512;   // bytes of a buffer for a link name
-inline constexpr std::size_t kHeaderWidth = 64;  // bytes of the file header
-inline constexpr int kStateDigits = 12;          // digits of the number in a state's group name
+inline constexpr std::size_t kTextWidth = 256;    // bytes of a stored text, blank padded
+inline constexpr std::size_t kWidestNumber = 16;  // bytes of a number, whoever wrote it
+inline constexpr std::size_t kPathWidth = 3000;   // bytes of a buffer for a path taken from HDF5
+inline constexpr std::size_t kNameWidth = 512;    // bytes of a buffer for a link name
+inline constexpr std::size_t kHeaderWidth = 64;   // bytes of the file header
+inline constexpr int kStateDigits = 12;           // digits of the number in a state's group name
 
 }  // namespace orvio::disk

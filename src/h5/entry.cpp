@@ -1,16 +1,21 @@
-// Silencing of HDF5's automatic error printing around the library's own calls.
+// What HDF5 must not do during the library's own calls: print errors and load plugins.
 
 #include "h5/entry.h"
+
+#include "filer/process_state.h"
 
 namespace orvio::h5 {
 
 QuietHdf5::QuietHdf5() noexcept {
+  outermost_ = process().entries++ == 0 && H5PLget_loading_state(&plugins_) >= 0 && H5PLset_loading_state(0) >= 0;
   if (H5Eauto_is_v2(H5E_DEFAULT, &is_v2_) < 0) return;
   known_ = is_v2_ ? H5Eget_auto2(H5E_DEFAULT, &func2_, &data_) >= 0 : H5Eget_auto1(&func1_, &data_) >= 0;
   if (known_) (void)H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);  // cannot fail for the default stack
 }
 
 QuietHdf5::~QuietHdf5() {
+  --process().entries;
+  if (outermost_) (void)H5PLset_loading_state(plugins_);  // cannot fail for what it answered before
   if (!known_) return;
   if (is_v2_) {
     (void)H5Eset_auto2(H5E_DEFAULT, func2_, data_);

@@ -1,13 +1,14 @@
 #pragma once
 
-// The frame around every exported operation: HDF5 is silent inside, and no exception leaves.
+// The frame around every exported operation: inside, HDF5 is silent and loads no code; no exception leaves.
 
 #include <hdf5.h>
 
 namespace orvio::h5 {
 
-/// Keeps HDF5 from printing its error stack and puts the host's setting back. A host may have set its handler
-/// through either generation of HDF5's interface, and only that one can ask for it.
+/// Keeps HDF5 from printing its error stack, and from loading a plugin because a file names a filter that it lacks. Puts
+/// the host's settings back. A host may have set its handler through either generation of HDF5's interface, and only that
+/// one can ask for it.
 class QuietHdf5 {
  public:
   QuietHdf5() noexcept;
@@ -21,6 +22,8 @@ class QuietHdf5 {
   H5E_auto2_t func2_ = nullptr;
   void* data_ = nullptr;
   bool known_ = false;
+  unsigned plugins_ = 0;
+  bool outermost_ = false;  ///< others inside find plugins off already
 };
 
 /// Runs the body of an exported operation. An exception, out of memory above all, becomes `failure`: what grows

@@ -18,7 +18,6 @@ struct Extents {
 
 /// Nothing when HDF5 cannot tell.
 std::optional<Extents> ExtentsOf(hid_t space);
-std::optional<Extents> ExtentsOfDataset(hid_t dataset);
 
 /// Product of the first `rank` entries, 1 for a rank below 1; nothing when it does not fit 64 bits.
 std::optional<std::uint64_t> Product(int rank, const hsize_t* dims);

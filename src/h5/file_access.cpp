@@ -4,7 +4,10 @@
 
 #include <sys/stat.h>
 
+#include <cstring>
+
 #include "filer/process_state.h"
+#include "h5/file_driver.h"
 #include "h5/status.h"
 
 namespace orvio::h5 {
@@ -13,55 +16,68 @@ namespace {
 /// A result file must not make its reader open another file.
 herr_t RefuseExternalLink(const char*, const char*, const char*, const char*, unsigned*, hid_t, void*) { return -1; }
 
-/// Whether a cached id still is the list that was made. A host may have closed HDF5 in between: its ids begin anew
-/// then, and the same number may be any other list.
-bool IsOurs(hid_t cached, hid_t list_class) {
-  H5L_elink_traverse_t callback = nullptr;
-  void* data = nullptr;
-  return cached > 0 && H5Iget_type(cached) == H5I_GENPROP_LST && H5Pisa_class(cached, list_class) > 0 &&
-         H5Pget_elink_cb(cached, &callback, &data) >= 0 && callback == RefuseExternalLink;
+PropertyList MakeFileAccess() {
+  PropertyList list(H5Pcreate(H5P_FILE_ACCESS));
+  const Driver driver(RegisterFileDriver());
+  const bool made = list && driver && H5Pset_driver(list.get(), driver.get(), nullptr) >= 0 &&
+                    H5Pset_vol(list.get(), H5VL_NATIVE, nullptr) >= 0 &&
+                    H5Pset_fclose_degree(list.get(), H5F_CLOSE_STRONG) >= 0;
+  if (!made) list.reset();
+  return list;
 }
 
-hid_t AccessList(hid_t& cached, hid_t list_class) {
-  if (IsOurs(cached, list_class)) return cached;
-  cached = H5Pcreate(list_class);
-  if (cached > 0 && H5Pset_elink_cb(cached, RefuseExternalLink, nullptr) < 0) {
-    PropertyList dropped(std::exchange(cached, H5I_INVALID_HID));
+PropertyList MakeLinkAccess(hid_t list_class) {
+  PropertyList list(H5Pcreate(list_class));
+  if (list && H5Pset_elink_cb(list.get(), RefuseExternalLink, nullptr) < 0) list.reset();
+  return list;
+}
+
+/// Makes all lists at the first use. The driver tells when HDF5 is closed, and they with it.
+const ProcessState& Lists() {
+  ProcessState& state = process();
+  if (state.file_access > 0) return state;
+  PropertyList file = MakeFileAccess();
+  PropertyList group = MakeLinkAccess(H5P_GROUP_ACCESS);
+  PropertyList dataset = MakeLinkAccess(H5P_DATASET_ACCESS);
+  if (file && group && dataset) {
+    state.file_access = file.release();
+    state.group_access = group.release();
+    state.dataset_access = dataset.release();
   }
-  return cached;
+  return state;
 }
 
-hid_t GroupAccess() { return AccessList(process().group_access, H5P_GROUP_ACCESS); }
+/// Without the list of the library nothing is opened: the default one would follow links to other files.
+hid_t GroupAccess() { return Lists().group_access; }
 
-hid_t DatasetAccess() { return AccessList(process().dataset_access, H5P_DATASET_ACCESS); }
+/// The list of a caller, if there is one.
+hid_t ListOr(hid_t access) { return access > 0 ? access : GroupAccess(); }
+
+/// The library's own list keeps each step of a path inside the file. For single names, which is how children are found, and
+/// for the lists of hosts the link itself is looked at, too; for long paths that would walk them twice.
+bool MayBeOpened(hid_t loc, const char* name, hid_t access) {
+  if (GroupAccess() <= 0) return false;
+  const bool is_checked = access > 0 || !std::strchr(name, '/');
+  return !is_checked || StaysInside(loc, name);
+}
 
 bool IsRegularFile(const char* name) {
   struct stat info = {};
   return stat(name, &info) == 0 && S_ISREG(info.st_mode);
 }
 
-/// Looks at the creation list before anything else is asked of the dataset: a virtual one opens its sources as
-/// soon as its extents are wanted.
-bool HoldsItsOwnData(hid_t dataset) {
-  const PropertyList list(H5Dget_create_plist(dataset));
-  if (!list || H5Pget_external_count(list.get()) != 0) return false;
-  const H5D_layout_t layout = H5Pget_layout(list.get());
-  return layout == H5D_COMPACT || layout == H5D_CONTIGUOUS || layout == H5D_CHUNKED;
-}
-
 }  // namespace
 
 File OpenFile(const char* name, unsigned flags) {
-  if (!IsRegularFile(name)) return File();
-  return File(H5Fopen(name, flags, H5P_DEFAULT));
+  const hid_t access = Lists().file_access;
+  return File(access > 0 ? H5Fopen(name, flags, access) : H5I_INVALID_HID);
 }
 
 File CreateFile(const char* name) {
-  if (FileExists(name) && !IsRegularFile(name)) return File();
-  return File(H5Fcreate(name, H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
+  const hid_t access = Lists().file_access;
+  if (access <= 0 || (FileExists(name) && !IsRegularFile(name))) return File();
+  return File(H5Fcreate(name, H5F_ACC_TRUNC, H5P_DEFAULT, access));
 }
-
-bool IsHdf5File(const char* name) { return IsRegularFile(name) && H5Fis_accessible(name, H5P_DEFAULT) > 0; }
 
 bool FileExists(const char* name) {
   struct stat info = {};
@@ -69,17 +85,26 @@ bool FileExists(const char* name) {
 }
 
 Group OpenGroup(hid_t loc, const char* name, hid_t access) {
-  return Group(H5Gopen2(loc, name, access > 0 ? access : GroupAccess()));
+  return Group(MayBeOpened(loc, name, access) ? H5Gopen2(loc, name, ListOr(access)) : H5I_INVALID_HID);
 }
 
 Object OpenObject(hid_t loc, const char* name, hid_t access) {
-  return Object(H5Oopen(loc, name, access > 0 ? access : GroupAccess()));
+  return Object(MayBeOpened(loc, name, access) ? H5Oopen(loc, name, ListOr(access)) : H5I_INVALID_HID);
 }
 
-Dataset OpenDataset(hid_t loc, const char* name) {
-  Dataset dataset(H5Dopen2(loc, name, DatasetAccess()));
-  if (dataset && !HoldsItsOwnData(dataset.get())) dataset.reset();
-  return dataset;
+hid_t DatasetAccess() { return Lists().dataset_access; }
+
+bool StaysInside(hid_t loc, const char* name) {
+  H5L_info2_t info = {};
+  if (H5Lget_info2(loc, name, &info, GroupAccess()) < 0) return true;  // the open will tell
+  return info.type == H5L_TYPE_HARD || info.type == H5L_TYPE_SOFT;
+}
+
+H5O_type_t TypeOfObject(hid_t loc, const char* name) {
+  H5O_info2_t info = {};
+  const bool known =
+      StaysInside(loc, name) && H5Oget_info_by_name3(loc, name, &info, H5O_INFO_BASIC, GroupAccess()) >= 0;
+  return known ? info.type : H5O_TYPE_UNKNOWN;
 }
 
 Group CreateGroup(hid_t loc, const char* name) {

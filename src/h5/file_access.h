@@ -9,14 +9,13 @@
 
 namespace orvio::h5 {
 
-/// Opens a regular file with the flags of H5Fopen. A pipe or a device would hang or invent data: neither opens.
+/// Opens a regular file with the flags of H5Fopen, through the library's own driver whatever the environment says. A pipe
+/// or a device would hang or invent data: neither opens. Nor does a file whose structure is damaged: the last error text
+/// says where.
 File OpenFile(const char* name, unsigned flags);
 
 /// Makes a file, truncating what is there.
 File CreateFile(const char* name);
-
-/// Whether the name is that of a regular file that starts as an HDF5 file does.
-bool IsHdf5File(const char* name);
 
 /// Whether something stands under that name, readable or not.
 bool FileExists(const char* name);
@@ -26,8 +25,15 @@ bool FileExists(const char* name);
 Group OpenGroup(hid_t loc, const char* name, hid_t access = H5P_DEFAULT);
 Object OpenObject(hid_t loc, const char* name, hid_t access = H5P_DEFAULT);
 
-/// Opens a dataset whose values lie in the file itself: raw data in other files and virtual datasets are refused.
-Dataset OpenDataset(hid_t loc, const char* name);
+/// The access list of datasets: external links are refused. The open itself is that of StoredDataset.
+hid_t DatasetAccess();
+
+/// Type of the object that a link leads to, without opening the object; H5O_TYPE_UNKNOWN where it leads nowhere or out of
+/// the file.
+H5O_type_t TypeOfObject(hid_t loc, const char* name);
+
+/// Whether the last link of a path leads to an object of the same file. Names without a link of their own, like ".", do.
+bool StaysInside(hid_t loc, const char* name);
 
 Group CreateGroup(hid_t loc, const char* name);
 Group OpenOrCreateGroup(hid_t loc, const char* name);

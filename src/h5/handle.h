@@ -45,5 +45,6 @@ using Space = Owned<H5Sclose>;
 using Type = Owned<H5Tclose>;
 using PropertyList = Owned<H5Pclose>;
 using Object = Owned<H5Oclose>;
+using Driver = Owned<H5FDunregister>;
 
 }  // namespace orvio::h5

@@ -6,14 +6,15 @@
 #include <memory>
 
 #include "filer/process_state.h"
+#include "h5/data_type.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
-#include "h5/extents.h"
 #include "h5/file_access.h"
 #include "h5/file_header.h"
 #include "h5/open_objects.h"
 #include "h5/reader_pool.h"
 #include "h5/status.h"
+#include "h5/stored_dataset.h"
 #include "orvio/oh5_io.h"
 
 using namespace orvio;
@@ -40,7 +41,6 @@ int OH5Reader::OpenFile(const char* name, unsigned flags) {
   return h5::Entry(kFail, [&] {
     (void)H5check_version(H5_VERS_MAJOR, H5_VERS_MINOR, H5_VERS_RELEASE);  // ends the process on a mismatch
     if (H5open() < 0) return kFail;
-    if (flags == H5F_ACC_RDONLY && !h5::IsHdf5File(name)) return kFail;
     m_file = h5::OpenFile(name, flags).release();
     if (m_file < 0) m_file = -1;
     return m_file < 0 ? kFail : kOk;
@@ -135,14 +135,13 @@ int OH5Reader::GetLocationStrings(std::string& first, std::string& second, std::
 
 namespace {
 
-void AppendFilters(hid_t dataset, std::vector<int>& filters) {
-  const h5::PropertyList list(H5Dget_create_plist(dataset));
-  const int count = list ? H5Pget_nfilters(list.get()) : 0;
+void AppendFilters(hid_t creation_list, std::vector<int>& filters) {
+  const int count = H5Pget_nfilters(creation_list);
   for (int i = 0; i < count; ++i) {
     unsigned flags = 0;
     size_t values = 0;
     const H5Z_filter_t id =
-        H5Pget_filter2(list.get(), static_cast<unsigned>(i), &flags, &values, nullptr, 0, nullptr, nullptr);
+        H5Pget_filter2(creation_list, static_cast<unsigned>(i), &flags, &values, nullptr, 0, nullptr, nullptr);
     if (id >= 0) filters.push_back(id);
   }
 }
@@ -155,15 +154,14 @@ int OH5Reader::GetDatasetInfo(hid_t loc, const std::string& name, int& rank, hsi
   total = 0;
   if (loc < 0 || !dims) return kFail;
   return h5::Entry(kFail, [&] {
-    if (!h5::LinkExists(loc, name.c_str())) return kFail;
-    const h5::Dataset dataset = h5::OpenDataset(loc, name.c_str());
-    const auto stored = dataset ? h5::ExtentsOfDataset(dataset.get()) : std::nullopt;
-    if (!stored || stored->rank < 1) return kFail;
-    (void)OH5DatasetType(dataset.get(), &type);  // an unsupported type is an answer here: ORV_UNKNOWN_TYPE
-    if (filters) AppendFilters(dataset.get(), *filters);
-    rank = stored->rank;
-    std::copy_n(stored->dims, stored->rank, dims);
-    total = stored->points;
+    const h5::StoredDataset dataset(loc, name.c_str());
+    const h5::Extents& stored = dataset.extents();
+    if (!dataset || stored.rank < 1) return kFail;
+    type = h5::ExactType(dataset.type());
+    if (filters) AppendFilters(dataset.creation_list(), *filters);
+    rank = stored.rank;
+    std::copy_n(stored.dims, stored.rank, dims);
+    total = stored.points;
     return kOk;
   });
 }
@@ -198,13 +196,8 @@ void OH5Reader::ListGroupLinks(hid_t group, std::vector<std::string>& names, std
   for (hssize_t i = 0; i < count; ++i) {
     const auto index = static_cast<hsize_t>(i);
     const std::string name = h5::LinkName(group, index, h5::LinkNameLength(group, index) + 1);
-    H5O_info1_t info = {};
-    info.type = H5O_TYPE_UNKNOWN;  // stays for a link that leads nowhere
-    // Opened by name and not asked for by position: that call would follow links into other files.
-    const h5::Object object = h5::OpenObject(group, name.c_str());
-    if (object) (void)H5Oget_info1(object.get(), &info);
     names.push_back(name);
-    types.push_back(info.type);
+    types.push_back(h5::TypeOfObject(group, name.c_str()));
   }
 }
 

@@ -10,6 +10,7 @@
 #include "h5/file_access.h"
 #include "h5/scale_offset.h"
 #include "h5/status.h"
+#include "h5/stored_dataset.h"
 #include "orvio/oh5_io.h"
 
 namespace orvio::h5 {
@@ -29,7 +30,9 @@ struct Growth {
   const void* data;
 };
 
-int WriteFailed(const Growth& growth) { return Fail("OH5Write_SELECTIVE::\n\t Failed to write ::\"%s\"", growth.name); }
+int WriteFailed(const Growth& growth, const char* why = "") {
+  return Fail("OH5Write_SELECTIVE::\n\t Failed to write ::\"%s\"%s", growth.name, why);
+}
 
 /// Numbers have their native type, texts are blank padded and as long as the first entry of `extent`, else 256.
 Type MemoryType(const Growth& growth) {
@@ -79,30 +82,29 @@ bool Enlarge(const Growth& growth, hsize_t* dims) {
 }
 
 Dataset OpenGrowing(const Growth& growth, hsize_t* dims) {
-  Dataset dataset = OpenDataset(growth.loc, growth.name);
-  const Type type(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-  const auto stored = dataset ? ExtentsOfDataset(dataset.get()) : std::nullopt;
-  if (!type || !stored) {
-    (void)WriteFailed(growth);
+  StoredDataset dataset(growth.loc, growth.name);
+  if (!dataset) {
+    (void)WriteFailed(growth, dataset.refusal());
     return Dataset();
   }
-  const H5T_class_t stored_class = H5Tget_class(type.get());
+  const Extents& stored = dataset.extents();
+  const H5T_class_t stored_class = dataset.type_class();
   const H5T_class_t wanted = growth.row ? growth.row->type_class : H5T_STRING;
   if (stored_class > H5T_STRING || stored_class == H5T_TIME) {
     SetLastError("OH5Write_SELECTIVE::\n\t \"%s\" datatype ORV_FLOAT or ORV_INT expected", growth.name);
     return Dataset();
   }
-  if (stored->rank > growth.rank) {
+  if (stored.rank > growth.rank) {
     SetLastError("OH5Write_SELECTIVE::\n\t \"%s\" can not reduce original size", growth.name);
     return Dataset();
   }
   const bool text_mixed = (stored_class == H5T_STRING) != (wanted == H5T_STRING);
-  if (stored->rank != growth.rank || text_mixed || H5Tis_variable_str(type.get()) > 0) {
+  if (stored.rank != growth.rank || text_mixed || H5Tis_variable_str(dataset.type()) > 0) {
     (void)WriteFailed(growth);
     return Dataset();
   }
-  std::copy_n(stored->dims, stored->rank, dims);
-  if (Enlarge(growth, dims)) return dataset;
+  std::copy_n(stored.dims, stored.rank, dims);
+  if (Enlarge(growth, dims)) return dataset.Take();
   (void)WriteFailed(growth);
   return Dataset();
 }
@@ -155,7 +157,7 @@ int WriteGrowing(const Growth& growth) {
   if (!exists) dataset = CreateGrowing(growth, type.get());
   if (!dataset) return WriteFailed(growth);
   if (exists && !IsExtendable(dataset.get())) return WriteFailed(growth);
-  if (exists && growth.row && !StoredFilterKeeps(dataset.get(), *growth.row, growth.data, *points)) {
+  if (exists && growth.row && !StoredFilterKeepsBeside(dataset.get(), *growth.row, growth.data, *points)) {
     return WriteFailed(growth);
   }
   return WriteSelected(std::move(dataset), growth, dims, type.get());

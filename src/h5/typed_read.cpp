@@ -8,7 +8,9 @@
 #include "h5/entry.h"
 #include "h5/extents.h"
 #include "h5/file_access.h"
+#include "h5/scale_offset_read.h"
 #include "h5/status.h"
+#include "h5/stored_dataset.h"
 #include "orvio/oh5_io.h"
 
 namespace orvio::h5 {
@@ -29,25 +31,32 @@ bool FitsWhole(const Extents& stored, int rank, const hsize_t* dims) {
   return true;
 }
 
+/// Reads what went through the scale-offset filter alone by the library's own decoder: HDF5 cannot read all that its filter
+/// writes. All else is for `by_hdf5`.
+template <class ByHdf5>
+bool ReadValues(const StoredDataset& dataset, const TypeRow& row, const Slab* slab, void* buffer, ByHdf5 by_hdf5) {
+  if (!dataset.is_filtered()) return by_hdf5();
+  const Decoded decoded = ReadScaleOffset(dataset.get(), dataset.extents(), row, slab, buffer);
+  return decoded == Decoded::kNotOurs ? by_hdf5() : decoded == Decoded::kDone;
+}
+
 int ReadNumbers(hid_t loc, const char* name, int rank, const hsize_t* dims, _ORVDataType type, void* buffer) {
   if (HasZero(rank, dims)) return kFail;
   const TypeRow* row = FindNumericType(type);
   if (!row) return Fail("DatasetIO::\n\t \"%s\" Unable to get HDF5 datatype for given ORV datatype", name);
-  if (!LinkExists(loc, name)) return kFail;
-  const Dataset dataset(OpenDataset(loc, name));
-  const Type stored_type(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-  if (!stored_type) return Fail("DatasetIO::\n\t Read Failed ::\"%s\"", name);
-  const H5T_class_t stored_class = H5Tget_class(stored_type.get());
+  const StoredDataset dataset(loc, name);
+  if (dataset.is_missing()) return kFail;
+  if (!dataset) return Fail("DatasetIO::\n\t Read Failed ::\"%s\"%s", name, dataset.refusal());
+  const H5T_class_t stored_class = dataset.type_class();
   if (stored_class != row->type_class) {
     return Fail("DatasetIO::\n\t \"%s\" datatype expected (H5T_class_t=%d). Got (H5T_class_t=%d) type", name,
                 row->type_class, stored_class);
   }
-  const auto stored = ExtentsOfDataset(dataset.get());
-  if (!stored || !FitsWhole(*stored, rank, dims)) return Fail("DatasetIO::\n\t \"%s\" dimension mismatch", name);
-  if (H5Dread(dataset.get(), row->native(), H5S_ALL, H5S_ALL, H5P_DEFAULT, buffer) < 0) {
-    return Fail("DatasetIO::\n\t Read Failed ::\"%s\"", name);
-  }
-  return kOk;
+  if (!FitsWhole(dataset.extents(), rank, dims)) return Fail("DatasetIO::\n\t \"%s\" dimension mismatch", name);
+  const bool read = ReadValues(dataset, *row, nullptr, buffer, [&] {
+    return H5Dread(dataset.get(), row->native(), H5S_ALL, H5S_ALL, H5P_DEFAULT, buffer) >= 0;
+  });
+  return read ? kOk : Fail("DatasetIO::\n\t Read Failed ::\"%s\"", name);
 }
 
 bool SameExtents(const Extents& stored, int rank, const hsize_t* dims) {
@@ -56,20 +65,20 @@ bool SameExtents(const Extents& stored, int rank, const hsize_t* dims) {
 }
 
 int ReadTexts(hid_t loc, const char* name, int rank, const hsize_t* dims, int size, char* buffer) {
-  if (HasZero(rank, dims) || !LinkExists(loc, name)) return kFail;
-  const Dataset dataset(OpenDataset(loc, name));
-  const Type type(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-  if (!type) return Fail("OH5Read_CHAR::\n\t Read Failed ::\"%s\" ", name);
-  const H5T_class_t stored_class = H5Tget_class(type.get());
+  if (HasZero(rank, dims)) return kFail;
+  const StoredDataset dataset(loc, name);
+  if (dataset.is_missing()) return kFail;
+  if (!dataset) return Fail("OH5Read_CHAR::\n\t Read Failed ::\"%s\" %s", name, dataset.refusal());
+  const hid_t type = dataset.type();
+  const H5T_class_t stored_class = dataset.type_class();
   if (stored_class != H5T_STRING) {
     return Fail("OH5Read_CHAR::\n\t \"%s\" datatype ORV_CHAR expected (H5T_class_t=%d). Got (H5T_class_t=%d) type",
                 name, H5T_STRING, stored_class);
   }
-  const auto stored = ExtentsOfDataset(dataset.get());
-  const bool fits = H5Tis_variable_str(type.get()) == 0 && size > 0 &&
-                    H5Tget_size(type.get()) == static_cast<size_t>(size) && stored && SameExtents(*stored, rank, dims);
+  const bool fits = H5Tis_variable_str(type) == 0 && size > 0 && H5Tget_size(type) == static_cast<size_t>(size) &&
+                    SameExtents(dataset.extents(), rank, dims);
   if (!fits) return Fail("OH5Read_CHAR::\n\t \"%s\" dimension mismatch", name);
-  if (H5Dread(dataset.get(), type.get(), H5S_ALL, H5S_ALL, H5P_DEFAULT, buffer) < 0) {
+  if (H5Dread(dataset.get(), type, H5S_ALL, H5S_ALL, H5P_DEFAULT, buffer) < 0) {
     return Fail("OH5Read_CHAR::\n\t Read Failed ::\"%s\" ", name);
   }
   return kOk;
@@ -111,39 +120,42 @@ herr_t SelectInFile(hid_t space, const Selection& selection) {
   return H5Sselect_hyperslab(space, H5S_SELECT_SET, selection.start, stride, selection.count, selection.block);
 }
 
-int ReadSelected(hid_t dataset, const char* name, const Selection& selection, hid_t native, void* buffer) {
-  const Space in_file(H5Dget_space(dataset));
-  const auto stored = in_file ? ExtentsOf(in_file.get()) : std::nullopt;
-  if (!stored) return Fail("OH5Read_SELECTINE::\n\t Read Failed ::\"%s\"", name);
-  if (selection.rank < 1 && stored->points != 1) return Fail("OH5Read_SELECTINE::\n\t \"%s\" dimension mismatch", name);
-  if (selection.rank > 0 && CheckSelection(name, *stored, selection) != kOk) return kFail;
+int ReadSelected(const StoredDataset& dataset, const char* name, const Selection& selection, const TypeRow& row,
+                 void* buffer) {
+  const Extents& stored = dataset.extents();
+  if (selection.rank < 1 && stored.points != 1) return Fail("OH5Read_SELECTINE::\n\t \"%s\" dimension mismatch", name);
+  if (selection.rank > 0 && CheckSelection(name, stored, selection) != kOk) return kFail;
 
   const auto counted = Product(selection.rank, selection.count);
   const auto blocked = selection.block ? Product(selection.rank, selection.block) : 1;
   hsize_t total = 0;
   if (!counted || !blocked || __builtin_mul_overflow(*counted, *blocked, &total)) return kFail;
-  const Space in_memory(H5Screate_simple(1, &total, nullptr));
-  if (!in_memory || SelectInFile(in_file.get(), selection) < 0 ||
-      H5Dread(dataset, native, in_memory.get(), in_file.get(), H5P_DEFAULT, buffer) < 0) {
+  const Slab slab{selection.start, selection.count, selection.block ? selection.stride : nullptr, selection.block};
+  const bool read = ReadValues(dataset, row, selection.rank > 0 ? &slab : nullptr, buffer, [&] {
+    const Space in_memory(H5Screate_simple(1, &total, nullptr));
+    return in_memory && SelectInFile(dataset.space(), selection) >= 0 &&
+           H5Dread(dataset.get(), row.native(), in_memory.get(), dataset.space(), H5P_DEFAULT, buffer) >= 0;
+  });
+  if (!read) {
     return Fail("OH5Read_SELECTINE::\n\t Read Failed ::\"%s\"", name);
   }
   return kOk;
 }
 
 int ReadSelective(hid_t loc, const char* name, const Selection& selection, _ORVDataType type, void* buffer) {
-  if (HasZero(selection.rank, selection.count) || !LinkExists(loc, name)) return kFail;
+  if (HasZero(selection.rank, selection.count)) return kFail;
   const TypeRow* row = FindNumericType(type);
   if (!row) return kFail;
-  const Dataset dataset(OpenDataset(loc, name));
-  const Type stored_type(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-  if (!stored_type) return Fail("OH5Read_SELECTINE::\n\t Read Failed ::\"%s\"", name);
-  const H5T_class_t stored_class = H5Tget_class(stored_type.get());
+  const StoredDataset dataset(loc, name);
+  if (dataset.is_missing()) return kFail;
+  if (!dataset) return Fail("OH5Read_SELECTINE::\n\t Read Failed ::\"%s\"%s", name, dataset.refusal());
+  const H5T_class_t stored_class = dataset.type_class();
   if (stored_class != row->type_class) {
     const char* expected = row->type_class == H5T_FLOAT ? "ORV_FLOAT" : "ORV_INT";
     return Fail("OH5Read_SELECTIVE::\n\t \"%s\" datatype %s expected (H5T_class_t = %d). Got H5T_class_t=%d type", name,
                 expected, row->type_class, stored_class);
   }
-  return ReadSelected(dataset.get(), name, selection, row->native(), buffer);
+  return ReadSelected(dataset, name, selection, *row, buffer);
 }
 
 }  // namespace
@@ -187,11 +199,11 @@ int OH5Read_DATATYPE(hid_t loc, const char* name, _ORVDataType* type) {
   *type = ORV_UNKNOWN_TYPE;
   if (!name) return kFail;
   return h5::Entry(kFail, [&] {
-    if (!h5::LinkExists(loc, name)) {
+    const h5::StoredDataset dataset(loc, name);
+    if (dataset.is_missing()) {
       *type = ORV_NO_DATASET;
       return kOk;
     }
-    const h5::Dataset dataset(h5::OpenDataset(loc, name));
     return dataset ? OH5DatasetType(dataset.get(), type) : kFail;
   });
 }

@@ -10,6 +10,7 @@
 #include "h5/file_access.h"
 #include "h5/scale_offset.h"
 #include "h5/status.h"
+#include "h5/stored_dataset.h"
 #include "orvio/oh5_io.h"
 
 namespace orvio::h5 {
@@ -63,7 +64,8 @@ PropertyList CreationList(const Write& write, const TypeRow& row, hsize_t count)
 }
 
 /// Small data sit in HDF5's buffers until the dataset is closed, so the close counts as part of the write.
-int WriteAndClose(Dataset dataset, const Write& write, hid_t memory_type) {
+template <class Opened>  // a new dataset, or one that was there
+int WriteAndClose(Opened dataset, const Write& write, hid_t memory_type) {
   const bool written = dataset && H5Dwrite(dataset.get(), memory_type, H5S_ALL, H5S_ALL, H5P_DEFAULT, write.data) >= 0;
   const bool closed = dataset.Close();
   return written && closed ? kOk : Fail("%s::\n\t Failed to write ::\"%s\"", write.who, write.name);
@@ -90,16 +92,14 @@ int WrongClass(const Write& write, H5T_class_t wanted, H5T_class_t stored) {
 }
 
 int WriteOverNumbers(const Write& write, const TypeRow& row) {
-  Dataset dataset = OpenDataset(write.loc, write.name);
-  const Type stored_type(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-  const auto stored = dataset ? ExtentsOfDataset(dataset.get()) : std::nullopt;
-  if (!stored_type || !stored) return Fail("%s::\n\t Failed to write ::\"%s\"", write.who, write.name);
-  const H5T_class_t stored_class = H5Tget_class(stored_type.get());
+  StoredDataset dataset(write.loc, write.name);
+  if (!dataset) return Fail("%s::\n\t Failed to write ::\"%s\"%s", write.who, write.name, dataset.refusal());
+  const H5T_class_t stored_class = dataset.type_class();
   if (stored_class != row.type_class) return WrongClass(write, row.type_class, stored_class);
-  if (stored->rank > std::max(write.rank, 0) || !BufferCovers(*stored, write)) {
+  if (dataset.extents().rank > std::max(write.rank, 0) || !BufferCovers(dataset.extents(), write)) {
     return Fail("%s::\n\t \"%s\" can not reduce original size", write.who, write.name);
   }
-  if (!StoredFilterKeeps(dataset.get(), row, write.data, stored->points)) {
+  if (!StoredFilterKeeps(dataset.get(), row, write.data, dataset.extents().points)) {
     return Fail("%s::\n\t Failed to write ::\"%s\"", write.who, write.name);
   }
   return WriteAndClose(std::move(dataset), write, row.native());
@@ -117,14 +117,12 @@ int WriteNumbers(const Write& write, H5T_class_t type_class, _ORVDataType type) 
 }
 
 int WriteOverTexts(const Write& write, hid_t type) {
-  Dataset dataset = OpenDataset(write.loc, write.name);
-  const Type stored_type(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-  const auto stored = dataset ? ExtentsOfDataset(dataset.get()) : std::nullopt;
-  if (!stored_type || !stored) return Fail("OH5Write_CHAR::\n\t Failed to write ::\"%s\"", write.name);
-  if (H5Tget_class(stored_type.get()) != H5T_STRING || H5Tis_variable_str(stored_type.get()) != 0) {
+  StoredDataset dataset(write.loc, write.name);
+  if (!dataset) return Fail("OH5Write_CHAR::\n\t Failed to write ::\"%s\"%s", write.name, dataset.refusal());
+  if (dataset.type_class() != H5T_STRING || H5Tis_variable_str(dataset.type()) != 0) {
     return Fail("OH5Write_CHAR::\n\t existing \"%s\" dataset is not ORV_CHAR type", write.name);
   }
-  if (stored->rank > std::max(write.rank, 0) || !BufferCovers(*stored, write)) {
+  if (dataset.extents().rank > std::max(write.rank, 0) || !BufferCovers(dataset.extents(), write)) {
     return Fail("OH5Write_CHAR::\n\t existing \"%s\" dataspace rank is not same as that of ovewrite requested",
                 write.name);
   }
@@ -169,15 +167,14 @@ int OH5CheckDataSet(hid_t loc, const char* name, const hsize_t* dims, _ORVDataTy
   if (((static_cast<int>(type) - 2) & ~4) != 0) return kOk;
   if (!name || !dims || dims[0] == 0) return kFail;
   return h5::Entry(kFail, [&] {
-    const h5::Dataset dataset(h5::LinkExists(loc, name) ? h5::OpenDataset(loc, name) : h5::Dataset());
-    const h5::Type stored_type(dataset ? H5Dget_type(dataset.get()) : H5I_INVALID_HID);
-    if (!stored_type) return Fail("OH5CheckDataSet::\n\t \"%s\"  dataset open failed", name);
-    const H5T_class_t stored_class = H5Tget_class(stored_type.get());
+    const h5::StoredDataset dataset(loc, name);
+    if (!dataset) return Fail("OH5CheckDataSet::\n\t \"%s\"  dataset open failed%s", name, dataset.refusal());
+    const H5T_class_t stored_class = dataset.type_class();
     if (stored_class != H5T_INTEGER && stored_class != H5T_FLOAT) {
       return Fail("OH5CheckDataSet::\n\t \"%s\"  datatype ORV_INT/ORV_FLOAT expected", name);
     }
-    const auto stored = h5::ExtentsOfDataset(dataset.get());
-    const bool fits = stored && stored->rank == 1 && stored->dims[0] == dims[0];
+    const h5::Extents& stored = dataset.extents();
+    const bool fits = stored.rank == 1 && stored.dims[0] == dims[0];
     return fits ? kOk : Fail("OH5CheckDataSet::\n\t \"%s\" dimension mismatch", name);
   });
 }

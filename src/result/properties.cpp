@@ -16,6 +16,7 @@
 #include "h5/file_access.h"
 #include "h5/header_io.h"
 #include "h5/status.h"
+#include "h5/stored_dataset.h"
 #include "result/result_datasets.h"
 
 using namespace orvio;
@@ -76,9 +77,8 @@ std::optional<std::uint64_t> TextBytes(const ORVProperties& block, int texts) {
 
 /// The texts as they are stored: one or many in any shape.
 std::optional<h5::Extents> StoredTexts(hid_t data) {
-  const bool exists = h5::LinkExists(data, disk::cparam);
-  const h5::Dataset dataset = exists ? h5::OpenDataset(data, disk::cparam) : h5::Dataset();
-  return dataset ? h5::ExtentsOfDataset(dataset.get()) : std::nullopt;
+  const h5::StoredDataset dataset(data, disk::cparam);
+  return dataset ? std::optional(dataset.extents()) : std::nullopt;
 }
 
 /// Bytes that the stored texts of a length claim; nothing when they cannot be counted.
@@ -160,8 +160,7 @@ using Bytes = std::unique_ptr<char, Free>;
 
 /// Bytes that the stored texts take in the file; their extents alone may claim anything.
 std::uint64_t StoredBytes(hid_t data) {
-  const bool exists = h5::LinkExists(data, disk::cparam);
-  const h5::Dataset dataset = exists ? h5::OpenDataset(data, disk::cparam) : h5::Dataset();
+  const h5::StoredDataset dataset(data, disk::cparam);
   return dataset ? H5Dget_storage_size(dataset.get()) : 0;
 }
 

@@ -38,7 +38,7 @@ std::optional<ColumnSlab> SelectColumn(const ORVResult& block, int column) {
 bool IsBacked(ORVResult& block, const char* file, std::uint64_t values) {
   if (values <= h5::kUnbackedBytes / sizeof(float)) return true;
   const int state = StateOf(block, kFirstState);
-  return values <= StoredPoints(block, file, state, ResultPart::kIndex, disk::indexval);
+  return values <= AllocatedPoints(block, file, state, ResultPart::kIndex, disk::indexval);
 }
 
 /// Reads a column of index values. False when it cannot be read.

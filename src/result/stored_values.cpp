@@ -43,11 +43,11 @@ std::uint64_t AllocatedPoints(ORVResult& block, const char* file, int state, Res
   return group ? h5::AllocatedElements(ResultParts(group.get()).of(part), name) : 0;
 }
 
-std::uint64_t StoredPointsAtPath(ORVResult& block, const char* file, ResultPart part, const char* name) {
+std::uint64_t AllocatedPointsAtPath(ORVResult& block, const char* file, ResultPart part, const char* name) {
   const ReaderLease reader(block, file);
   if (!reader) return 0;
   const h5::Group group(reader->OpenGroup(reader->GetFileId(), block.GetBlkPathCstr(), H5P_DEFAULT));
-  return group ? PointsIn(*reader, group.get(), part, name) : 0;
+  return group ? h5::AllocatedElements(ResultParts(group.get()).of(part), name) : 0;
 }
 
 }  // namespace orvio

@@ -18,7 +18,7 @@ std::uint64_t StoredPoints(ORVResult& block, const char* file, int state, Result
 /// Number of those that have bytes in the file, be they compressed or not. A dataset of any extents may have none.
 std::uint64_t AllocatedPoints(ORVResult& block, const char* file, int state, ResultPart part, const char* name);
 
-/// As StoredPoints, at the block's own path.
-std::uint64_t StoredPointsAtPath(ORVResult& block, const char* file, ResultPart part, const char* name);
+/// The same at the block's own path.
+std::uint64_t AllocatedPointsAtPath(ORVResult& block, const char* file, ResultPart part, const char* name);
 
 }  // namespace orvio

@@ -118,8 +118,8 @@ bool PathFetch::IsBacked() const {
   for (ORVResult* block : blocks_) {
     const auto amounts = block ? AmountsOf(*block) : std::nullopt;
     if (!amounts) continue;
-    unbacked -= std::min(amounts->values, StoredPointsAtPath(*block, file_, ResultPart::kData, disk::res));
-    unbacked -= std::min(amounts->index, StoredPointsAtPath(*block, file_, ResultPart::kIndex, disk::indexval));
+    unbacked -= std::min(amounts->values, AllocatedPointsAtPath(*block, file_, ResultPart::kData, disk::res));
+    unbacked -= std::min(amounts->index, AllocatedPointsAtPath(*block, file_, ResultPart::kIndex, disk::indexval));
   }
   return unbacked <= h5::kUnbackedBytes / sizeof(float);
 }

@@ -150,10 +150,10 @@ std::uint64_t FetchPlan::LeaveOutAbsent() {
   for (FetchShare& share : shares_) {
     if (share.values == 0) continue;
     const int state = StateOf(*share.block, request_.state);
-    const std::uint64_t stored = StoredPoints(*share.block, request_.file, state, ResultPart::kData, disk::res);
-    share.absent = stored == 0;
+    share.absent = StoredPoints(*share.block, request_.file, state, ResultPart::kData, disk::res) == 0;
     if (share.absent) continue;
     Add(share, share.values);
+    const auto stored = AllocatedPoints(*share.block, request_.file, state, ResultPart::kData, disk::res);
     AddUp(unbacked, share.values - std::min(share.values, stored));
   }
   return unbacked;

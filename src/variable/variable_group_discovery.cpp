@@ -12,6 +12,7 @@
 #include "h5/extents.h"
 #include "h5/file_access.h"
 #include "h5/status.h"
+#include "h5/stored_dataset.h"
 #include "orvio/orv_variable_grp.h"
 
 namespace orvio {
@@ -60,11 +61,9 @@ class GroupScan : public ORVVariableGrp {
     const bool single = GetBlkVersion() == ORV_BLK_VERSION_SINGLE;
     const h5::Group data =
         h5::OpenGroup(GetH5Reader()->GetFileId(), single ? m_BlkPath.c_str() : (m_BlkPath + "/" + disk::data).c_str());
-    const bool has_keys = data && h5::LinkExists(data.get(), disk::varkey);
-    const h5::Dataset keys = has_keys ? h5::OpenDataset(data.get(), disk::varkey) : h5::Dataset();
-    const auto extents = keys ? h5::ExtentsOfDataset(keys.get()) : std::nullopt;
-    if (!extents) return 0;
-    return static_cast<std::int64_t>(std::min<std::uint64_t>(extents->points, H5Dget_storage_size(keys.get())));
+    const h5::StoredDataset keys = data ? h5::StoredDataset(data.get(), disk::varkey) : h5::StoredDataset();
+    if (!keys) return 0;
+    return static_cast<std::int64_t>(std::min<std::uint64_t>(keys.extents().points, H5Dget_storage_size(keys.get())));
   }
 
   std::vector<ORVVariableGrp*>& found_;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -345,6 +346,42 @@ TEST_F(DatasetType, OfAnIdThatIsNoDatasetIsAFailure) {
   EXPECT_EQ(OH5DatasetType(-1, &type), 1);
   EXPECT_EQ(type, ORV_UNKNOWN_TYPE);
   EXPECT_EQ(OH5DatasetType(-1, nullptr), 1);
+}
+
+/// Makes "packed": chunked numbers that go through the scale-offset filter with three digits.
+void AddPacked(ForgedFile& file, const std::vector<float>& values) {
+  file.raw([&](hid_t here) {
+    const hsize_t count = values.size();
+    const Id space(H5Screate_simple(1, &count, nullptr), "space");
+    const Id list(H5Pcreate(H5P_DATASET_CREATE), "list");
+    Check(H5Pset_chunk(list.get(), 1, &count), "chunk");
+    Check(H5Pset_scaleoffset(list.get(), H5Z_SO_FLOAT_DSCALE, 3), "filter");
+    const Id made(H5Dcreate2(here, "packed", H5T_NATIVE_FLOAT, space.get(), H5P_DEFAULT, list.get(), H5P_DEFAULT), "d");
+    Check(H5Dwrite(made.get(), H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), "values");
+  });
+}
+
+TEST_F(DatasetRead, RecoversValuesThatTheFilterWroteAndHdf5CannotRead) {
+  AddPacked(file_, {-1e7F, 2.5F, 1e7F});
+  const hsize_t three[] = {3}, one[] = {1}, last[] = {2};
+  float values[3] = {};
+  EXPECT_EQ(OH5Read_DATASET(Place(), "packed", 1, three, ORV_FLOAT, values), 0);
+  EXPECT_EQ(values[0], -1e7F);
+  EXPECT_EQ(values[1], 2.5F);
+  EXPECT_EQ(values[2], 1e7F);
+  double wide = 0;
+  EXPECT_EQ(OH5Read_SELECTIVE(Place(), "packed", 1, last, one, nullptr, nullptr, ORV_DOUBLE, &wide), 0);
+  EXPECT_EQ(wide, 1e7);
+}
+
+TEST_F(DatasetRead, FailsForValuesThatTheFilterLost) {
+  AddPacked(file_, {std::numeric_limits<float>::quiet_NaN(), 1, 2});
+  const hsize_t three[] = {3}, zero[] = {0};
+  float values[3] = {};
+  EXPECT_EQ(OH5Read_DATASET(Place(), "packed", 1, three, ORV_FLOAT, values), 1);
+  EXPECT_EQ(LastText(), "DatasetIO::\n\t Read Failed ::\"packed\"");
+  EXPECT_EQ(OH5Read_SELECTIVE(Place(), "packed", 1, zero, three, nullptr, nullptr, ORV_FLOAT, values), 1);
+  EXPECT_EQ(LastText(), "OH5Read_SELECTINE::\n\t Read Failed ::\"packed\"");
 }
 
 }  // namespace

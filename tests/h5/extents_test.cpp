@@ -7,6 +7,7 @@
 
 #include <vector>
 
+#include "h5/entry.h"
 #include "support/forged_file.h"
 #include "support/orv_test.h"
 
@@ -42,6 +43,7 @@ class AllocatedElements : public OrvTest {
   }
 
   std::uint64_t Of(const char* name) {
+    const orvio::h5::QuietHdf5 quiet;
     std::uint64_t elements = 77;
     file_.at("/").raw([&](hid_t here) { elements = orvio::h5::AllocatedElements(here, name); });
     return elements;

@@ -1,22 +1,26 @@
-// The lists by which groups and datasets are opened. What they keep out: hostile_file_test.
+// How files, groups and datasets are opened, whatever the host or the environment does with HDF5. What lies in files and
+// is kept out: hostile_file_test.
 
 #include "h5/file_access.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <cstdint>
+#include <cstdlib>
 
 #include "h5/entry.h"
 #include "h5/h5_test.h"
+#include "orvio/oh5_reader.h"
 
 namespace {
 
 using namespace orv_test;
-using orvio::process;
-using orvio::Swapped;
 
-/// A host that closes HDF5 makes its ids begin anew: the number of a list of the library may then be another list.
-class AccessLists : public H5Test {
+class FileAccess : public H5Test {
  protected:
-  AccessLists() {
+  FileAccess() {
     other_.group("/x/y");
     file_.at("/post/constant/b").dataset<std::int32_t>("d", {1}, {7}).external_link("out", other_.path(), "/x");
     path_ = file_.path();
@@ -24,15 +28,14 @@ class AccessLists : public H5Test {
 
   /// Expects that a dataset is read and that a link into another file is not followed.
   void ExpectOpensAsEver() {
-    const Location place(path_, "/post/constant/b");
+    OH5Reader reader(path_.c_str(), 0);
+    const hid_t block = reader.OpenGroup(reader.GetFileId(), "/post/constant/b", 0);
     const hsize_t dims[] = {1};
     std::int32_t value = 0;
-    EXPECT_EQ(OH5Read_DATASET(place.id(), "d", 1, dims, ORV_INT, &value), 0);
+    EXPECT_EQ(OH5Read_DATASET(block, "d", 1, dims, ORV_INT, &value), 0);
     EXPECT_EQ(value, 7);
-    EXPECT_TRUE(static_cast<bool>(orvio::h5::OpenGroup(place.file(), "/post/constant")));
-    const orvio::h5::QuietHdf5 quiet;
-    EXPECT_FALSE(orvio::h5::LinkExists(place.id(), "out/y"));
-    EXPECT_FALSE(static_cast<bool>(orvio::h5::OpenGroup(place.id(), "out")));
+    EXPECT_LT(reader.OpenGroup(block, "out", 0), 0);
+    EXPECT_LT(reader.OpenGroup(block, "out/y", 0), 0);
   }
 
   ForgedFile other_{"other"};
@@ -40,32 +43,141 @@ class AccessLists : public H5Test {
   std::string path_;
 };
 
-TEST_F(AccessLists, AreMadeAnewWhereTheirIdsAreListsOfAnotherKind) {
-  const Id list(H5Pcreate(H5P_FILE_ACCESS), "list");
-  const Swapped groups(process().group_access, list.get());
-  const Swapped datasets(process().dataset_access, list.get());
+TEST_F(FileAccess, GoesOnAfterAHostHasClosedHdf5) {
   ExpectOpensAsEver();
-  EXPECT_GT(H5Iis_valid(list.get()), 0);
-}
-
-TEST_F(AccessLists, AreMadeAnewWhereTheirIdsAreListsOfAHost) {
-  const Id of_groups(H5Pcreate(H5P_GROUP_ACCESS), "list");
-  const Id of_datasets(H5Pcreate(H5P_DATASET_ACCESS), "list");
-  const Swapped groups(process().group_access, of_groups.get());
-  const Swapped datasets(process().dataset_access, of_datasets.get());
+  Check(H5close(), "close");
   ExpectOpensAsEver();
 }
 
-TEST_F(AccessLists, AreMadeAnewWhereTheirIdsAreExchanged) {
+TEST_F(FileAccess, DoesNotTakeTheListsOfAHostForItsOwnAfterHdf5WasClosed) {
   ExpectOpensAsEver();
-  const Swapped groups(process().group_access, process().dataset_access);
+  Check(H5close(), "close");
+  std::vector<Id> lists;  // they get the numbers that the library's lists had
+  for (int i = 0; i < 4; ++i) {
+    for (const hid_t kind : {H5P_FILE_ACCESS, H5P_GROUP_ACCESS, H5P_DATASET_ACCESS}) {
+      lists.emplace_back(H5Pcreate(kind), "list");
+    }
+  }
   ExpectOpensAsEver();
 }
 
-TEST_F(AccessLists, AreMadeAnewWhereTheirIdsAreGone) {
-  const Swapped groups(process().group_access, hid_t{12345});
-  const Swapped datasets(process().dataset_access, hid_t{-1});
+TEST_F(FileAccess, KeepsALinkOutsideShutForTheAccessListOfAHost) {
+  const Id follows(H5Pcreate(H5P_GROUP_ACCESS), "list");
+  OH5Reader reader(path_.c_str(), 0);
+  EXPECT_LT(reader.OpenGroup(reader.GetFileId(), "/post/constant/b/out", follows.get()), 0);
+  EXPECT_LT(reader.OpenObject(reader.GetFileId(), "/post/constant/b/out", follows.get()), 0);
+  EXPECT_GT(reader.OpenGroup(reader.GetFileId(), "/post/constant/b", follows.get()), 0);
+}
+
+TEST_F(FileAccess, ReadsAFileThatAnotherProcessHasLocked) {
+  const int holder = open(path_.c_str(), O_RDWR);
+  ASSERT_EQ(flock(holder, LOCK_EX | LOCK_NB), 0);
   ExpectOpensAsEver();
+  close(holder);
+}
+
+TEST_F(FileAccess, LeavesNoLockOnAFileThatIsRead) {
+  const OH5Reader reader(path_.c_str(), 0);
+  const int other = open(path_.c_str(), O_RDWR);
+  EXPECT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
+  close(other);
+}
+
+TEST_F(FileAccess, LocksAFileThatIsWrittenUntilItIsClosed) {
+  hid_t file = -1;
+  ASSERT_EQ(OH5WriteOpenFile(path_.c_str(), ORV_FILE_APPEND, &file), 0);
+  const int other = open(path_.c_str(), O_RDWR);
+  EXPECT_NE(flock(other, LOCK_EX | LOCK_NB), 0);
+  EXPECT_EQ(OH5WriteCloseFile(file), 0);
+  EXPECT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
+  close(other);
+}
+
+TEST_F(FileAccess, DoesNotTruncateAFileThatAnotherProcessHasLocked) {
+  const std::string before = BytesOf(path_);
+  const int holder = open(path_.c_str(), O_RDWR);
+  ASSERT_EQ(flock(holder, LOCK_EX | LOCK_NB), 0);
+  hid_t file = -1;
+  EXPECT_EQ(OH5WriteOpenFile(path_.c_str(), ORV_FILE_CREATE, &file), 4);
+  close(holder);
+  EXPECT_EQ(BytesOf(path_), before);
+}
+
+TEST_F(FileAccess, OpensAFileTwiceInOneProcessWhileItIsWritten) {
+  hid_t first = -1, second = -1;
+  ASSERT_EQ(OH5WriteOpenFile(path_.c_str(), ORV_FILE_APPEND, &first), 0);
+  ASSERT_EQ(OH5WriteOpenFile(path_.c_str(), ORV_FILE_APPEND, &second), 0);
+  EXPECT_EQ(OH5WriteCloseFile(second), 0);
+  EXPECT_EQ(OH5WriteCloseFile(first), 0);
+  ExpectOpensAsEver();
+}
+
+TEST_F(FileAccess, HandsTheDescriptorOfTheFileToAHostThatAsks) {
+  const OH5Reader reader(path_.c_str(), 0);
+  void* handle = nullptr;
+  ASSERT_GE(H5Fget_vfd_handle(const_cast<OH5Reader&>(reader).GetFileId(), H5P_DEFAULT, &handle), 0);
+  char signature[4] = {};
+  EXPECT_EQ(pread(*static_cast<int*>(handle), signature, 4, 0), 4);
+  EXPECT_EQ(std::string(signature, 4), "\x89HDF");
+}
+
+/// The settings of HDF5 that come with the environment, as they are after HDF5 has started anew.
+class Environment : public FileAccess {
+ protected:
+  ~Environment() override {
+    for (const char* name : {"HDF5_DRIVER", "HDF5_VOL_CONNECTOR", "HDF5_USE_FILE_LOCKING"}) unsetenv(name);
+    (void)H5close();
+  }
+
+  static void Start(const char* name, const char* value) {
+    setenv(name, value, 1);
+    Check(H5close(), "close");
+    Check(H5open(), "open");
+  }
+
+  /// Whether HDF5 itself opens the file with what the environment says.
+  bool PlainHdf5Opens() const {
+    const orvio::h5::QuietHdf5 quiet;
+    const orvio::h5::File file(H5Fopen(path_.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT));
+    return static_cast<bool>(file);
+  }
+};
+
+TEST_F(Environment, DoesNotChooseTheDriver) {
+  Start("HDF5_DRIVER", "multi");
+  ASSERT_FALSE(PlainHdf5Opens());
+  ExpectOpensAsEver();
+}
+
+TEST_F(Environment, DoesNotChooseTheConnector) {
+  Start("HDF5_VOL_CONNECTOR", "pass_through under_vol=0;under_info={}");
+  char name[64] = {};
+  {
+    const Id file(H5Fopen(path_.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), "file");
+    Check(H5VLget_connector_name(file.get(), name, sizeof name), "name");
+    ASSERT_STREQ(name, "pass_through");
+  }
+  OH5Reader reader(path_.c_str(), 0);
+  Check(H5VLget_connector_name(reader.GetFileId(), name, sizeof name), "name");
+  EXPECT_STREQ(name, "native");
+}
+
+TEST_F(Environment, DoesNotMakeReadersLock) {
+  Start("HDF5_USE_FILE_LOCKING", "TRUE");
+  const OH5Reader reader(path_.c_str(), 0);
+  const int other = open(path_.c_str(), O_RDWR);
+  EXPECT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
+  close(other);
+}
+
+TEST_F(Environment, DoesNotKeepWritersFromLocking) {
+  Start("HDF5_USE_FILE_LOCKING", "FALSE");
+  hid_t file = -1;
+  ASSERT_EQ(OH5WriteOpenFile(path_.c_str(), ORV_FILE_APPEND, &file), 0);
+  const int other = open(path_.c_str(), O_RDWR);
+  EXPECT_NE(flock(other, LOCK_EX | LOCK_NB), 0);
+  close(other);
+  EXPECT_EQ(OH5WriteCloseFile(file), 0);
 }
 
 }  // namespace

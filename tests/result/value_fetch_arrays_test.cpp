@@ -29,6 +29,23 @@ class ValueFetchArrays : public ValueFetchTest {
     });
   }
 
+  /// The same with one value for all nodes, compressed.
+  void AddUniform(const char* etyp, hsize_t nodes, float value) {
+    AddBare(etyp, nodes);
+    const std::string part = file_.Part(kState1, 1000, etyp, "SPEED", "data");
+    file_.file().at(part).drop("res").raw([&](hid_t here) {
+      const hsize_t shape[] = {nodes, 1};
+      const Id space(H5Screate_simple(2, shape, nullptr), "space");
+      const Id list(H5Pcreate(H5P_DATASET_CREATE), "list");
+      Check(H5Pset_chunk(list.get(), 2, shape), "chunk");
+      Check(H5Pset_scaleoffset(list.get(), H5Z_SO_FLOAT_DSCALE, 3), "filter");
+      const Id made(H5Dcreate2(here, "res", H5T_NATIVE_FLOAT, space.get(), H5P_DEFAULT, list.get(), H5P_DEFAULT),
+                    "res");
+      const std::vector<float> values(nodes, value);
+      Check(H5Dwrite(made.get(), H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), "values");
+    });
+  }
+
   /// Headers that claim more than there is.
   ORVResult Claiming(std::int64_t nent) {
     file_.Add(kState1, Nodes(1, "Liar", 8));
@@ -311,15 +328,22 @@ TEST_P(ValueFetchArrays, AreNotMadeForWhatIsLeftWithoutItUnlessTheFileHoldsThat)
   EXPECT_EQ(messages_.all(), (std::vector<Message>{{0, "Memory allocation failed for (No. Values 500000001)"}}));
 }
 
-TEST_P(ValueFetchArrays, AreMadeForLargeBlocksThatTheFileHolds) {
-  // 17 million values that take no room in the file: 68 MB in memory.
+TEST_P(ValueFetchArrays, AreNotMadeForLargeBlocksWhoseValuesWereNeverWritten) {
   AddBare("Node", 17'000'000);
+  ORVResult nodes = ListedBlock(1000, "Node", "SPEED", 1, 1, speed_.get());
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(messages_.all(), (std::vector<Message>{{0, "Memory allocation failed for (No. Values 17000000)"}}));
+}
+
+TEST_P(ValueFetchArrays, AreMadeForLargeBlocksThatTheFileHoldsHoweverSmall) {
+  // One value everywhere: 68 MB in memory, a few bytes in the file.
+  AddUniform("Node", 17'000'000, 2.5F);
   ORVResult gone = Listed("Gone", 1000);  // adds values that are not there, but few
   ORVResult nodes = ListedBlock(1000, "Node", "SPEED", 1, 1, speed_.get());
   values_.m_wantIds = 0;
   EXPECT_EQ(Fetch({&nodes, &gone}, {.ext_id = kFirst}), 0);
   EXPECT_EQ(values_.m_valueCount, 17'000'000);
-  EXPECT_EQ(values_.m_values[16'999'999], 0);
+  EXPECT_EQ(values_.m_values[16'999'999], 2.5F);
 }
 
 TEST_P(ValueFetchArrays, PassOverNegativeCountsOfADamagedHeader) {

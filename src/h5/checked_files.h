@@ -1,0 +1,50 @@
+#pragma once
+
+// Which files this process has looked at, and which it is writing.
+
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <time.h>
+
+#include <map>
+#include <utility>
+
+namespace orvio::h5 {
+
+/// What tells one content of a file from another without reading it.
+struct FileStamp {
+  explicit FileStamp(const struct stat& info);
+  bool operator==(const FileStamp&) const = default;
+
+  dev_t device;
+  ino_t inode;
+  off_t size;
+  std::pair<time_t, long> modified;
+  std::pair<time_t, long> changed;
+};
+
+/// Files whose structure is known to be sound as long as their stamps stay, and files that are open for writing: what
+/// lies on disk of those is no whole file.
+class CheckedFiles {
+ public:
+  bool IsSound(const FileStamp& stamp) const;
+  /// A file that was changed a moment ago is not remembered: one more change may come without another time.
+  void RememberSeen(const FileStamp& stamp);
+  /// The same for a file that was sound and then written by ourselves.
+  void RememberWritten(const FileStamp& stamp) { Remember(stamp); }
+
+  bool IsBeingWritten(const FileStamp& stamp) const { return writing_.contains(KeyOf(stamp)); }
+  void BeginWriting(const FileStamp& stamp) { ++writing_[KeyOf(stamp)]; }
+  void EndWriting(const FileStamp& stamp);
+
+ private:
+  using Key = std::pair<dev_t, ino_t>;
+
+  static Key KeyOf(const FileStamp& stamp) { return {stamp.device, stamp.inode}; }
+  void Remember(const FileStamp& stamp);
+
+  std::map<Key, FileStamp> sound_;
+  std::map<Key, int> writing_;
+};
+
+}  // namespace orvio::h5

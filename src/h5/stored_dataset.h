@@ -1,0 +1,59 @@
+#pragma once
+
+// The one door to datasets.
+
+#include <hdf5.h>
+
+#include <utility>
+
+#include "h5/extents.h"
+#include "h5/handle.h"
+
+namespace orvio::h5 {
+
+/// A dataset that may be read and written: its values lie in the file itself, the filters over them are those of the
+/// format with the parameters that belong to its type and chunks, and what its extents claim fits its storage. Any other
+/// is refused before HDF5 is asked for its extents or values.
+class StoredDataset {
+ public:
+  /// None.
+  StoredDataset() = default;
+  /// The dataset of that name, or none: ask the object. `name` may be a path.
+  StoredDataset(hid_t loc, const char* name);
+
+  explicit operator bool() const { return static_cast<bool>(dataset_); }
+  /// Whether there is not even a link of that name.
+  bool is_missing() const { return is_missing_; }
+  hid_t get() const { return dataset_.get(); }
+  hid_t creation_list() const { return creation_list_.get(); }
+  hid_t type() const { return type_.get(); }
+  hid_t space() const { return space_.get(); }
+  const Extents& extents() const { return extents_; }
+  H5T_class_t type_class() const { return H5Tget_class(type()); }
+
+  /// Whether its values have gone through filters.
+  bool is_filtered() const {
+    return H5Pget_layout(creation_list()) == H5D_CHUNKED && H5Pget_nfilters(creation_list()) > 0;
+  }
+
+  /// Why it was refused, behind a line break for the end of an error text; empty where HDF5 could not open it.
+  const char* refusal() const { return refusal_; }
+
+  /// Hands the dataset over, for what is to be closed by itself.
+  Dataset Take() { return std::move(dataset_); }
+
+  [[nodiscard]] bool Close() { return dataset_.Close(); }
+
+ private:
+  const char* Refusal();
+
+  Dataset dataset_;
+  PropertyList creation_list_;
+  Type type_;
+  Space space_;
+  Extents extents_;
+  const char* refusal_ = "";
+  bool is_missing_ = true;
+};
+
+}  // namespace orvio::h5

@@ -1,0 +1,171 @@
+// Which message is which, what may stand how often, and what an object must have.
+
+#include "structure/object.h"
+
+#include "structure/attribute.h"
+#include "structure/attribute_check.h"
+#include "structure/dataset.h"
+#include "structure/dense.h"
+#include "structure/group_old.h"
+
+namespace orvio::structure {
+namespace {
+
+bool MayRepeat(MessageType type) {
+  return type == MessageType::kAttribute || type == MessageType::kLink || type == MessageType::kBogus ||
+         type == MessageType::kComment || type == MessageType::kTime || type == MessageType::kOldTime;
+}
+
+}  // namespace
+
+void ObjectVisitor::Clear(std::uint64_t address) {
+  object_.address = address;
+  object_.seen = 0;
+  object_.layout = Layout();
+  object_.pipeline.count = 0;
+  object_.fill = FillValue();
+  object_.table = SymbolTable();
+  object_.links = Dense();
+  object_.attributes = Dense();
+}
+
+bool ObjectVisitor::TakeMessages() {
+  if (!messages_.Start(object_.address, HeaderMessages::Use::kOwn)) return false;
+  Message message;
+  while (messages_.Next(message)) {
+    if (!TakeOnce(message)) return false;
+  }
+  return !walk_.fault();
+}
+
+bool ObjectVisitor::TakeOnce(const Message& message) {
+  if (object_.Has(message.type) && !MayRepeat(message.type)) {
+    return walk_.Refuse(message.address, "object holds a message twice");
+  }
+  object_.seen |= 1U << static_cast<unsigned>(message.type);
+  return Take(message);
+}
+
+bool ObjectVisitor::Take(const Message& message) {
+  if (message.shared) return TakeShared(message);
+  if (message.type == MessageType::kAttribute) return CheckAttribute(walk_, message.body, message.size);
+  if (message.type == MessageType::kLink) return TakeLink(message);
+  const Cursor body = walk_.view.At(message.body, message.size);
+  return walk_.Accept(message.address, TakeDescription(message, body));
+}
+
+Verdict ObjectVisitor::TakeDescription(const Message& message, const Cursor& body) {
+  Cursor in = body;
+  Verdict bad = nullptr;
+  switch (message.type) {
+    case MessageType::kDataspace:
+      return ParseDataspace(in, object_.space);
+    case MessageType::kDatatype:
+      return ParseDatatype(in, object_.type);
+    case MessageType::kOldFillValue: {
+      FillValue old;  // only for readers that do not know the newer message
+      return ParseOldFillValue(in, old);
+    }
+    case MessageType::kFillValue:
+      bad = ParseFillValue(in, object_.fill);
+      object_.fill_at = message.body + object_.fill.at;
+      return bad;
+    case MessageType::kLayout:
+      bad = ParseLayout(in, object_.layout);
+      object_.values = message.body + object_.layout.compact_at;
+      return bad;
+    case MessageType::kFilters:
+      return ParsePipeline(in, object_.pipeline);
+    case MessageType::kSymbolTable:
+      return ParseSymbolTable(in, object_.table);
+    case MessageType::kLinkInfo:
+      return ParseLinkInfo(in, object_.links);
+    case MessageType::kAttributeInfo:
+      return ParseAttributeInfo(in, object_.attributes);
+    default:
+      return TakeRest(message, body);
+  }
+}
+
+Verdict ObjectVisitor::TakeRest(const Message& message, const Cursor& body) {
+  std::uint16_t ranks[3];
+  switch (message.type) {
+    case MessageType::kExternalFiles:
+      return "dataset keeps its values in other files";
+    case MessageType::kGroupInfo:
+      return ParseGroupInfo(body);
+    case MessageType::kComment:
+      return ParseComment(body);
+    case MessageType::kTime:
+      return ParseTime(body);
+    case MessageType::kOldTime:
+      return ParseOldTime(body);
+    case MessageType::kSharedTable:
+      return "file keeps messages in a table of its own";
+    case MessageType::kTreeRanks:
+      return ParseTreeRanks(body, ranks[0], ranks[1], ranks[2]);
+    case MessageType::kDriver:
+      return "file was written by a driver of its own";
+    case MessageType::kReferenceCount:
+      return ParseReferenceCount(body);
+    case MessageType::kFileSpace:
+      return ParseFileSpace(body);
+    case MessageType::kCacheImage:
+      return "file holds an image of a metadata cache";
+    default:
+      return nullptr;
+  }
+}
+
+bool ObjectVisitor::TakeShared(const Message& message) {
+  std::uint64_t address = kUndefined;
+  if (!walk_.Accept(message.address, ParseShared(walk_.view.At(message.body, message.size), address))) return false;
+  if (message.type != MessageType::kDatatype) return walk_.Refuse(message.address, "message of this kind is shared");
+  return ReadCommittedType(walk_, message.address, address, object_.type);
+}
+
+bool ObjectVisitor::TakeLink(const Message& message) {
+  return CheckLink(walk_, message.address, walk_.view.At(message.body, message.size));
+}
+
+bool ObjectVisitor::VisitGroup() {
+  const GroupNote* note = walk_.NoteOf(object_.address);
+  if (!object_.Has(MessageType::kSymbolTable)) return true;  // a note may be older than the group's present form
+  const SymbolTable& table = object_.table;
+  if (note && (note->tree != table.tree || note->heap != table.heap)) {
+    return walk_.Refuse(object_.address, "symbol table entry disagrees with its group");
+  }
+  return WalkOldGroup(walk_, table);
+}
+
+bool ObjectVisitor::VisitDense() {
+  return WalkDenseLinks(walk_, object_.links) && WalkDenseAttributes(walk_, object_.attributes);
+}
+
+bool ObjectVisitor::Visit(std::uint64_t address) {
+  Clear(address);
+  if (!TakeMessages()) return false;
+  if (!VisitDense()) return false;
+  if (object_.Has(MessageType::kSymbolTable) || object_.Has(MessageType::kLinkInfo)) return VisitGroup();
+  if (object_.Has(MessageType::kLayout)) return CheckDataset(walk_, object_);
+  const bool is_type = object_.Has(MessageType::kDatatype) && !object_.Has(MessageType::kDataspace);
+  return is_type || walk_.Refuse(address, "object is no group, dataset or type");
+}
+
+bool ObjectVisitor::VisitExtension(std::uint64_t address) {
+  Clear(address);
+  if (!walk_.Claim(address, 0) || !messages_.Start(address, HeaderMessages::Use::kOwn)) return false;
+  Message message;
+  while (messages_.Next(message)) {
+    if (!TakeOnce(message)) return false;
+    if (message.type != MessageType::kTreeRanks) continue;
+    TreeRanks& ranks = walk_.ranks;
+    const Cursor body = walk_.view.At(message.body, message.size);
+    if (!walk_.Accept(message.address, ParseTreeRanks(body, ranks.chunk_node, ranks.group_node, ranks.group_leaf))) {
+      return false;
+    }
+  }
+  return !walk_.fault();
+}
+
+}  // namespace orvio::structure

@@ -1,0 +1,61 @@
+#pragma once
+
+// One object of a file: what its header says, and the walk into what belongs to it.
+
+#include <cstdint>
+
+#include "structure/dataspace.h"
+#include "structure/datatype.h"
+#include "structure/filters.h"
+#include "structure/layout.h"
+#include "structure/link.h"
+#include "structure/object_header.h"
+#include "structure/walk.h"
+
+namespace orvio::structure {
+
+/// The messages of an object that describe it as a whole. Attributes and links are dealt with one by one.
+struct Object {
+  std::uint64_t address = 0;
+  std::uint32_t seen = 0;  ///< a bit for each MessageType
+  Dataspace space;
+  Datatype type;
+  Layout layout;
+  std::uint64_t values = 0;  ///< where compact values are in the file
+  Pipeline pipeline;
+  FillValue fill;
+  std::uint64_t fill_at = 0;  ///< where its bytes are in the file
+  SymbolTable table;
+  Dense links;
+  Dense attributes;
+
+  bool Has(MessageType type_of) const { return (seen >> static_cast<unsigned>(type_of) & 1U) != 0; }
+};
+
+/// Visits objects, one after the other.
+class ObjectVisitor {
+ public:
+  explicit ObjectVisitor(Walk& walk) : walk_(walk), messages_(walk) {}
+
+  [[nodiscard]] bool Visit(std::uint64_t address);
+  /// Visits the object header that holds messages about the file, and takes the tree ranks from it.
+  [[nodiscard]] bool VisitExtension(std::uint64_t address);
+
+ private:
+  void Clear(std::uint64_t address);
+  bool TakeMessages();
+  bool TakeOnce(const Message& message);
+  bool Take(const Message& message);
+  Verdict TakeDescription(const Message& message, const Cursor& body);
+  Verdict TakeRest(const Message& message, const Cursor& body);
+  bool TakeShared(const Message& message);
+  bool TakeLink(const Message& message);
+  bool VisitGroup();
+  bool VisitDense();
+
+  Walk& walk_;
+  HeaderMessages messages_;
+  Object object_;
+};
+
+}  // namespace orvio::structure

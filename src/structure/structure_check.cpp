@@ -1,0 +1,34 @@
+// The walk over a file's structure: from the superblock to each object that links lead to, once each. What belongs to an
+// object is walked when the object is visited; what it links to is put on a list, so that no depth of groups matters.
+
+#include "structure/structure_check.h"
+
+#include "structure/object.h"
+#include "structure/superblock.h"
+
+namespace orvio::structure {
+namespace {
+
+bool WalkAll(Walk& walk) {
+  Superblock superblock;
+  if (!ReadSuperblock(walk, superblock)) return false;
+  ObjectVisitor visitor(walk);
+  if (superblock.extension != kUndefined && !visitor.VisitExtension(superblock.extension)) return false;
+  if (!walk.AddObject(0, superblock.root, superblock.root_note)) return false;
+  for (std::uint64_t object = 0; walk.NextObject(object);) {
+    if (!visitor.Visit(object)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::optional<Fault> CheckStructure(ByteSource& source) {
+  Walk walk(source);
+  if (WalkAll(walk)) return std::nullopt;
+  // What could not be read looks cut short to whoever wanted it.
+  if (walk.view.Unreadable()) return Fault{walk.fault()->offset, "file cannot be read"};
+  return walk.fault();
+}
+
+}  // namespace orvio::structure

@@ -1,0 +1,22 @@
+#pragma once
+
+// The look at a file's HDF5 structure before HDF5 itself gets to see it.
+
+#include <cstdint>
+#include <optional>
+
+#include "structure/byte_source.h"
+
+namespace orvio::structure {
+
+/// What is wrong with a file, and where.
+struct Fault {
+  std::uint64_t offset = 0;  ///< byte in the file where the thing at fault begins
+  const char* what = "";     ///< a constant text without a full stop, e.g. "object header message passes its chunk"
+};
+
+/// Walks everything that can be reached from the superblock. Nothing: all of it is in bounds and is of the part of HDF5
+/// that result files use. Memory and time grow with what the file holds, never with what it claims.
+[[nodiscard]] std::optional<Fault> CheckStructure(ByteSource& source);
+
+}  // namespace orvio::structure
