@@ -1,5 +1,5 @@
-// Chunks. What a filter has made of their values shows only in their size, and in the header that the scale-offset filter
-// puts in front: it tells the decoder how many bits to take from bytes that may not be there.
+// Chunks. What a filter has made of their values shows only in their size, and in the header that the scale-offset
+// filter puts in front: it tells the decoder how many bits to take from bytes that may not be there.
 
 #include "structure/chunks.h"
 

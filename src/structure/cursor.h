@@ -3,6 +3,7 @@
 // Reading little-endian fields from bytes whose end is known.
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -90,7 +91,11 @@ class Cursor {
   std::uint64_t Fixed() {
     if (!Need(N)) return 0;
     std::uint64_t value = 0;
-    for (unsigned i = 0; i < N; ++i) value |= std::uint64_t{at_[i]} << (8 * i);
+    if constexpr (std::endian::native == std::endian::little) {
+      std::memcpy(&value, at_, N);
+    } else {
+      for (unsigned i = 0; i < N; ++i) value |= std::uint64_t{at_[i]} << (8 * i);
+    }
     at_ += N;
     return value;
   }

@@ -1,5 +1,5 @@
-// Extensible arrays, for datasets that grow along one dimension. The index block leads to data blocks, and through super
-// blocks to larger ones: both sizes and counts follow from five numbers of the header.
+// Extensible arrays, for datasets that grow along one dimension. The index block leads to data blocks, and through
+// super blocks to larger ones: both sizes and counts follow from five numbers of the header.
 
 #include "structure/chunk_arrays.h"
 #include "structure/jenkins.h"

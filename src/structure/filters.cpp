@@ -1,5 +1,5 @@
-// Versions 1 and 2 of the filter pipeline message, and the parameters of the filters that result files use. A filter that
-// decodes trusts its parameters: those of another type or chunk make it leave its buffers.
+// Versions 1 and 2 of the filter pipeline message, and the parameters of the filters that result files use. A filter
+// that decodes trusts its parameters: those of another type or chunk make it leave its buffers.
 
 #include "structure/filters.h"
 

@@ -47,8 +47,8 @@ struct Message {
   std::uint32_t size = 0;  ///< of the body
 };
 
-/// Goes through the messages of an object header. Continuations are followed, checksums compared, and messages that HDF5
-/// shall not open if it does not know them are refused; what the messages say is for others.
+/// Goes through the messages of an object header. Continuations are followed, checksums compared, and messages that
+/// HDF5 shall not open if it does not know them are refused; what the messages say is for others.
 class HeaderMessages {
  public:
   enum class Use { kOwn, kLook };

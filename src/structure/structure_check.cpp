@@ -1,5 +1,6 @@
-// The walk over a file's structure: from the superblock to each object that links lead to, once each. What belongs to an
-// object is walked when the object is visited; what it links to is put on a list, so that no depth of groups matters.
+// The walk over a file's structure: from the superblock to each object that links lead to, once each. What belongs to
+// an object is walked when the object is visited; what it links to is put on a list, so that no depth of groups
+// matters.
 
 #include "structure/structure_check.h"
 

@@ -18,7 +18,7 @@ constexpr hsize_t kNoLimit = H5S_UNLIMITED;
 // Groups and links.
 
 void ManyGroups(hid_t file) {
-  for (int i = 0; i < 200; ++i) {
+  for (int i = 0; i < 60; ++i) {
     const Id group = Group(file, "group " + std::to_string(i));
     for (int j = 0; j < i % 20; ++j) Group(group.get(), std::string(static_cast<size_t>(j + 1), 'g'));
   }
@@ -99,12 +99,12 @@ void TrackedOrder(hid_t file) {
 
 void ManyAttributes(hid_t file) {
   const Id group = Group(file, "group");
-  for (int i = 0; i < 400; ++i) IntegerAttribute(group.get(), "attribute " + std::to_string(i), i);
+  for (int i = 0; i < 120; ++i) IntegerAttribute(group.get(), "attribute " + std::to_string(i), i);
 }
 
 void DeletedAttributes(hid_t file) {
   ManyAttributes(file);
-  for (int i = 0; i < 400; i += 2) {
+  for (int i = 0; i < 120; i += 2) {
     Check(H5Adelete_by_name(file, "group", ("attribute " + std::to_string(i)).c_str(), H5P_DEFAULT), "delete");
   }
 }
@@ -142,7 +142,7 @@ void TextsOfAnyLength(hid_t file) {
 
 void ManyTextsOfAnyLength(hid_t file) {
   const Id type = VariableText();
-  for (int i = 0; i < 300; ++i) {
+  for (int i = 0; i < 80; ++i) {
     const std::string value(static_cast<size_t>(i * 7), 'v');
     const char* text = value.c_str();
     Attribute(Group(file, "g" + std::to_string(i)).get(), "text", type.get(), Space({}), &text);
@@ -258,9 +258,9 @@ void ChunkIndexes(hid_t file, const std::function<void(hid_t)>& set) {
   Dataset(file, "paged fixed array", H5T_NATIVE_INT, Space({5000}), Chunked({2}, set));
   Dataset(file, "partly written", H5T_NATIVE_INT, Space({5}, {100000}), Chunked({2}, set));
   Dataset(file, "extensible array", H5T_NATIVE_INT, Space({45, 5}, {kNoLimit, 5}), Chunked({10, 3}, set));
-  Dataset(file, "long extensible array", H5T_NATIVE_INT, Space({9000}, {kNoLimit}), Chunked({2}, set));
+  Dataset(file, "long extensible array", H5T_NATIVE_INT, Space({2000}, {kNoLimit}), Chunked({2}, set));
   Dataset(file, "tree", H5T_NATIVE_INT, Space({45, 5}, {kNoLimit, kNoLimit}), Chunked({10, 3}, set));
-  Dataset(file, "deep tree", H5T_NATIVE_INT, Space({90, 90}, {kNoLimit, kNoLimit}), Chunked({2, 2}, set));
+  Dataset(file, "deep tree", H5T_NATIVE_INT, Space({50, 50}, {kNoLimit, kNoLimit}), Chunked({2, 2}, set));
   Dataset(file, "never", H5T_NATIVE_INT, Space({45, 5}, {kNoLimit, kNoLimit}), Chunked({10, 3}, set), false);
 }
 void PlainChunks(hid_t file) { ChunkIndexes(file, {}); }
@@ -285,12 +285,12 @@ void ShrunkChunks(hid_t file) {
 }
 
 void SparseChunks(hid_t file) {
-  const Id made(H5Dcreate2(file, "sparse", H5T_NATIVE_INT, Space({100000}, {kNoLimit}).get(), H5P_DEFAULT,
+  const Id made(H5Dcreate2(file, "sparse", H5T_NATIVE_INT, Space({600000}, {kNoLimit}).get(), H5P_DEFAULT,
                            Chunked({2}).get(), H5P_DEFAULT),
                 "sparse");
-  for (hsize_t start = 3; start < 100000; start *= 3) {
+  for (hsize_t start = 3; start < 600000; start *= 3) {
     const hsize_t one = 1;
-    const Id there = Space({100000});
+    const Id there = Space({600000});
     Check(H5Sselect_hyperslab(there.get(), H5S_SELECT_SET, &start, nullptr, &one, nullptr), "select");
     Check(H5Dwrite(made.get(), H5T_NATIVE_INT, Space({1}).get(), there.get(), H5P_DEFAULT, SomeValues()), "write");
   }

@@ -43,8 +43,14 @@ void ManyAttributes(hid_t file) {
   for (int i = 0; i < 30; ++i) IntegerAttribute(file, "a" + std::to_string(i), i);
 }
 
-void LongAttributes(hid_t file) {
-  for (int i = 0; i < 5; ++i) Attribute(file, "a" + std::to_string(i), H5T_NATIVE_INT, Space({60}), SomeValues());
+/// Object headers that grow in turn, so that neither can grow in its place.
+void GrowingHeaders(hid_t file) {
+  const Id groups[] = {Group(file, "one"), Group(file, "two")};
+  for (int i = 0; i < 7; ++i) {
+    for (const Id& group : groups) {
+      Attribute(group.get(), "a" + std::to_string(i), H5T_NATIVE_INT, Space({60}), SomeValues());
+    }
+  }
 }
 
 void HugeAttributes(hid_t file) {
@@ -210,9 +216,9 @@ const Damage kDamages[] = {
      "object header passes the end of the file"},
     {"HeaderChecksum2", kLatest, Plain, [](PatchedFile& f) { f.at("OHDR").unchecked().put(8, 1, f.get(8, 1) ^ 1); },
      "object header does not match its checksum"},
-    {"ContinuationSignature", kLatest, LongAttributes, [](PatchedFile& f) { f.at("OCHK").put(0, 1, 'X'); },
+    {"ContinuationSignature", kLatest, GrowingHeaders, [](PatchedFile& f) { f.at("OCHK").put(0, 1, 'X'); },
      "object header does not go on where it says"},
-    {"ContinuationChecksum", kLatest, LongAttributes,
+    {"ContinuationChecksum", kLatest, GrowingHeaders,
      [](PatchedFile& f) { f.at("OCHK").unchecked().put(8, 1, f.get(8, 1) ^ 1); },
      "object header does not match its checksum"},
 
