@@ -1,5 +1,5 @@
 // orv: looks into result files, and makes them from the results of other programs. Data go to standard output and all
-// else to standard error. Exit codes: 0 fine, 2 trouble.
+// else to standard error. Exit codes: 0 fine, 1 something was found (orv check), 2 trouble.
 
 #include <fmt/format.h>
 #include <orvio/orvio.h>
@@ -44,9 +44,12 @@ int Run(int argc, char** argv) {
   orvio::program::AddValuesCommand(app);
   orvio::program::AddHistoryCommand(app);
   orvio::program::AddElementsCommand(app);
+  orvio::program::AddCheckCommand(app);
   try {
     app.parse(argc, argv);
     return kFine;
+  } catch (const CLI::RuntimeError& told) {
+    return told.get_exit_code();
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kFine : kTrouble;
   } catch (const std::bad_alloc&) {

@@ -1,10 +1,12 @@
-// The commands of the program. Each adds itself to the command line; its callback throws Trouble when it fails.
+// The commands of the program. Each adds itself to the command line; its callback throws Trouble when it fails, and
+// CLI::RuntimeError with its exit code when it went well and has something to tell by one.
 #pragma once
 
 #include <CLI/CLI.hpp>
 
 namespace orvio::program {
 
+void AddCheckCommand(CLI::App& app);
 void AddImportCommand(CLI::App& app);
 void AddElementsCommand(CLI::App& app);
 void AddHistoryCommand(CLI::App& app);
