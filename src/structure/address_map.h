@@ -20,6 +20,10 @@ class AddressMap {
     Value& value;
     bool added;
   };
+  /// Makes room for so many keys at once. A power of two.
+  void Reserve(std::size_t keys) {
+    if (keys * 2 > slots_.size()) slots_.resize(keys * 2);
+  }
   Place Insert(std::uint64_t key) {
     if ((count_ + 1) * 2 > slots_.size()) Grow();
     Slot& slot = Find(slots_, key);

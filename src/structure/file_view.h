@@ -42,10 +42,10 @@ class FileView {
   bool Unreadable() const { return unreadable_; }
 
  private:
-  static constexpr std::size_t kStride = 16 * 1024;
-  static constexpr std::size_t kOverlap = 2 * 1024;  ///< no part up to this size is ever split between windows
+  static constexpr std::size_t kStride = 8 * 1024;
+  static constexpr std::size_t kOverlap = 1 * 1024;  ///< no part up to this size is ever split between windows
   static constexpr std::size_t kWindow = kStride + kOverlap;
-  static constexpr std::size_t kWindows = 32;
+  static constexpr std::size_t kWindows = 64;
 
   const std::uint8_t* Bytes(std::uint64_t offset, std::size_t count) {
     if (count > kOverlap) return LongPart(offset, count);

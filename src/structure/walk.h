@@ -29,7 +29,7 @@ struct GroupNote {
 /// The state of one check. Functions that walk answer false once there is a fault; the first one stays.
 class Walk {
  public:
-  explicit Walk(ByteSource& source) : view(source) {}
+  explicit Walk(ByteSource& source) : view(source) { uses_.Reserve(LikelyUses(source.Size())); }
 
   FileView view;
   TreeRanks ranks;
@@ -62,6 +62,11 @@ class Walk {
   AddressMap<bool> global_heaps;           ///< collections that were looked at
 
  private:
+  /// Result files of many small blocks have a structure in each 500 bytes or so; a megabyte of room is enough to begin with.
+  static std::size_t LikelyUses(std::uint64_t file_size) {
+    return std::size_t{1} << std::min(Log2(file_size / 512), 17U);
+  }
+
   std::optional<Fault> fault_;
   /// What an address was used for.
   struct Use {
