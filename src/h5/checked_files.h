@@ -4,8 +4,8 @@
 
 #include <sys/stat.h>
 #include <sys/types.h>
-#include <time.h>
 
+#include <ctime>
 #include <map>
 #include <utility>
 

@@ -6,8 +6,15 @@
 
 namespace orvio::h5 {
 
-QuietHdf5::QuietHdf5() noexcept {
-  outermost_ = process().entries++ == 0 && H5PLget_loading_state(&plugins_) >= 0 && H5PLset_loading_state(0) >= 0;
+namespace {
+
+bool StopPlugins(unsigned& before) {
+  return process().entries++ == 0 && H5PLget_loading_state(&before) >= 0 && H5PLset_loading_state(0) >= 0;
+}
+
+}  // namespace
+
+QuietHdf5::QuietHdf5() noexcept : outermost_(StopPlugins(plugins_)) {
   if (H5Eauto_is_v2(H5E_DEFAULT, &is_v2_) < 0) return;
   known_ = is_v2_ ? H5Eget_auto2(H5E_DEFAULT, &func2_, &data_) >= 0 : H5Eget_auto1(&func1_, &data_) >= 0;
   if (known_) (void)H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);  // cannot fail for the default stack

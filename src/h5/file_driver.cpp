@@ -102,7 +102,11 @@ std::unique_ptr<DiskFile> OpenDiskFile(const char* name, unsigned flags) {
   const bool writable = (flags & H5F_ACC_RDWR) != 0;
   Descriptor descriptor = OpenDescriptor(name, flags);
   struct stat info = {};
-  if (!descriptor || fstat(descriptor.get(), &info) != 0 || !S_ISREG(info.st_mode)) return nullptr;
+  if (!descriptor || fstat(descriptor.get(), &info) != 0) return nullptr;
+  if (!S_ISREG(info.st_mode)) {
+    SetLastError("File::\n\t \"%s\" is no regular file", name);
+    return nullptr;
+  }
   if (flags & H5F_ACC_TRUNC) {
     if (!Empty(descriptor.get(), info)) return nullptr;
   } else if (info.st_size > 0 && !IsSound(name, descriptor.get(), FileStamp(info))) {

@@ -149,6 +149,8 @@ TEST_P(NoRegularFile, IsOpenedByNobody) {
   const std::string path = Make();
   OH5Reader reader;
   EXPECT_EQ(reader.OpenFile(path.c_str(), 0), 1);
+  const std::string told = "File::\n\t \"" + path + "\" is no regular file";
+  EXPECT_EQ(LastText() == told, std::string(GetParam()) != "lost") << LastText();
   EXPECT_EQ(reader.OpenFile(path.c_str(), 1), 1);
   int count = 9;
   EXPECT_EQ(ReadNumState(path.c_str(), &count), 1);
