@@ -11,8 +11,9 @@
 namespace orvio::structure {
 
 /// Open addressing, grown by doubling: its memory follows what was put in. Where a key goes depends on where the map
-/// lies in memory, so that no file can be made whose addresses all want the same place.
-template <class Value>
+/// lies in memory, so that no file can be made whose addresses all want the same place. Keys that differ only in the
+/// 4 bits from bit `kPlace` on are neighbours: what is looked at together is found in one line of the cache.
+template <class Value, unsigned kPlace = 8>
 class AddressMap {
  public:
   /// The value of `key`, and whether it is there only since this call. kUndefined is no key.
@@ -20,10 +21,6 @@ class AddressMap {
     Value& value;
     bool added;
   };
-  /// Makes room for so many keys at once. A power of two.
-  void Reserve(std::size_t keys) {
-    if (keys * 2 > slots_.size()) slots_.resize(keys * 2);
-  }
   Place Insert(std::uint64_t key) {
     if ((count_ + 1) * 2 > slots_.size()) Grow();
     Slot& slot = Find(slots_, key);
@@ -53,9 +50,7 @@ class AddressMap {
     return static_cast<std::size_t>(key ^ (key >> 32));
   }
   static Slot& Find(std::vector<Slot>& slots, std::uint64_t key) {
-    // Neighbours in the file are neighbours here: what is looked at together is found in one line of the cache.
-    constexpr unsigned kRegion = 12;
-    constexpr unsigned kPlace = 8;
+    constexpr unsigned kRegion = kPlace + 4;
     const std::size_t mask = slots.size() - 1;
     const std::size_t region = Mixed((key >> kRegion) ^ reinterpret_cast<std::uintptr_t>(slots.data()))
                                << (kRegion - kPlace);

@@ -10,7 +10,7 @@ constexpr unsigned kSharedSpace = 2;
 constexpr Verdict kCutShort = "attribute message is cut short";
 
 /// The next `count` bytes, in version 1 with what fills them up to a multiple of 8.
-Cursor Part(Cursor& in, unsigned version, unsigned count) {
+inline Cursor Part(Cursor& in, unsigned version, unsigned count) {
   const std::size_t start = in.taken();
   const Cursor part = in.Take(count);
   if (version == 1) in.AlignFrom(start);

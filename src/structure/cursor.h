@@ -31,6 +31,7 @@ class Cursor {
   std::size_t left() const { return static_cast<std::size_t>(end_ - at_); }
   std::size_t taken() const { return static_cast<std::size_t>(at_ - begin_); }
   Widths widths() const { return widths_; }
+  const std::uint8_t* data() const { return at_; }
 
   std::uint8_t U8() { return static_cast<std::uint8_t>(Fixed<1>()); }
   std::uint16_t U16() { return static_cast<std::uint16_t>(Fixed<2>()); }

@@ -1,6 +1,6 @@
 #pragma once
 
-// The address space of a file, and its bytes a window at a time.
+// The address space of a file, and its bytes some pages at a time.
 
 #include <array>
 #include <cstddef>
@@ -13,7 +13,7 @@
 namespace orvio::structure {
 
 /// Reads parts of a file by their address, which counts from the base address of the superblock. What a cursor shows is
-/// good until the next call of At(): the window that it lies in may then be given to another part of the file.
+/// good until the next call of At(): the place where it lies may then be given to another part of the file.
 class FileView {
  public:
   /// More than the largest message of an object header with its own header.
@@ -42,20 +42,21 @@ class FileView {
   bool Unreadable() const { return unreadable_; }
 
  private:
-  static constexpr std::size_t kStride = 8 * 1024;
-  static constexpr std::size_t kOverlap = 1 * 1024;  ///< no part up to this size is ever split between windows
-  static constexpr std::size_t kWindow = kStride + kOverlap;
-  static constexpr std::size_t kWindows = 64;
+  static constexpr std::size_t kPage = 4 * 1024;
+  static constexpr std::size_t kSlots = 64;  ///< pages that are kept; as many as the cache next to a core holds easily
+  static constexpr std::size_t kMostAhead = 16;
 
   const std::uint8_t* Bytes(std::uint64_t offset, std::size_t count) {
-    if (count > kOverlap) return LongPart(offset, count);
-    const std::uint64_t number = offset / kStride;
-    const std::size_t slot = number % kWindows;
-    if (numbers_[slot] != number && !Load(number, slot)) return nullptr;
-    return windows_.get() + slot * kWindow + offset % kStride;
+    const std::uint64_t first = offset / kPage;
+    const std::uint64_t last = count == 0 ? first : (offset + count - 1) / kPage;
+    const std::size_t slot = first % kSlots;
+    if (last != first) return LongPart(offset, count, first, last);
+    if (numbers_[slot] != first && !Load(first)) return nullptr;
+    return pages_.get() + slot * kPage + offset % kPage;
   }
-  const std::uint8_t* LongPart(std::uint64_t offset, std::size_t count);
-  bool Load(std::uint64_t number, std::size_t slot);
+  const std::uint8_t* LongPart(std::uint64_t offset, std::size_t count, std::uint64_t first, std::uint64_t last);
+  bool Load(std::uint64_t number);
+  bool ReadPages(std::uint64_t number, std::size_t count);
 
   ByteSource& source_;
   std::uint64_t size_;
@@ -63,8 +64,10 @@ class FileView {
   std::uint64_t end_;
   Widths widths_;
   bool unreadable_ = false;
-  std::array<std::uint64_t, kWindows> numbers_;  ///< which window of the file is in which slot
-  std::unique_ptr<std::uint8_t[]> windows_;      ///< not initialised: what is never read never costs memory
+  std::array<std::uint64_t, kSlots> numbers_;  ///< which page of the file is in which slot
+  std::uint64_t next_ = 0;                     ///< the page behind those that were read last
+  std::size_t ahead_ = 1;                      ///< how many those were
+  std::unique_ptr<std::uint8_t[]> pages_;      ///< not initialised: what is never read never costs memory
   std::unique_ptr<std::uint8_t[]> long_part_;
 };
 

@@ -21,7 +21,6 @@ bool MayRepeat(MessageType type) {
 void ObjectVisitor::Clear(std::uint64_t address) {
   object_.address = address;
   object_.seen = 0;
-  object_.layout = Layout();
   object_.pipeline.count = 0;
   object_.fill = FillValue();
   object_.table = SymbolTable();
@@ -71,6 +70,7 @@ Verdict ObjectVisitor::TakeDescription(const Message& message, const Cursor& bod
       object_.fill_at = message.body + object_.fill.at;
       return bad;
     case MessageType::kLayout:
+      object_.layout = Layout();
       bad = ParseLayout(in, object_.layout);
       object_.values = message.body + object_.layout.compact_at;
       return bad;
@@ -128,11 +128,10 @@ bool ObjectVisitor::TakeLink(const Message& message) {
   return CheckLink(walk_, message.address, walk_.view.At(message.body, message.size));
 }
 
-bool ObjectVisitor::VisitGroup() {
-  const GroupNote* note = walk_.NoteOf(object_.address);
+bool ObjectVisitor::VisitGroup(const GroupNote& note) {
   if (!object_.Has(MessageType::kSymbolTable)) return true;  // a note may be older than the group's present form
   const SymbolTable& table = object_.table;
-  if (note && (note->tree != table.tree || note->heap != table.heap)) {
+  if (note.tree != kUndefined && (note.tree != table.tree || note.heap != table.heap)) {
     return walk_.Refuse(object_.address, "symbol table entry disagrees with its group");
   }
   return WalkOldGroup(walk_, table);
@@ -142,11 +141,11 @@ bool ObjectVisitor::VisitDense() {
   return WalkDenseLinks(walk_, object_.links) && WalkDenseAttributes(walk_, object_.attributes);
 }
 
-bool ObjectVisitor::Visit(std::uint64_t address) {
+bool ObjectVisitor::Visit(std::uint64_t address, const GroupNote& note) {
   Clear(address);
   if (!TakeMessages()) return false;
   if (!VisitDense()) return false;
-  if (object_.Has(MessageType::kSymbolTable) || object_.Has(MessageType::kLinkInfo)) return VisitGroup();
+  if (object_.Has(MessageType::kSymbolTable) || object_.Has(MessageType::kLinkInfo)) return VisitGroup(note);
   if (object_.Has(MessageType::kLayout)) return CheckDataset(walk_, object_);
   const bool is_type = object_.Has(MessageType::kDatatype) && !object_.Has(MessageType::kDataspace);
   return is_type || walk_.Refuse(address, "object is no group, dataset or type");

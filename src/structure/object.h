@@ -37,7 +37,8 @@ class ObjectVisitor {
  public:
   explicit ObjectVisitor(Walk& walk) : walk_(walk), messages_(walk) {}
 
-  [[nodiscard]] bool Visit(std::uint64_t address);
+  /// `note` is what a symbol table entry says about the object.
+  [[nodiscard]] bool Visit(std::uint64_t address, const GroupNote& note);
   /// Visits the object header that holds messages about the file, and takes the tree ranks from it.
   [[nodiscard]] bool VisitExtension(std::uint64_t address);
 
@@ -50,7 +51,7 @@ class ObjectVisitor {
   Verdict TakeRest(const Message& message, const Cursor& body);
   bool TakeShared(const Message& message);
   bool TakeLink(const Message& message);
-  bool VisitGroup();
+  bool VisitGroup(const GroupNote& note);
   bool VisitDense();
 
   Walk& walk_;

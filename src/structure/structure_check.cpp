@@ -16,8 +16,8 @@ bool WalkAll(Walk& walk) {
   ObjectVisitor visitor(walk);
   if (superblock.extension != kUndefined && !visitor.VisitExtension(superblock.extension)) return false;
   if (!walk.AddObject(0, superblock.root, superblock.root_note)) return false;
-  for (std::uint64_t object = 0; walk.NextObject(object);) {
-    if (!visitor.Visit(object)) return false;
+  for (Walk::Next next; walk.NextObject(next);) {
+    if (!visitor.Visit(next.address, next.note)) return false;
   }
   return true;
 }

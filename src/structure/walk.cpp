@@ -2,6 +2,8 @@
 
 #include "structure/walk.h"
 
+#include <algorithm>
+
 namespace orvio::structure {
 
 bool Walk::Refuse(std::uint64_t address, const char* what) {
@@ -11,7 +13,7 @@ bool Walk::Refuse(std::uint64_t address, const char* what) {
 
 bool Walk::Claim(std::uint64_t address, std::uint64_t count) {
   if (!view.Holds(address, count)) return Refuse(address, "structure passes the end of the file");
-  if (!uses_.Insert(address).added) return Refuse(address, "structure has two owners");
+  if (uses_.Take(address, Use::kStructure) != Use::kNothing) return Refuse(address, "structure has two owners");
   return Spend(address, count);
 }
 
@@ -31,33 +33,50 @@ bool Walk::Spend(std::uint64_t address, std::uint64_t count) {
 
 bool Walk::AddObject(std::uint64_t from, std::uint64_t address, const GroupNote& note) {
   if (!view.Holds(address, 1)) return Refuse(from, "link leads out of the file");
-  const auto place = uses_.Insert(address);
-  Use& use = place.value;
-  if (place.added) {
-    use.is_object = true;
-    pending_.push_back(address);
+  const Use before = uses_.Take(address, Use::kObject);
+  if (before == Use::kStructure) return Refuse(address, "structure has two owners");
+  const bool has_note = note.tree != kUndefined;
+  if (before == Use::kObject) return !has_note || AgreeOnGroup(from, address, note);
+  if (has_note) notes_.push_back({address, note});
+  pending_.push_back({address, has_note ? notes_.size() : 0});
+  return true;
+}
+
+bool Walk::AgreeOnGroup(std::uint64_t from, std::uint64_t object, const GroupNote& note) {
+  IndexNotes();
+  const auto known = note_of_.Insert(object);
+  if (known.added) {
+    known.value = notes_.size();
+    notes_.push_back({object, note});
+    return true;
   }
-  if (!use.is_object) return Refuse(address, "structure has two owners");
-  if (note.tree == kUndefined) return true;
-  if (use.note == 0) {
-    notes_.push_back(note);
-    use.note = static_cast<std::uint32_t>(notes_.size());
-  }
-  const GroupNote& first = notes_[use.note - 1];
+  const GroupNote& first = notes_[known.value].note;
   return (first.tree == note.tree && first.heap == note.heap) ||
          Refuse(from, "symbol table entries disagree about their group");
 }
 
-bool Walk::NextObject(std::uint64_t& address) {
-  if (pending_.empty()) return false;
-  address = pending_.back();
-  pending_.pop_back();
-  return true;
+void Walk::IndexNotes() {
+  for (; indexed_notes_ < notes_.size(); ++indexed_notes_) {
+    const auto place = note_of_.Insert(notes_[indexed_notes_].object);
+    if (place.added) place.value = indexed_notes_;
+  }
 }
 
-const GroupNote* Walk::NoteOf(std::uint64_t object) {
-  const Use* use = uses_.Get(object);
-  return use && use->note > 0 ? &notes_[use->note - 1] : nullptr;
+bool Walk::NextObject(Next& next) {
+  if (pending_.empty()) return false;
+  // The next one is the last. A few lie close together in whatever order they are.
+  constexpr std::size_t kFew = 4;
+  if (pending_.size() - in_order_ > kFew) {
+    std::sort(pending_.begin() + static_cast<std::ptrdiff_t>(in_order_), pending_.end(),
+              [](const Pending& a, const Pending& b) { return a.address > b.address; });
+  }
+  const Pending object = pending_.back();
+  pending_.pop_back();
+  in_order_ = pending_.size();
+  const std::size_t* late = object.note == 0 ? note_of_.Get(object.address) : nullptr;
+  const std::size_t note = late ? *late + 1 : object.note;
+  next = {object.address, note > 0 ? notes_[note - 1].note : GroupNote()};
+  return true;
 }
 
 }  // namespace orvio::structure

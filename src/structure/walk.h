@@ -9,7 +9,9 @@
 #include "structure/address_map.h"
 #include "structure/datatype.h"
 #include "structure/file_view.h"
+#include "structure/known_attributes.h"
 #include "structure/structure_check.h"
+#include "structure/used_addresses.h"
 
 namespace orvio::structure {
 
@@ -20,7 +22,7 @@ struct TreeRanks {
   std::uint16_t chunk_node = 32;
 };
 
-/// What a symbol table entry remembers of the group that it leads to.
+/// What a symbol table entry remembers of the group that it leads to. Without a tree it is no note at all.
 struct GroupNote {
   std::uint64_t tree = kUndefined;
   std::uint64_t heap = kUndefined;
@@ -29,7 +31,7 @@ struct GroupNote {
 /// The state of one check. Functions that walk answer false once there is a fault; the first one stays.
 class Walk {
  public:
-  explicit Walk(ByteSource& source) : view(source) { uses_.Reserve(LikelyUses(source.Size())); }
+  explicit Walk(ByteSource& source) : view(source) {}
 
   FileView view;
   TreeRanks ranks;
@@ -52,30 +54,41 @@ class Walk {
 
   /// Puts an object on the list of those to visit, unless it was there before. `from` is the link.
   [[nodiscard]] bool AddObject(std::uint64_t from, std::uint64_t address, const GroupNote& note = {});
-  /// The next object to visit. False when there is none.
-  bool NextObject(std::uint64_t& address);
-  /// What the first entry with a note says about the object; null when no entry has one.
-  const GroupNote* NoteOf(std::uint64_t object);
+  /// An object to visit, and what the first entry with a note says about it.
+  struct Next {
+    std::uint64_t address = kUndefined;
+    GroupNote note;
+  };
+  /// The next object to visit. What was put on the list since the last call comes first: many in the order of the file,
+  /// so that it is read forwards. False when there is none.
+  bool NextObject(Next& next);
 
+  KnownAttributes known_attributes;
   AddressMap<Datatype> committed_types;    ///< by the address of their object header
   AddressMap<std::uint64_t> heap_objects;  ///< sizes of objects in global heaps; see global_heap.cpp for the keys
   AddressMap<bool> global_heaps;           ///< collections that were looked at
 
  private:
-  /// Result files of many small blocks have a structure in each 500 bytes or so; a megabyte of room is enough to begin with.
-  static std::size_t LikelyUses(std::uint64_t file_size) {
-    return std::size_t{1} << std::min(Log2(file_size / 512), 17U);
-  }
+  /// What is known of an object when it is put on the list.
+  struct Pending {
+    std::uint64_t address;
+    std::size_t note;  ///< position in notes_ and 1; 0: none
+  };
+  struct ObjectNote {
+    std::uint64_t object;
+    GroupNote note;
+  };
+
+  bool AgreeOnGroup(std::uint64_t from, std::uint64_t object, const GroupNote& note);
+  void IndexNotes();
 
   std::optional<Fault> fault_;
-  /// What an address was used for.
-  struct Use {
-    bool is_object = false;
-    std::uint32_t note = 0;  ///< position in notes_ and 1; 0: none
-  };
-  AddressMap<Use> uses_;
-  std::vector<GroupNote> notes_;
-  std::vector<std::uint64_t> pending_;
+  UsedAddresses uses_;
+  std::vector<Pending> pending_;
+  std::size_t in_order_ = 0;  ///< entries of pending_ that are in the order of visits
+  std::vector<ObjectNote> notes_;
+  AddressMap<std::size_t> note_of_;  ///< positions in notes_; only objects with several links are looked up
+  std::size_t indexed_notes_ = 0;    ///< entries of notes_ that are in note_of_
   std::uint64_t spent_ = 0;
 };
 
