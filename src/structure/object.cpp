@@ -26,6 +26,8 @@ void ObjectVisitor::Clear(std::uint64_t address) {
   object_.table = SymbolTable();
   object_.links = Dense();
   object_.attributes = Dense();
+  object_.shares_type = false;
+  object_.time_at = 0;
 }
 
 bool ObjectVisitor::TakeMessages() {
@@ -72,6 +74,7 @@ Verdict ObjectVisitor::TakeDescription(const Message& message, const Cursor& bod
     case MessageType::kLayout:
       object_.layout = Layout();
       bad = ParseLayout(in, object_.layout);
+      object_.layout_at = message.body;
       object_.values = message.body + object_.layout.compact_at;
       return bad;
     case MessageType::kFilters:
@@ -97,6 +100,7 @@ Verdict ObjectVisitor::TakeRest(const Message& message, const Cursor& body) {
     case MessageType::kComment:
       return ParseComment(body);
     case MessageType::kTime:
+      object_.time_at = message.body;
       return ParseTime(body);
     case MessageType::kOldTime:
       return ParseOldTime(body);
@@ -121,6 +125,7 @@ bool ObjectVisitor::TakeShared(const Message& message) {
   std::uint64_t address = kUndefined;
   if (!walk_.Accept(message.address, ParseShared(walk_.view.At(message.body, message.size), address))) return false;
   if (message.type != MessageType::kDatatype) return walk_.Refuse(message.address, "message of this kind is shared");
+  object_.shares_type = true;
   return ReadCommittedType(walk_, message.address, address, object_.type);
 }
 
@@ -141,12 +146,60 @@ bool ObjectVisitor::VisitDense() {
   return WalkDenseLinks(walk_, object_.links) && WalkDenseAttributes(walk_, object_.attributes);
 }
 
+/// The whole header of an object if it is small, of version 1 and in one piece; a failed cursor if not.
+Cursor ObjectVisitor::SmallHeader(std::uint64_t address) {
+  constexpr std::uint64_t kPrefix = 16, kSmallest = 100;  // no dataset has a smaller one
+  if (walk_.view.widths().offset != KnownDatasets::kAddress) return {};
+  Cursor prefix = walk_.view.At(address, kPrefix);
+  const bool is_old = prefix.U8() == 1;
+  prefix.Skip(1 + 2 + 4);  // reserved, number of messages, number of links
+  const std::uint64_t size = prefix.U32();
+  if (!is_old || size < kSmallest || size > KnownDatasets::kLargest - kPrefix) return {};
+  return walk_.view.At(address, kPrefix + size);
+}
+
+bool ObjectVisitor::VisitKnown(const KnownDatasets::Known& known, std::uint64_t address, const Cursor& header) {
+  if (!walk_.ClaimObject(address, known.size)) return false;
+  Cursor in = header;
+  in.Skip(known.address_at);
+  const std::uint64_t values = in.Address();
+  if (values == kUndefined || known.value_bytes == 0) return true;
+  return walk_.view.Holds(values, known.value_bytes) || walk_.Refuse(address, "values pass the end of the file");
+}
+
+void ObjectVisitor::KeepDataset() {
+  constexpr std::uint64_t kBeforeAddress = 2, kBeforeTime = 4;  // versions and what goes with them
+  const Object& found = object_;
+  const bool is_plain = messages_.IsSimple() && found.layout.kind == Layout::Kind::kContiguous &&
+                        found.layout.version == 3 && !found.shares_type &&
+                        found.type.type_class != TypeClass::kVariable && !found.Has(MessageType::kAttribute) &&
+                        !found.Has(MessageType::kLink);
+  const Cursor header = is_plain ? SmallHeader(found.address) : Cursor();
+  if (!header.ok()) return;
+  const std::size_t address_at = found.layout_at - found.address + kBeforeAddress;
+  const std::size_t time_at = found.time_at == 0 ? header.left() : found.time_at - found.address + kBeforeTime;
+  if (time_at < address_at + KnownDatasets::kAddress) return;
+  KnownDatasets::Known& known = datasets_.Find(header);
+  KnownDatasets::Keep(known, header);
+  known.address_at = address_at;
+  known.time_at = time_at;
+  known.value_bytes = found.space.points * found.type.size;  // which was seen to fit
+}
+
 bool ObjectVisitor::Visit(std::uint64_t address, const GroupNote& note) {
+  if (const Cursor header = SmallHeader(address); header.ok()) {
+    const KnownDatasets::Known& known = datasets_.Find(header);
+    if (KnownDatasets::Is(known, header)) return VisitKnown(known, address, header);
+  }
   Clear(address);
   if (!TakeMessages()) return false;
   if (!VisitDense()) return false;
   if (object_.Has(MessageType::kSymbolTable) || object_.Has(MessageType::kLinkInfo)) return VisitGroup(note);
-  if (object_.Has(MessageType::kLayout)) return CheckDataset(walk_, object_);
+  if (object_.Has(MessageType::kLayout)) {
+    if (!CheckDataset(walk_, object_)) return false;
+    KeepDataset();
+    return true;
+  }
   const bool is_type = object_.Has(MessageType::kDatatype) && !object_.Has(MessageType::kDataspace);
   return is_type || walk_.Refuse(address, "object is no group, dataset or type");
 }

@@ -7,6 +7,7 @@
 #include "structure/dataspace.h"
 #include "structure/datatype.h"
 #include "structure/filters.h"
+#include "structure/known_datasets.h"
 #include "structure/layout.h"
 #include "structure/link.h"
 #include "structure/object_header.h"
@@ -28,6 +29,9 @@ struct Object {
   SymbolTable table;
   Dense links;
   Dense attributes;
+  bool shares_type = false;     ///< its type is an object of its own
+  std::uint64_t layout_at = 0;  ///< where the bodies of these messages are in the file
+  std::uint64_t time_at = 0;    ///< 0: there is none
 
   bool Has(MessageType type_of) const { return (seen >> static_cast<unsigned>(type_of) & 1U) != 0; }
 };
@@ -53,10 +57,14 @@ class ObjectVisitor {
   bool TakeLink(const Message& message);
   bool VisitGroup(const GroupNote& note);
   bool VisitDense();
+  Cursor SmallHeader(std::uint64_t address);
+  bool VisitKnown(const KnownDatasets::Known& known, std::uint64_t address, const Cursor& header);
+  void KeepDataset();
 
   Walk& walk_;
   HeaderMessages messages_;
   Object object_;
+  KnownDatasets datasets_;
 };
 
 }  // namespace orvio::structure

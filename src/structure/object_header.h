@@ -59,6 +59,8 @@ class HeaderMessages {
   [[nodiscard]] bool Start(std::uint64_t address, Use use);
   /// The next message. False at the end, and once there is a fault.
   bool Next(Message& message);
+  /// Whether the header is of version 1 and was in one piece, as far as Next() has come.
+  bool IsSimple() const { return version_ == 1 && !goes_on_; }
 
  private:
   struct Chunk {
@@ -79,6 +81,7 @@ class HeaderMessages {
   Walk& walk_;
   Use use_ = Use::kOwn;
   unsigned version_ = 1;
+  bool goes_on_ = false;
   unsigned head_size_ = 8;  ///< bytes before the body of a message
   std::uint64_t at_ = 0;
   std::uint64_t end_ = 0;

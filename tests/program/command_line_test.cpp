@@ -135,6 +135,17 @@ TEST_P(ReadingCommands, RefuseAFileCutAnywhere) {
   ExpectTrouble(Run(path), path, "damaged");
 }
 
+TEST_P(ReadingCommands, TellWhereAFileIsDamaged) {
+  std::string bytes = BytesOf(Forge());
+  const size_t place = bytes.find("HEAP");
+  ASSERT_NE(place, std::string::npos);
+  bytes[place] = 'h';
+  const std::string path = WriteFile("damaged.orv", bytes);
+  ExpectTrouble(Run(path), path,
+                "is damaged: local heap is not where it should be, at byte " + std::to_string(place) +
+                    "; get the file again from where it came from");
+}
+
 /// Whatever a damaged file makes of the answer: it is data with exit code 0, or a last line with exit code 2.
 TEST_P(ReadingCommands, SurviveAFileWithWrongBytes) {
   const std::string bytes = BytesOf(Forge());

@@ -163,6 +163,15 @@ void Add(FileModel& model, ResultInfo info) {
 
 std::string TextOrNothing(const char* text) { return text ? TextOf(text) : ""; }
 
+/// What the library has found when it looked at the structure of a file, e.g. "is damaged: object header has an unknown
+/// version, at byte 800". Empty for what is no HDF5 file at all.
+std::string DamageFound() {
+  const std::string text = LibraryText("");
+  const std::size_t at = text.find("is damaged: ");
+  const bool is_hdf5 = text.find("no HDF5 signature") == std::string::npos;
+  return at != std::string::npos && is_hdf5 ? text.substr(at) : std::string();
+}
+
 }  // namespace
 
 int CheckResultFile(const std::string& path) {
@@ -172,6 +181,8 @@ int CheckResultFile(const std::string& path) {
   if (!fs::is_regular_file(path, error)) throw Trouble(path, "is not a file", "give the name of a result file");
   int states = 0;
   if (ReadNumState(path.c_str(), &states) != 0) {
+    const std::string damage = DamageFound();
+    if (!damage.empty()) throw Trouble(path, damage, "get the file again from where it came from");
     throw Trouble(path, "is not an HDF5 file, or a damaged one, or may not be read",
                   "give a result file; orv import makes one");
   }
