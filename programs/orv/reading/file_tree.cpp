@@ -243,7 +243,7 @@ Id OpenPlace(hid_t file, const std::string& path) {
 std::vector<TreeEntry> ListTree(const std::string& file, const std::string& place, const TreeOptions& options) {
   (void)CheckResultFile(file);
   (void)H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);  // what cannot be read is told in our own words
-  OH5Reader opened(file.c_str(), H5F_ACC_RDONLY);  // the library's door: whatever is open in the file goes before it
+  OH5Reader opened(file.c_str(), H5F_ACC_RDONLY);     // the library's door: whatever is open in the file goes before it
   if (opened.GetFileId() < 0) throw Trouble(file, "cannot be opened", "check your permissions");
   const std::string path = AbsolutePath(place);
   const Id group = OpenPlace(opened.GetFileId(), path);
