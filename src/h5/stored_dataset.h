@@ -13,7 +13,7 @@ namespace orvio::h5 {
 
 /// A dataset that may be read and written: its values lie in the file itself, the filters over them are those of the
 /// format with the parameters that belong to its type and chunks, and what its extents claim fits its storage. Any other
-/// is refused before HDF5 is asked for its extents or values.
+/// is refused before a value is read; one that leads out of the file, before HDF5 is asked for its extents.
 class StoredDataset {
  public:
   /// None.
