@@ -31,6 +31,11 @@ class KnownAttributes {
     return known.value_at != 0 && known.value_at <= in.left() &&
            std::memcmp(known.head.data(), in.data(), known.value_at) == 0;
   }
+  /// Where in the message that `in` shows the values begin; 0 when the attribute is not known.
+  std::uint32_t ValueAt(const Cursor& in) {
+    const Known* known = Find(in);
+    return known && Is(*known, in) ? known->value_at : 0;
+  }
   static void Keep(Known& known, const Cursor& in, std::uint32_t value_at, std::uint64_t value_bytes) {
     if (value_at > known.head.size()) return;
     std::memcpy(known.head.data(), in.data(), value_at);

@@ -28,6 +28,8 @@ void ObjectVisitor::Clear(std::uint64_t address) {
   object_.attributes = Dense();
   object_.shares_type = false;
   object_.time_at = 0;
+  plain_values_.clear();
+  other_messages_ = 0;
 }
 
 bool ObjectVisitor::TakeMessages() {
@@ -48,8 +50,12 @@ bool ObjectVisitor::TakeOnce(const Message& message) {
 }
 
 bool ObjectVisitor::Take(const Message& message) {
-  if (message.shared) return TakeShared(message);
-  if (message.type == MessageType::kAttribute) return CheckAttribute(walk_, message.body, message.size);
+  if (message.shared) {
+    ++other_messages_;
+    return TakeShared(message);
+  }
+  if (message.type == MessageType::kAttribute) return TakeAttribute(message);
+  if (message.type != MessageType::kSymbolTable) ++other_messages_;
   if (message.type == MessageType::kLink) return TakeLink(message);
   const Cursor body = walk_.view.At(message.body, message.size);
   return walk_.Accept(message.address, TakeDescription(message, body));
@@ -80,6 +86,7 @@ Verdict ObjectVisitor::TakeDescription(const Message& message, const Cursor& bod
     case MessageType::kFilters:
       return ParsePipeline(in, object_.pipeline);
     case MessageType::kSymbolTable:
+      object_.table_at = message.body;
       return ParseSymbolTable(in, object_.table);
     case MessageType::kLinkInfo:
       return ParseLinkInfo(in, object_.links);
@@ -131,6 +138,17 @@ bool ObjectVisitor::TakeShared(const Message& message) {
 
 bool ObjectVisitor::TakeLink(const Message& message) {
   return CheckLink(walk_, message.address, walk_.view.At(message.body, message.size));
+}
+
+bool ObjectVisitor::TakeAttribute(const Message& message) {
+  if (!CheckAttribute(walk_, message.body, message.size)) return false;
+  const std::uint32_t value_at = walk_.known_attributes.ValueAt(walk_.view.At(message.body, message.size));
+  if (value_at == 0) {
+    ++other_messages_;
+  } else {
+    plain_values_.push_back({message.body + value_at, message.size - value_at});
+  }
+  return true;
 }
 
 bool ObjectVisitor::VisitGroup(const GroupNote& note) {
@@ -186,15 +204,60 @@ void ObjectVisitor::KeepDataset() {
   known.value_bytes = found.space.points * found.type.size;  // which was seen to fit
 }
 
+/// Where all messages of an object are, if its header is of version 1 and leads there with the first message.
+Continuation ObjectVisitor::OnlyContinuation(std::uint64_t address) {
+  constexpr std::uint64_t kHead = 8, kBody = 16;
+  if (walk_.view.widths().offset != 8 || walk_.view.widths().length != 8) return {};
+  Cursor in = walk_.view.At(address, KnownGroups::kFirst);
+  const bool is_old = in.U8() == 1;
+  in.Skip(1 + 2 + 4);  // reserved, number of messages, number of links
+  const bool is_one = in.U32() == kHead + kBody;
+  in.Skip(4);
+  const bool goes_on = in.U64() == (kBody << 16 | static_cast<std::uint64_t>(MessageType::kContinuation));
+  Continuation rest;
+  rest.address = in.Address();
+  rest.size = in.Length();
+  const bool fits = rest.size >= KnownGroups::kSmallest && rest.size <= KnownGroups::kLargest;
+  return in.ok() && is_old && is_one && goes_on && fits ? rest : Continuation();
+}
+
+bool ObjectVisitor::VisitKnown(const KnownGroups::Known& known, std::uint64_t address, const Continuation& rest,
+                               const GroupNote& note) {
+  Cursor table = walk_.view.At(rest.address + known.table_at(), KnownGroups::kTable);
+  object_.address = address;
+  object_.seen = 1U << static_cast<unsigned>(MessageType::kSymbolTable);
+  return walk_.ClaimObject(address, KnownGroups::kFirst) && walk_.Claim(rest.address, rest.size) &&
+         walk_.Accept(address, ParseSymbolTable(table, object_.table)) && VisitGroup(note);
+}
+
+void ObjectVisitor::KeepGroup() {
+  const bool is_plain = messages_.GoesOnOnce() && object_.Has(MessageType::kSymbolTable) && other_messages_ == 0;
+  const Continuation rest = is_plain ? OnlyContinuation(object_.address) : Continuation();
+  const Cursor messages = walk_.view.At(rest.address, rest.size);
+  if (rest.size == 0 || !messages.ok()) return;
+  KnownGroups::Known& known = groups_.Find(messages);
+  known.Keep(messages, object_.table_at - rest.address);
+  for (const Values& values : plain_values_) known.MayDiffer(values.address - rest.address, values.size);
+}
+
 bool ObjectVisitor::Visit(std::uint64_t address, const GroupNote& note) {
   if (const Cursor header = SmallHeader(address); header.ok()) {
     const KnownDatasets::Known& known = datasets_.Find(header);
     if (KnownDatasets::Is(known, header)) return VisitKnown(known, address, header);
+  } else if (const Continuation rest = OnlyContinuation(address); rest.size > 0) {
+    const Cursor messages = walk_.view.At(rest.address, rest.size);
+    if (messages.ok() && groups_.Find(messages).Is(messages)) {
+      return VisitKnown(groups_.Find(messages), address, rest, note);
+    }
   }
   Clear(address);
   if (!TakeMessages()) return false;
   if (!VisitDense()) return false;
-  if (object_.Has(MessageType::kSymbolTable) || object_.Has(MessageType::kLinkInfo)) return VisitGroup(note);
+  if (object_.Has(MessageType::kSymbolTable) || object_.Has(MessageType::kLinkInfo)) {
+    if (!VisitGroup(note)) return false;
+    KeepGroup();
+    return true;
+  }
   if (object_.Has(MessageType::kLayout)) {
     if (!CheckDataset(walk_, object_)) return false;
     KeepDataset();

@@ -3,11 +3,13 @@
 // One object of a file: what its header says, and the walk into what belongs to it.
 
 #include <cstdint>
+#include <vector>
 
 #include "structure/dataspace.h"
 #include "structure/datatype.h"
 #include "structure/filters.h"
 #include "structure/known_datasets.h"
+#include "structure/known_groups.h"
 #include "structure/layout.h"
 #include "structure/link.h"
 #include "structure/object_header.h"
@@ -32,6 +34,7 @@ struct Object {
   bool shares_type = false;     ///< its type is an object of its own
   std::uint64_t layout_at = 0;  ///< where the bodies of these messages are in the file
   std::uint64_t time_at = 0;    ///< 0: there is none
+  std::uint64_t table_at = 0;
 
   bool Has(MessageType type_of) const { return (seen >> static_cast<unsigned>(type_of) & 1U) != 0; }
 };
@@ -55,16 +58,29 @@ class ObjectVisitor {
   Verdict TakeRest(const Message& message, const Cursor& body);
   bool TakeShared(const Message& message);
   bool TakeLink(const Message& message);
+  bool TakeAttribute(const Message& message);
   bool VisitGroup(const GroupNote& note);
   bool VisitDense();
   Cursor SmallHeader(std::uint64_t address);
   bool VisitKnown(const KnownDatasets::Known& known, std::uint64_t address, const Cursor& header);
   void KeepDataset();
+  Continuation OnlyContinuation(std::uint64_t address);
+  bool VisitKnown(const KnownGroups::Known& known, std::uint64_t address, const Continuation& rest,
+                  const GroupNote& note);
+  void KeepGroup();
 
   Walk& walk_;
   HeaderMessages messages_;
   Object object_;
   KnownDatasets datasets_;
+  KnownGroups groups_;
+  /// Where in the file the values of an attribute are.
+  struct Values {
+    std::uint64_t address;
+    std::uint64_t size;
+  };
+  std::vector<Values> plain_values_;  ///< of the object that is visited: those of attributes that are known
+  std::size_t other_messages_ = 0;    ///< of it: what is neither its table nor such an attribute
 };
 
 }  // namespace orvio::structure

@@ -21,7 +21,7 @@ bool HeaderMessages::Start(std::uint64_t address, Use use) {
   use_ = use;
   continuations_.clear();
   at_ = end_ = 0;
-  goes_on_ = false;
+  followed_ = 0;
   Cursor first = walk_.view.At(address, 4);
   if (first.Is("OHDR")) return StartVersion2(address);
   return StartVersion1(address);
@@ -114,7 +114,7 @@ bool HeaderMessages::Continue(const Message& message) {
     return false;
   }
   if (continuation.size == 0) return walk_.Refuse(message.address, "object header goes on with nothing");
-  goes_on_ = true;
+  ++followed_;
   continuations_.push_back({continuation.address, continuation.size});
   return true;
 }

@@ -60,7 +60,9 @@ class HeaderMessages {
   /// The next message. False at the end, and once there is a fault.
   bool Next(Message& message);
   /// Whether the header is of version 1 and was in one piece, as far as Next() has come.
-  bool IsSimple() const { return version_ == 1 && !goes_on_; }
+  bool IsSimple() const { return version_ == 1 && followed_ == 0; }
+  /// Whether it is of version 1 and went on in one other place.
+  bool GoesOnOnce() const { return version_ == 1 && followed_ == 1; }
 
  private:
   struct Chunk {
@@ -81,8 +83,8 @@ class HeaderMessages {
   Walk& walk_;
   Use use_ = Use::kOwn;
   unsigned version_ = 1;
-  bool goes_on_ = false;
-  unsigned head_size_ = 8;  ///< bytes before the body of a message
+  std::size_t followed_ = 0;  ///< continuations so far
+  unsigned head_size_ = 8;    ///< bytes before the body of a message
   std::uint64_t at_ = 0;
   std::uint64_t end_ = 0;
   std::vector<Chunk> continuations_;
