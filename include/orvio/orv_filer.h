@@ -410,6 +410,16 @@ class ORVIO_EXPORT ORVFiler {
   int WriteBlkGivenPath(ORVBlock* block, const std::string& path, int what);
   /// Removes links by name below the block's path.
   int DeleteLinks(ORVBlock* block, std::vector<std::string>& names);
+  /// Begins a change of several blocks. What is written through this filer up to EndState appears in the file at once or
+  /// not at all, and costs one commit; nobody else can write to the file meanwhile. `state` is the 1-based state that is
+  /// written: one that is there, or the next; 0 for blocks that belong to no state. Blocks of other sections may be
+  /// written, too. 1 when the filer has no file for writing, has begun a change already, cannot open the file, or when
+  /// there would be a gap before the state.
+  int BeginState(int state);
+  /// Ends the change: 0 when all of it is in the file, or when it was dropped because `keep` is false. 1 when nothing was
+  /// begun; 1, and the file as it was before, when a write failed since BeginState (so do all after it) or the change cannot
+  /// be written. A filer that is destroyed before drops it.
+  int EndState(bool keep = true);
   /// Writes part of a dataset of a result in the version of this filer's file; see
   /// ORVResult::WriteSelectiveAttribute.
   int WriteSelectiveResultAttribute(ORVResult* result, int state, int sections, _ORVBlockAtt att, int rank,

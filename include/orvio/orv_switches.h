@@ -28,6 +28,21 @@ ORVIO_EXPORT void OH5GetCompression(int* on, int* digits);
 /// 0 and 1 changes nothing.
 ORVIO_EXPORT int ORVSetFileCheck(int mode);
 
+/// What a write survives, for files that are opened for writing from here on:
+///  0  plain: changes go to the file as HDF5 makes them. A writer that ends in the middle may leave a file that does not
+///     open, earlier states and all.
+///  1  kill-safe (the default): what ends the writer, a signal or a full disk, leaves the file as it was before or with
+///     the whole change. What was there is kept in "<file>-journal" for the moment in which it is overwritten.
+///  2  power-safe: the same for a power cut, and what a write has answered 0 for has reached the disk. Several times slower
+///     for small blocks.
+/// A file that was left in the middle of a change is put right by the next open for writing; readers see the state before
+/// and write nothing. Answers the old setting; any other value changes nothing.
+ORVIO_EXPORT int ORVSetDurability(int mode);
+
+/// How long an open for writing waits for another writer of the file to finish, in milliseconds; 10000 at first, 0 does
+/// not wait. Answers the old setting; a negative value changes nothing.
+ORVIO_EXPORT int ORVSetLockTimeout(int milliseconds);
+
 /// Accepted and ignored.
 ORVIO_EXPORT void ORVSetShallowFormatSupportFlag(int flag);
 

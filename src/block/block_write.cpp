@@ -2,6 +2,7 @@
 
 #include "block/block_write.h"
 
+#include "h5/entry.h"
 #include "h5/status.h"
 #include "orvio/oh5_io.h"
 
@@ -18,7 +19,15 @@ BlockCompression::~BlockCompression() {
   if (!on_without_digits) process().compression = before_;
 }
 
-BlockParts::BlockParts(hid_t parent, const char* name, int what) {
+BlockParts::BlockParts(hid_t parent, const char* name, int what) : parent_(parent) {
+  const h5::QuietHdf5 quiet;
+  if (name && *name && !h5::LinkExists(parent, name)) {
+    new_name_ = name;
+    base_.reset(H5Gcreate_anon(parent, H5P_DEFAULT, H5P_DEFAULT));
+    if (!base_) return;
+    parent = base_.get();
+    name = nullptr;
+  }
   hid_t base = -1;
   status_ = OH5OpenBlockSubGroups(parent, name, what, &base, &header_, &data_, &index_);
   if (name) base_.reset(base);
@@ -26,12 +35,17 @@ BlockParts::BlockParts(hid_t parent, const char* name, int what) {
 
 BlockParts::~BlockParts() { (void)OH5CloseBlockSubGroups(header_, data_, index_); }  // after a failure only
 
+bool BlockParts::GiveName() {
+  return new_name_.empty() || H5Olink(base_.get(), parent_, new_name_.c_str(), H5P_DEFAULT, H5P_DEFAULT) >= 0;
+}
+
 int BlockParts::Close(int status) {
   const int closed = OH5CloseBlockSubGroups(header_, data_, index_);
   header_ = data_ = index_ = -1;
+  const bool named = GiveName();  // a block whose steps have failed keeps what they wrote
   const bool base_closed = !base_ || base_.Close();
   if (status != kOk) return status;
-  return closed == kOk && base_closed ? kOk : kFail;
+  return closed == kOk && named && base_closed ? kOk : kFail;
 }
 
 int WriteStages(ORVBlock& block, const BlockParts& parts, int what) {

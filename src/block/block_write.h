@@ -2,6 +2,7 @@
 
 // What the writes of all blocks share: the parts of a block, the order of the steps, and the switches around them.
 
+#include <string>
 #include <utility>
 
 #include "filer/process_state.h"
@@ -33,7 +34,8 @@ class [[nodiscard]] BlockCompression {
   Compression before_;
 };
 
-/// The groups that the parts of a block are written to: one in the single layout, up to three in the split one.
+/// The groups that the parts of a block are written to: one in the single layout, up to three in the split one. A block
+/// that is not there yet is built where nobody sees it, and gets its name when it is whole.
 class BlockParts {
  public:
   /// Opens or makes the parts that `what` names below the child `name` of `parent`, which is made when missing; a
@@ -52,7 +54,11 @@ class BlockParts {
   [[nodiscard]] int Close(int status);
 
  private:
-  int status_;
+  bool GiveName();
+
+  hid_t parent_;
+  std::string new_name_;  ///< of a block that has none yet
+  int status_ = 1;
   h5::Group base_;  // empty when the parts lie in the parent itself
   hid_t header_ = -1;
   hid_t data_ = -1;

@@ -51,6 +51,8 @@ int ORVBlock::DeleteLinks(const char* file, std::vector<std::string>& names) {
   return h5::Entry(kFail, [&] {
     h5::WriteFile opened(OpenForDeletion(file));
     if (!opened) return kFileOpenError;
-    return opened.Finish(DeleteEach(opened.get(), names));
+    const int status = DeleteEach(opened.get(), names);
+    const int written = opened.Finish(kOk);  // what could be removed is, whatever stopped the rest
+    return status != kOk ? status : written;
   });
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "entity/incr_states.h"
+#include "h5/file_access.h"
 #include "orvio/orv_buffer.h"
 #include "orvio/orv_definitions.h"
 #include "orvio/orv_ext_var.h"
@@ -29,7 +30,8 @@ struct ORVContainer {
   explicit ORVContainer(const char* file) : path(file ? file : "") {}
 
   int sharers = 1;
-  std::unique_ptr<ORVFileVersion> version;  ///< read on first demand
+  std::unique_ptr<ORVFileVersion> version;       ///< read on first demand
+  std::unique_ptr<orvio::h5::WriteFile> change;  ///< between BeginState and EndState
   std::string path;
   std::unique_ptr<ORVSystem> system;               ///< with its arrays; none until read
   std::unique_ptr<ORVSimulationType> index_types;  ///< with its names; none until read

@@ -8,6 +8,8 @@
 #include "filer/file_facts.h"
 #include "filer/write_file.h"
 #include "h5/entry.h"
+#include "h5/file_access.h"
+#include "h5/group_paths.h"
 #include "h5/status.h"
 #include "orvio/orv_filer.h"
 
@@ -24,16 +26,51 @@ int ORVFiler::InitForWriting(const char* name, _ORVVersion version, _ORVFileMode
   });
 }
 
+namespace {
+
+/// A write that fails spoils the change that it is part of.
+int Noted(ORVContainer& container, int status) {
+  if (status != kOk && container.change) container.change->Spoil();
+  return status;
+}
+
+/// Whether a state can be written without a gap before it.
+bool MayBeWritten(hid_t file, int state) {
+  if (state == 0) return true;
+  const h5::Group section = h5::OpenGroup(file, h5::GroupPath(h5::kSinglestate).c_str());
+  return section && state - 1 <= h5::CountLinks(section.get());
+}
+
+}  // namespace
+
+int ORVFiler::BeginState(int state) {
+  if (!m_pWriteData || m_pWriteData->change || state < 0) return kFail;
+  return h5::Entry(kFail, [&] {
+    auto change = std::make_unique<h5::WriteFile>(h5::OpenFile(m_pWriteData->path.c_str(), H5F_ACC_RDWR));
+    if (!*change || !MayBeWritten(change->get(), state)) return kFail;
+    m_pWriteData->change = std::move(change);
+    return kOk;
+  });
+}
+
+int ORVFiler::EndState(bool keep) {
+  if (!m_pWriteData || !m_pWriteData->change) return kFail;
+  return h5::Entry(kFail, [&] {
+    const std::unique_ptr<h5::WriteFile> change = std::move(m_pWriteData->change);
+    return keep ? change->Finish(kOk) : change->GiveUp();
+  });
+}
+
 int ORVFiler::WriteBlock(ORVBlock* block, int state, int what) {
   if (!block || !m_pWriteData) return kFail;
   const auto version = UseWriterVersion(*m_pWriteData);
-  return block->WriteBlock(m_pWriteData->path.c_str(), state, what);
+  return Noted(*m_pWriteData, block->WriteBlock(m_pWriteData->path.c_str(), state, what));
 }
 
 int ORVFiler::WriteBlkGivenPath(ORVBlock* block, const std::string& path, int what) {
   if (!block || !m_pWriteData) return kFail;
   const auto version = UseWriterVersion(*m_pWriteData);
-  return block->WriteBlkGivenPath(m_pWriteData->path.c_str(), path, what);
+  return Noted(*m_pWriteData, block->WriteBlkGivenPath(m_pWriteData->path.c_str(), path, what));
 }
 
 int ORVFiler::DeleteLinks(ORVBlock* block, std::vector<std::string>& names) {
@@ -41,7 +78,7 @@ int ORVFiler::DeleteLinks(ORVBlock* block, std::vector<std::string>& names) {
   return h5::Entry(kFail, [&] {
     const auto version = UseWriterVersion(*m_pWriteData);
     std::vector<std::string> paths = LinksBelow(block->GetBlkPath(), names);
-    return block->DeleteLinks(m_pWriteData->path.c_str(), paths);
+    return Noted(*m_pWriteData, block->DeleteLinks(m_pWriteData->path.c_str(), paths));
   });
 }
 

@@ -20,7 +20,9 @@ namespace orvio {
 
 namespace h5 {
 class CheckedFiles;
-}
+class WrittenFile;
+struct HeldSnapshots;
+}  // namespace h5
 
 class WalkGuard;
 
@@ -39,7 +41,10 @@ struct ProcessState {
   Compression compression;         ///< see OH5SetCompression
   int g_nResultOverwriteMode = 0;  ///< not 0: an existing result block may be written into
 
-  int file_check = 1;  ///< see ORVSetFileCheck
+  int file_check = 1;        ///< see ORVSetFileCheck
+  int durability = 1;        ///< see ORVSetDurability
+  int lock_timeout = 10000;  ///< see ORVSetLockTimeout
+  int lock_waited = 0;       ///< milliseconds that the running operation has waited for locks
 
   OH5ReaderPool* reader_pool = nullptr;      ///< made at the first request, never destroyed
   ORVHostAllocate* buffer_memory = nullptr;  ///< of all cached datasets; made at the first, never destroyed
@@ -62,8 +67,10 @@ struct ProcessState {
   hid_t file_access = -1;                                  ///< access lists of the library; HDF5 closes them
   hid_t group_access = -1;                                 ///< at exit, and tells then that they are gone
   hid_t dataset_access = -1;
-  h5::CheckedFiles* checked_files = nullptr;  ///< made at the first open, never destroyed
-  int entries = 0;                            ///< exported operations that run, one inside the other
+  h5::CheckedFiles* checked_files = nullptr;    ///< made at the first open, never destroyed
+  std::vector<h5::WrittenFile*> written_files;  ///< open ones; HDF5 owns them
+  h5::HeldSnapshots* held_snapshots = nullptr;  ///< of the running operation; made at the first, never destroyed
+  int entries = 0;                              ///< exported operations that run, one inside the other
 };
 
 ProcessState& process();

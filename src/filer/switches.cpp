@@ -36,6 +36,18 @@ int ORVSetFileCheck(int mode) {
   return before;
 }
 
+int ORVSetDurability(int mode) {
+  const int before = process().durability;
+  if (mode >= 0 && mode <= 2) process().durability = mode;
+  return before;
+}
+
+int ORVSetLockTimeout(int milliseconds) {
+  const int before = process().lock_timeout;
+  if (milliseconds >= 0) process().lock_timeout = milliseconds;
+  return before;
+}
+
 void ORVSetShallowFormatSupportFlag(int /*flag*/) {}
 
 void ORVErrorDefultHandler(int code, const char* text) {

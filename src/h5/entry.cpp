@@ -3,6 +3,7 @@
 #include "h5/entry.h"
 
 #include "filer/process_state.h"
+#include "h5/held_snapshots.h"
 
 namespace orvio::h5 {
 
@@ -21,7 +22,10 @@ QuietHdf5::QuietHdf5() noexcept : outermost_(StopPlugins(plugins_)) {
 }
 
 QuietHdf5::~QuietHdf5() {
-  --process().entries;
+  if (--process().entries == 0) {
+    ForgetHeldSnapshots();
+    process().lock_waited = 0;
+  }
   if (outermost_) (void)H5PLset_loading_state(plugins_);  // cannot fail for what it answered before
   if (!known_) return;
   if (is_v2_) {

@@ -70,13 +70,17 @@ bool IsRegularFile(const char* name) {
 
 File OpenFile(const char* name, unsigned flags) {
   const hid_t access = Lists().file_access;
-  return File(access > 0 ? H5Fopen(name, flags, access) : H5I_INVALID_HID);
+  File file(access > 0 ? H5Fopen(name, flags, access) : H5I_INVALID_HID);
+  if (file && (flags & H5F_ACC_RDWR)) EndOpening(file.get());
+  return file;
 }
 
 File CreateFile(const char* name) {
   const hid_t access = Lists().file_access;
   if (access <= 0 || (FileExists(name) && !IsRegularFile(name))) return File();
-  return File(H5Fcreate(name, H5F_ACC_TRUNC, H5P_DEFAULT, access));
+  File file(H5Fcreate(name, H5F_ACC_TRUNC, H5P_DEFAULT, access));
+  if (file) EndOpening(file.get());
+  return file;
 }
 
 bool FileExists(const char* name) {
@@ -143,11 +147,38 @@ size_t LinkNameLength(hid_t group, hsize_t index) {
   return length < 0 ? 0 : static_cast<size_t>(length);
 }
 
+WriteFile::WriteFile(File file) : file_(std::move(file)) {
+  if (file_) HoldChanges(file_.get());
+}
+
+WriteFile& WriteFile::operator=(WriteFile&& other) noexcept {
+  std::swap(file_, other.file_);
+  std::swap(spoiled_, other.spoiled_);
+  return *this;
+}
+
+WriteFile::~WriteFile() {
+  if (file_) (void)GiveUp();  // on the way out of a failure
+}
+
+int WriteFile::GiveUp() {
+  (void)ReleaseChanges(file_.get(), Outcome::kGivenUp);
+  return file_.Close() ? kOk : kFail;
+}
+
 int WriteFile::Finish(int status) {
-  const bool flushed = file_ && H5Fflush(file_.get(), H5F_SCOPE_GLOBAL) >= 0;
+  if (!file_ || spoiled_) {
+    if (file_) (void)GiveUp();  // it has failed already
+    return status != kOk ? status : kFail;
+  }
+  const bool flushed = H5Fflush(file_.get(), H5F_SCOPE_GLOBAL) >= 0;
+  const Outcome outcome = !flushed ? Outcome::kGivenUp : status == kOk ? Outcome::kGood : Outcome::kFailed;
+  const bool kept = ReleaseChanges(file_.get(), outcome);
+  const std::string told = process().last_error;
   const bool closed = file_.Close();
-  if (status != kOk) return status;
-  return flushed && closed ? kOk : Fail("File::\n\t changes could not be written to the disk");
+  if (status != kOk || (kept && closed)) return status;
+  if (told != process().last_error) return kFail;  // the driver knows why
+  return Fail("File::\n\t changes could not be written to the disk");
 }
 
 }  // namespace orvio::h5

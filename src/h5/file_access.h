@@ -53,18 +53,27 @@ std::string LinkName(hid_t group, hsize_t index, size_t width = disk::kNameWidth
 /// Length of that name; 0 when there is none.
 size_t LinkNameLength(hid_t group, hsize_t index);
 
-/// A file open for writing. Ends with Finish on the good way; on every other the file is closed all the same.
+/// A file open for writing, and the changes that are made to it. They are kept only if Finish ends them and the disk took
+/// them all; on every other way the file is closed as it was.
 class WriteFile {
  public:
-  explicit WriteFile(File file) : file_(std::move(file)) {}
+  explicit WriteFile(File file);
+  WriteFile(WriteFile&&) = default;
+  WriteFile& operator=(WriteFile&& other) noexcept;
+  ~WriteFile();
   explicit operator bool() const { return static_cast<bool>(file_); }
   hid_t get() const { return file_.get(); }
 
   /// Flushes and closes. `status` if that was a failure already, else 1 when the flush or the close fails.
   [[nodiscard]] int Finish(int status);
+  /// Closes the file as it was. 1 when the close fails.
+  [[nodiscard]] int GiveUp();
+  /// Nothing of the changes will be kept: Finish will close the file as it was, and fail.
+  void Spoil() { spoiled_ = true; }
 
  private:
   File file_;
+  bool spoiled_ = false;
 };
 
 }  // namespace orvio::h5

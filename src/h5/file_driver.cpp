@@ -1,123 +1,30 @@
-// The file driver: plain reads and writes of one regular file.
+// The file driver: what HDF5 calls to read and write one file.
 
 #include "h5/file_driver.h"
 
 #include <H5FDdevelop.h>
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <memory>
 #include <utility>
 
 #include "filer/process_state.h"
-#include "h5/checked_files.h"
-#include "structure/file_bytes.h"
-#include "structure/structure_check.h"
+#include "h5/disk_file.h"
 
 namespace orvio::h5 {
 namespace {
 
-/// Closes a descriptor unless it was released.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-  Descriptor& operator=(Descriptor&&) = delete;
-  ~Descriptor() {
-    if (number_ >= 0) (void)::close(number_);  // read only, or an open that failed: nothing to lose
-  }
-
-  explicit operator bool() const { return number_ >= 0; }
-  int get() const { return number_; }
-  int* place() { return &number_; }
-  [[nodiscard]] bool Close() { return ::close(std::exchange(number_, -1)) == 0; }
-
- private:
-  int number_;
-};
-
-/// HDF5 hands the first member back to every callback, and knows nothing of what follows it.
-struct DiskFile {
-  DiskFile(Descriptor opened, const struct stat& info, bool for_writing)
-      : descriptor(std::move(opened)),
-        identity(info),
-        writable(for_writing),
-        sound(process().file_check != 0),
-        end_of_file(static_cast<haddr_t>(info.st_size)) {}
-
-  H5FD_t base = {};  ///< HDF5's own, filled by it
-  Descriptor descriptor;
-  FileStamp identity;
-  bool writable;
-  bool sound;  ///< was so when it was opened, and all that was written since has reached it
-  haddr_t end_of_file;
-  haddr_t end_of_allocation = 0;
-};
-
 DiskFile& Of(H5FD_t* file) { return *reinterpret_cast<DiskFile*>(file); }
 const DiskFile& Of(const H5FD_t* file) { return *reinterpret_cast<const DiskFile*>(file); }
 
-CheckedFiles& Known() {
-  CheckedFiles*& known = process().checked_files;
-  if (!known) known = new CheckedFiles;  // lives as long as the process, as HDF5 may close files at its very end
-  return *known;
-}
-
-/// The name may be that of a pipe: without O_NONBLOCK the open itself would hang.
-Descriptor OpenDescriptor(const char* name, unsigned flags) {
-  int how = O_CLOEXEC | O_NONBLOCK | (flags & H5F_ACC_RDWR ? O_RDWR : O_RDONLY);
-  if (flags & H5F_ACC_CREAT) how |= O_CREAT;
-  if (flags & H5F_ACC_EXCL) how |= O_EXCL;
-  return Descriptor(::open(name, how, 0666));
-}
-
-/// Some file systems know no locks. There, as everywhere, two writers are the user's mistake.
-bool LockForWriting(int descriptor) {
-  return flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno == ENOSYS || errno == EOPNOTSUPP;
-}
-
-bool IsSound(const char* name, int descriptor, const FileStamp& stamp) {
-  if (process().file_check == 0 || Known().IsSound(stamp) || Known().IsBeingWritten(stamp)) return true;
-  structure::FileBytes bytes(descriptor, static_cast<std::uint64_t>(stamp.size));
-  if (const auto fault = structure::CheckStructure(bytes)) {
-    SetLastError("File::\n\t \"%s\" is damaged: %s, at byte %llu", name, fault->what,
-                 static_cast<unsigned long long>(fault->offset));
-    return false;
+/// What a callback answers HDF5, which knows no exceptions.
+template <class Body>
+herr_t Guarded(Body&& body) noexcept {
+  try {
+    return body() ? 0 : -1;
+  } catch (...) {
+    return -1;  // out of memory
   }
-  Known().RememberSeen(stamp);
-  return true;
-}
-
-/// Truncates what only this process holds.
-bool Empty(int descriptor, struct stat& info) {
-  return LockForWriting(descriptor) && ftruncate(descriptor, 0) == 0 && fstat(descriptor, &info) == 0;
-}
-
-std::unique_ptr<DiskFile> OpenDiskFile(const char* name, unsigned flags) {
-  const bool writable = (flags & H5F_ACC_RDWR) != 0;
-  Descriptor descriptor = OpenDescriptor(name, flags);
-  struct stat info = {};
-  if (!descriptor || fstat(descriptor.get(), &info) != 0) return nullptr;
-  if (!S_ISREG(info.st_mode)) {
-    SetLastError("File::\n\t \"%s\" is no regular file", name);
-    return nullptr;
-  }
-  if (flags & H5F_ACC_TRUNC) {
-    if (!Empty(descriptor.get(), info)) return nullptr;
-  } else if (info.st_size > 0 && !IsSound(name, descriptor.get(), FileStamp(info))) {
-    return nullptr;
-  }
-  const FileStamp stamp(info);
-  // HDF5 opens a file once more to find out that it has it open already: then the lock is there.
-  if (writable && !Known().IsBeingWritten(stamp) && !LockForWriting(descriptor.get())) return nullptr;
-  auto file = std::make_unique<DiskFile>(std::move(descriptor), info, writable);
-  if (writable) Known().BeginWriting(stamp);
-  return file;
 }
 
 H5FD_t* Open(const char* name, unsigned flags, hid_t /*access*/, haddr_t /*most*/) {
@@ -129,21 +36,9 @@ H5FD_t* Open(const char* name, unsigned flags, hid_t /*access*/, haddr_t /*most*
   }
 }
 
-/// What this process has written into a sound file needs no second look.
-void EndWriting(const DiskFile& file) {
-  Known().EndWriting(file.identity);
-  struct stat info = {};
-  if (!file.sound || Known().IsBeingWritten(file.identity) || fstat(file.descriptor.get(), &info) != 0) return;
-  try {
-    Known().RememberWritten(FileStamp(info));
-  } catch (...) {  // NOLINT(bugprone-empty-catch): out of memory, so it will be looked at again
-  }
-}
-
 herr_t Close(H5FD_t* base) {
   const std::unique_ptr<DiskFile> file(&Of(base));
-  if (file->writable) EndWriting(*file);
-  return file->descriptor.Close() ? 0 : -1;
+  return Guarded([&] { return !file->writer || file->writer->Close(); });
 }
 
 int Compare(const H5FD_t* a, const H5FD_t* b) {
@@ -164,10 +59,10 @@ herr_t SetEndOfAllocation(H5FD_t* file, H5FD_mem_t /*type*/, haddr_t address) {
   return 0;
 }
 
-haddr_t EndOfFile(const H5FD_t* file, H5FD_mem_t /*type*/) { return Of(file).end_of_file; }
+haddr_t EndOfFile(const H5FD_t* file, H5FD_mem_t /*type*/) { return Of(file).EndOfFile(); }
 
 herr_t Handle(H5FD_t* file, hid_t /*access*/, void** handle) {
-  *handle = Of(file).descriptor.place();  // hosts get the address of the descriptor from every driver of this kind
+  *handle = Of(file).place();  // hosts get the address of the descriptor from every driver of this kind
   return 0;
 }
 
@@ -175,58 +70,30 @@ bool IsAddressable(haddr_t address, size_t size) {
   return address <= INT64_MAX && size <= static_cast<std::uint64_t>(INT64_MAX) - address;
 }
 
-/// Bytes that a writer has taken but not written yet are zeros. A reader that meets the end has a file that was cut
-/// behind its back.
-herr_t FillRest(const DiskFile& file, char* buffer, size_t count) {
-  if (!file.writable) return -1;
-  std::memset(buffer, 0, count);
-  return 0;
-}
-
-herr_t Read(H5FD_t* base, H5FD_mem_t /*type*/, hid_t /*transfer*/, haddr_t address, size_t size, void* buffer) {
-  const DiskFile& file = Of(base);
-  if (!IsAddressable(address, size)) return -1;
-  auto* target = static_cast<char*>(buffer);
-  while (size > 0) {
-    const ssize_t got = pread(file.descriptor.get(), target, size, static_cast<off_t>(address));
-    if (got == 0) return FillRest(file, target, size);
-    if (got < 0 && errno != EINTR) return -1;
-    const size_t count = got < 0 ? 0 : static_cast<size_t>(got);
-    target += count;
-    address += count;
-    size -= count;
-  }
-  return 0;
+herr_t Read(H5FD_t* file, H5FD_mem_t /*type*/, hid_t /*transfer*/, haddr_t address, size_t size, void* buffer) {
+  return Guarded([&] { return IsAddressable(address, size) && Of(file).Read(address, size, buffer); });
 }
 
 herr_t Write(H5FD_t* base, H5FD_mem_t /*type*/, hid_t /*transfer*/, haddr_t address, size_t size, const void* buffer) {
-  DiskFile& file = Of(base);
-  if (!IsAddressable(address, size)) return -1;
-  const auto* source = static_cast<const char*>(buffer);
-  while (size > 0) {
-    const ssize_t put = pwrite(file.descriptor.get(), source, size, static_cast<off_t>(address));
-    if (put < 0 && errno != EINTR) {
-      file.sound = false;
-      return -1;
-    }
-    const size_t count = put < 0 ? 0 : static_cast<size_t>(put);
-    source += count;
-    address += count;
-    size -= count;
-  }
-  file.end_of_file = std::max(file.end_of_file, address);
-  return 0;
+  WrittenFile* file = Of(base).writer.get();
+  const herr_t status =
+      Guarded([&] { return file && IsAddressable(address, size) && file->changes().Write(address, buffer, size); });
+  if (status < 0 && file) file->changes().Fail();
+  return status;
 }
 
 herr_t Truncate(H5FD_t* base, hid_t /*transfer*/, hbool_t /*closing*/) {
-  DiskFile& file = Of(base);
-  if (file.end_of_allocation == file.end_of_file) return 0;
-  if (!file.writable || ftruncate(file.descriptor.get(), static_cast<off_t>(file.end_of_allocation)) != 0) {
-    file.sound = false;
-    return -1;
-  }
-  file.end_of_file = file.end_of_allocation;
-  return 0;
+  const DiskFile& file = Of(base);
+  if (file.end_of_allocation == file.EndOfFile()) return 0;
+  return Guarded([&] { return file.writer && file.writer->changes().Resize(file.end_of_allocation); });
+}
+
+/// A file that nobody holds is open for a host, who expects to find on disk what was flushed. On the way to a close there
+/// is still something to come.
+herr_t Flush(H5FD_t* base, hid_t /*transfer*/, hbool_t closing) {
+  WrittenFile* file = Of(base).writer.get();
+  if (!file) return 0;
+  return Guarded([&] { return closing || !file->CommitsFlushes() ? file->changes().error() == 0 : file->Commit(); });
 }
 
 /// The lock was taken when the file was opened, and goes when it is closed.
@@ -258,6 +125,7 @@ H5FD_class_t MakeDriver() {
   driver.get_handle = Handle;
   driver.read = Read;
   driver.write = Write;
+  driver.flush = Flush;
   driver.truncate = Truncate;
   driver.lock = Lock;
   driver.unlock = Unlock;
@@ -266,7 +134,25 @@ H5FD_class_t MakeDriver() {
   return driver;
 }
 
+WrittenFile* Find(hid_t file) {
+  void* place = nullptr;
+  return H5Fget_vfd_handle(file, H5P_DEFAULT, &place) < 0 ? nullptr : FindWrittenFile(place);
+}
+
 }  // namespace
+
+void EndOpening(hid_t file) {
+  if (WrittenFile* written = Find(file)) written->EndOpening();
+}
+
+void HoldChanges(hid_t file) {
+  if (WrittenFile* written = Find(file)) written->Hold();
+}
+
+bool ReleaseChanges(hid_t file, Outcome outcome) {
+  WrittenFile* written = Find(file);
+  return written && written->Release(outcome);
+}
 
 hid_t RegisterFileDriver() {
   const H5FD_class_t driver = MakeDriver();

@@ -47,6 +47,8 @@ namespace {
 
 bool CheckSingle(Walk& walk, const ChunkRules& rules) {
   const Layout& layout = rules.layout;
+  std::uint64_t count = 0;
+  if (!CountChunks(rules, count) || count != 1) return walk.Refuse(layout.address, "single chunk is not the only one");
   Chunk chunk{layout.address, layout.chunk_bytes, 0};
   if (layout.single_filtered) {
     chunk.size = layout.single_size;

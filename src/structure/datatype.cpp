@@ -36,15 +36,22 @@ Verdict ParseFloat(Cursor& in, const Head& head, Datatype& type) {
   const bool vax = (head.bits & 0x40) != 0;
   const unsigned sign = (head.bits >> 8) & 0xff;
   if (vax && !type.big_endian) return "floating-point number has an unknown byte order";
-  if (((head.bits >> 4) & 3) == 3) return "floating-point number has an unknown normalization";
   std::uint64_t precision = 0;
   if (const Verdict bad = ParseBits(in, type.size, precision)) return bad;
   const unsigned exponent = in.U8();
   const unsigned exponent_bits = in.U8();
   const unsigned mantissa = in.U8();
   const unsigned mantissa_bits = in.U8();
-  in.Skip(4);  // the exponent's bias
+  const std::uint64_t bias = in.U32();
   if (!in.ok()) return kCutShort;
+  // HDF5 relies on it that the first bit of a mantissa is set where it is not implied. Only the extended numbers of
+  // processors are converted by these themselves.
+  constexpr unsigned kImplied = 2;
+  const bool is_extended = type.size == 16 && head.bits == 0x4f00 && precision == 80 && exponent == 64 &&
+                           exponent_bits == 15 && mantissa == 0 && mantissa_bits == 64 && bias == 16383;
+  if (((head.bits >> 4) & 3) != kImplied && !is_extended) {
+    return "floating-point number has an unknown normalization";
+  }
   const bool inside =
       sign < precision && exponent + exponent_bits <= precision && mantissa + mantissa_bits <= precision;
   return inside && exponent_bits > 0 && mantissa_bits > 0 ? nullptr

@@ -267,6 +267,11 @@ bool ObjectVisitor::Visit(std::uint64_t address, const GroupNote& note) {
   return is_type || walk_.Refuse(address, "object is no group, dataset or type");
 }
 
+bool ObjectVisitor::VisitHeader(std::uint64_t address) {
+  Clear(address);
+  return TakeMessages();
+}
+
 bool ObjectVisitor::VisitExtension(std::uint64_t address) {
   Clear(address);
   if (!walk_.Claim(address, 0) || !messages_.Start(address, HeaderMessages::Use::kOwn)) return false;

@@ -46,6 +46,10 @@ class ObjectVisitor {
 
   /// `note` is what a symbol table entry says about the object.
   [[nodiscard]] bool Visit(std::uint64_t address, const GroupNote& note);
+  /// Looks at the object's header alone, without what it leads to.
+  [[nodiscard]] bool VisitHeader(std::uint64_t address);
+  /// What the last look at an object found. Of one that looks like another one before it, only what differs.
+  const Object& object() const { return object_; }
   /// Visits the object header that holds messages about the file, and takes the tree ranks from it.
   [[nodiscard]] bool VisitExtension(std::uint64_t address);
 

@@ -32,4 +32,11 @@ std::optional<Fault> CheckStructure(ByteSource& source) {
   return walk.fault();
 }
 
+std::optional<std::uint64_t> StoredEnd(ByteSource& source) {
+  Walk walk(source);
+  Superblock superblock;
+  if (!ReadSuperblock(walk, superblock)) return std::nullopt;
+  return walk.view.base() + walk.view.end();
+}
+
 }  // namespace orvio::structure

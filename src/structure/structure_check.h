@@ -19,4 +19,7 @@ struct Fault {
 /// that result files use. Memory and time grow with what the file holds, never with what it claims.
 [[nodiscard]] std::optional<Fault> CheckStructure(ByteSource& source);
 
+/// Bytes from the beginning of the file that belong to it, as its superblock says. Nothing when it has no sound one.
+[[nodiscard]] std::optional<std::uint64_t> StoredEnd(ByteSource& source);
+
 }  // namespace orvio::structure

@@ -14,6 +14,7 @@ bool Walk::Refuse(std::uint64_t address, const char* what) {
 bool Walk::Claim(std::uint64_t address, std::uint64_t count) {
   if (!view.Holds(address, count)) return Refuse(address, "structure passes the end of the file");
   if (uses_.Take(address, Use::kStructure) != Use::kNothing) return Refuse(address, "structure has two owners");
+  if (claims) claims->push_back(address);
   return Spend(address, count);
 }
 
@@ -32,9 +33,9 @@ bool Walk::Spend(std::uint64_t address, std::uint64_t count) {
 }
 
 bool Walk::AddObject(std::uint64_t from, std::uint64_t address, const GroupNote& note) {
-  if (!view.Holds(address, 1)) return Refuse(from, "link leads out of the file");
+  if (!view.Holds(address, 1)) return claims || Refuse(from, "link leads out of the file");
   const Use before = uses_.Take(address, Use::kObject);
-  if (before == Use::kStructure) return Refuse(address, "structure has two owners");
+  if (before == Use::kStructure) return claims || Refuse(address, "structure has two owners");
   const bool has_note = note.tree != kUndefined;
   if (before == Use::kObject) return !has_note || AgreeOnGroup(from, address, note);
   if (has_note) notes_.push_back({address, note});

@@ -52,6 +52,9 @@ class Walk {
   /// no larger than the file; what asks for much more is there to keep us busy.
   [[nodiscard]] bool Spend(std::uint64_t address, std::uint64_t count);
 
+  /// For a look at one object alone: gets the addresses that are claimed, and no link is refused for where it leads.
+  std::vector<std::uint64_t>* claims = nullptr;
+
   /// Puts an object on the list of those to visit, unless it was there before. `from` is the link.
   [[nodiscard]] bool AddObject(std::uint64_t from, std::uint64_t address, const GroupNote& note = {});
   /// An object to visit, and what the first entry with a note says about it.

@@ -143,6 +143,8 @@ constexpr Row kUnsound[] = {
      "floating-point number has an unknown byte order"},
     {"FloatNormalization", kType, "11 30 1f 00 04 00 00 00 00 00 20 00 17 08 00 17 7f 00 00 00",
      "floating-point number has an unknown normalization"},
+    {"FloatWithoutImpliedBit", kType, "11 00 1f 00 04 00 00 00 00 00 20 00 17 08 00 17 7f 00 00 00",
+     "floating-point number has an unknown normalization"},
     {"FloatSign", kType, "11 20 20 00 04 00 00 00 00 00 20 00 17 08 00 17 7f 00 00 00",
      "floating-point number has bits outside its bytes"},
     {"FloatExponent", kType, "11 20 1f 00 04 00 00 00 00 00 20 00 19 08 00 17 7f 00 00 00",

@@ -137,6 +137,8 @@ Switches Switches::Now() {
   now.writer_version = ORVGetCurrentWriterVersion();
   now.overwrite_mode = ORVGetResultBlockOverWriteMode();
   OH5GetCompression(&now.compression_on, &now.compression_digits);
+  now.durability = ORVSetDurability(-1);
+  now.lock_timeout = ORVSetLockTimeout(-1);
   now.access = AccessOfWriteHelpers();
   now.message = ORVFiler::_m_pMessageFuc;
   H5Eauto_is_v2(H5E_DEFAULT, &now.error_is_v2);
@@ -152,6 +154,8 @@ void Switches::PutBack() const {
   ORVSetCurrentWriterVersion(writer_version);
   ORVSetResultBlockOverWriteMode(overwrite_mode);
   OH5SetCompression(compression_on, compression_digits);
+  ORVSetDurability(durability);
+  ORVSetLockTimeout(lock_timeout);
   ORVFiler::_m_pMessageFuc = message;
   if (error_is_v2) {
     H5Eset_auto2(H5E_DEFAULT, error_handler2, error_data);
@@ -161,6 +165,8 @@ void Switches::PutBack() const {
 }
 
 OrvTest::OrvTest() : folder_(NewFolder()), before_(Switches::Now()) {
+  constexpr int kShortWait = 200;  // a test that expects a refusal has no ten seconds
+  ORVSetLockTimeout(kShortWait);
   out_ = std::make_unique<CapturedOutput>(STDOUT_FILENO);
   err_ = std::make_unique<CapturedOutput>(STDERR_FILENO);
 }
@@ -193,6 +199,7 @@ void OrvTest::ExpectSwitchesAsBefore() const {
   EXPECT_EQ(now.overwrite_mode, before_.overwrite_mode) << "overwrite mode left changed";
   EXPECT_EQ(now.compression_on, before_.compression_on) << "compression left changed";
   EXPECT_EQ(now.compression_digits, before_.compression_digits) << "compression digits left changed";
+  EXPECT_EQ(now.durability, before_.durability) << "durability left changed";
   EXPECT_EQ(now.access, before_.access) << "access flags left changed";
   EXPECT_EQ(now.message, before_.message) << "message callback left set";
   if (may_silence_hdf5_) return;

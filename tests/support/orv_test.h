@@ -37,6 +37,8 @@ struct Switches {
   int overwrite_mode = 0;
   int compression_on = 0;
   int compression_digits = 0;
+  int durability = 1;
+  int lock_timeout = 0;
   unsigned access = 0;  ///< flags of the opens by write helpers
   ORVMessageCallBack message = nullptr;
   unsigned error_is_v2 = 1;

@@ -1,0 +1,224 @@
+// Opening of files: what may be opened, what is looked at before, who is kept out.
+
+#include "h5/disk_file.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "filer/process_state.h"
+#include "h5/file_locks.h"
+#include "h5/held_snapshots.h"
+#include "structure/file_bytes.h"
+#include "structure/structure_check.h"
+
+namespace orvio::h5 {
+namespace {
+
+CheckedFiles& Known() {
+  CheckedFiles*& known = process().checked_files;
+  if (!known) known = new CheckedFiles;  // lives as long as the process, as HDF5 may close files at its very end
+  return *known;
+}
+
+/// The name may be that of a pipe: without O_NONBLOCK the open itself would hang.
+Descriptor OpenDescriptor(const char* name, unsigned flags) {
+  int how = O_CLOEXEC | O_NONBLOCK | (flags & H5F_ACC_RDWR ? O_RDWR : O_RDONLY);
+  if (flags & H5F_ACC_CREAT) how |= O_CREAT;
+  if (flags & H5F_ACC_EXCL) how |= O_EXCL;
+  return Descriptor(::open(name, how, 0666));
+}
+
+Descriptor OpenRegularFile(const char* name, unsigned flags, struct stat& info) {
+  Descriptor file = OpenDescriptor(name, flags);
+  if (!file || fstat(file.get(), &info) != 0) return {};
+  if (S_ISREG(info.st_mode)) return file;
+  SetLastError("File::\n\t \"%s\" is no regular file", name);
+  return {};
+}
+
+bool IsStructureSound(const char* name, structure::ByteSource& bytes) {
+  const auto fault = structure::CheckStructure(bytes);
+  if (!fault) return true;
+  SetLastError("File::\n\t \"%s\" is damaged: %s, at byte %llu", name, fault->what,
+               static_cast<unsigned long long>(fault->offset));
+  return false;
+}
+
+bool IsSound(const char* name, FileSnapshot& snapshot) {
+  const FileStamp stamp = snapshot.stamp();
+  if (process().file_check == 0 || snapshot.Size() == 0) return true;  // HDF5 refuses an empty file itself
+  if (snapshot.IsPresent() && Known().IsSound(stamp)) return true;
+  if (!IsStructureSound(name, snapshot)) return false;
+  if (snapshot.IsPresent() && snapshot.stamp() == stamp) Known().RememberSeen(stamp);
+  return true;
+}
+
+bool IsSound(const char* name, int file, const FileStamp& stamp) {
+  if (process().file_check == 0 || stamp.size == 0 || Known().IsSound(stamp)) return true;
+  structure::FileBytes bytes(file, static_cast<std::uint64_t>(stamp.size));
+  return IsStructureSound(name, bytes);
+}
+
+/// Takes the lock of writers. What has that name may be another file by the time it is free.
+Descriptor OpenLocked(const char* name, unsigned flags, struct stat& info) {
+  for (;;) {
+    Descriptor file = OpenRegularFile(name, flags, info);
+    if (!file || Known().IsBeingWritten(FileStamp(info))) return file;
+    if (!LockForWriting(file.get())) {
+      SetLastError("File::\n\t \"%s\" is open for writing elsewhere", name);
+      return {};
+    }
+    struct stat now = {};
+    if (fstat(file.get(), &info) != 0) return {};
+    if (stat(name, &now) == 0 && now.st_ino == info.st_ino && now.st_dev == info.st_dev) return file;
+  }
+}
+
+/// Ends what a writer has left in the middle. False when the disk fails.
+bool Recover(int file, const std::string& path, JournalState& state) {
+  JournalReader journal(JournalPath(path));
+  if (!journal) return true;
+  state = ReadJournal(journal);
+  if (state.unfinished.empty()) return true;
+  if (!Fits(file, journal, state)) {
+    state = JournalState();  // of another file that had this name
+    return true;
+  }
+  const bool back = RollBack(file, journal, state, true);
+  StampChange(file);
+  return back && JournalWriter(JournalPath(path), true).EndFound(HasReaders(file), state);
+}
+
+/// Bytes that the file uses. What lies behind was left by a writer that ended, and is in nobody's way.
+std::uint64_t EndOfContents(int file, std::uint64_t size) {
+  structure::FileBytes bytes(file, size);
+  return std::min(size, structure::StoredEnd(bytes).value_or(size));
+}
+
+/// Truncates what only this process holds.
+bool Empty(int file, const std::string& path, struct stat& info) {
+  const bool removed = ::unlink(JournalPath(path).c_str()) == 0 || errno == ENOENT;
+  return removed && SetSize(file, 0) && fstat(file, &info) == 0;
+}
+
+/// HDF5 opens a file once more to find out that it has it open already.
+std::unique_ptr<DiskFile> SecondLook(Descriptor file, const struct stat& info) {
+  auto disk_file = std::make_unique<DiskFile>(info);
+  disk_file->snapshot = std::make_shared<FileSnapshot>(std::move(file), std::string(), info);
+  return disk_file;
+}
+
+std::unique_ptr<DiskFile> OpenForReading(const char* name) {
+  struct stat info = {};
+  Descriptor file = OpenRegularFile(name, 0, info);
+  if (!file) return nullptr;
+  if (Known().IsBeingWritten(FileStamp(info))) return SecondLook(std::move(file), info);
+  auto disk_file = std::make_unique<DiskFile>(info);
+  disk_file->snapshot = FindHeldSnapshot(disk_file->identity);
+  if (disk_file->snapshot) return disk_file;
+  auto snapshot = std::make_shared<FileSnapshot>(std::move(file), ResolvedPath(name), info);
+  if (!snapshot->Take() || !IsSound(name, *snapshot)) return nullptr;
+  HoldSnapshot(disk_file->identity, snapshot);
+  disk_file->snapshot = std::move(snapshot);
+  return disk_file;
+}
+
+std::unique_ptr<DiskFile> OpenForWriting(const char* name, unsigned flags) {
+  struct stat info = {};
+  Descriptor file = OpenLocked(name, flags, info);
+  if (!file) return nullptr;
+  if (Known().IsBeingWritten(FileStamp(info))) return SecondLook(std::move(file), info);
+  const std::string path = ResolvedPath(name);
+  JournalState journal;
+  if (flags & H5F_ACC_TRUNC) {
+    if (!Empty(file.get(), path, info)) return nullptr;
+  } else {
+    if (!Recover(file.get(), path, journal) || fstat(file.get(), &info) != 0) return nullptr;
+    if (!IsSound(name, file.get(), FileStamp(info))) return nullptr;
+  }
+  const std::uint64_t end = EndOfContents(file.get(), static_cast<std::uint64_t>(info.st_size));
+  auto disk_file = std::make_unique<DiskFile>(info);
+  disk_file->writer = std::make_unique<WrittenFile>(std::move(file), path, info, end);
+  disk_file->writer->changes().ContinueAfter(journal);
+  ForgetHeldSnapshots();
+  return disk_file;
+}
+
+}  // namespace
+
+WrittenFile::WrittenFile(Descriptor file, std::string path, const struct stat& info, std::uint64_t end)
+    : file_(std::move(file)),
+      path_(std::move(path)),
+      identity_(info),
+      changes_(file_.get(), path_, info.st_mode, static_cast<std::uint64_t>(info.st_size), end,
+               static_cast<Durability>(process().durability)),
+      sound_(process().file_check != 0) {
+  process().written_files.push_back(this);
+  Known().BeginWriting(identity_);
+}
+
+WrittenFile::~WrittenFile() {
+  if (!closed_) (void)Close();  // it was never given to HDF5
+}
+
+bool WrittenFile::Release(Outcome outcome) {
+  --holders_;
+  const bool spoils_more = outcome == Outcome::kFailed && IsHeld();
+  if (outcome == Outcome::kGivenUp || spoils_more) changes_.Fail();
+  return !changes_.HasFailed();
+}
+
+void WrittenFile::TellFailure() const {
+  const int error = changes_.error();
+  if (error != 0) SetLastError("File::\n\t \"%s\" cannot be written: %s", path_.c_str(), std::strerror(error));
+}
+
+bool WrittenFile::Commit() {
+  if (changes_.Commit()) return true;
+  TellFailure();
+  return false;
+}
+
+/// What this process has written into a sound file needs no second look.
+void WrittenFile::RememberSound() {
+  struct stat info = {};
+  if (!sound_ || fstat(file_.get(), &info) != 0) return;
+  try {
+    Known().RememberWritten(FileStamp(info));
+  } catch (...) {  // NOLINT(bugprone-empty-catch): out of memory, so it will be looked at again
+  }
+}
+
+bool WrittenFile::Close() {
+  closed_ = true;
+  const bool was_good = !changes_.HasFailed() || changes_.error() != 0;
+  if (IsHeld()) changes_.Fail();
+  const bool kept = Commit();
+  if (!kept) changes_.Abandon();
+  Known().EndWriting(identity_);
+  std::erase(process().written_files, this);
+  if (kept) RememberSound();
+  const bool closed = file_.Close();
+  // Whoever gave the change up knows that it is gone.
+  return closed && (kept || !was_good);
+}
+
+bool DiskFile::Read(haddr_t address, size_t count, void* buffer) {
+  return writer ? writer->changes().Read(address, buffer, count) : snapshot->Read(address, buffer, count);
+}
+
+std::unique_ptr<DiskFile> OpenDiskFile(const char* name, unsigned flags) {
+  return flags & H5F_ACC_RDWR ? OpenForWriting(name, flags) : OpenForReading(name);
+}
+
+WrittenFile* FindWrittenFile(const void* place) {
+  for (WrittenFile* file : process().written_files) {
+    if (file->place() == place) return file;
+  }
+  return nullptr;
+}
+
+}  // namespace orvio::h5

@@ -1,0 +1,76 @@
+#pragma once
+
+// A file of the disk as the driver holds it: a snapshot for a reader, a change for a writer.
+
+#include <H5FDdevelop.h>
+
+#include <memory>
+
+#include "h5/file_changes.h"
+#include "h5/file_driver.h"
+#include "h5/file_snapshot.h"
+
+namespace orvio::h5 {
+
+/// A file that is open for writing. What is changed becomes part of the file when HDF5 closes it, unless one who held it
+/// did not let it. A file that nobody holds is committed whenever HDF5 flushes it, too.
+class WrittenFile {
+ public:
+  WrittenFile(Descriptor file, std::string path, const struct stat& info, std::uint64_t end);
+  WrittenFile(const WrittenFile&) = delete;
+  WrittenFile& operator=(const WrittenFile&) = delete;
+  ~WrittenFile();
+
+  FileChanges& changes() { return changes_; }
+  int* place() { return file_.place(); }
+
+  void Hold() { ++holders_; }
+  /// Answers whether the changes can be kept so far.
+  bool Release(Outcome outcome);
+  bool IsHeld() const { return holders_ > 0; }
+
+  /// HDF5 has come to the end of its open, in which it flushes what it is not done with.
+  void EndOpening() { opening_ = false; }
+  bool CommitsFlushes() const { return !opening_ && !IsHeld(); }
+
+  /// Commits what was changed so far. False when that fails: the last error text tells.
+  [[nodiscard]] bool Commit();
+  /// Commits, or brings back the file as it was when a holder did not release it as good. Closes it.
+  [[nodiscard]] bool Close();
+
+ private:
+  void TellFailure() const;
+  void RememberSound();
+
+  Descriptor file_;
+  std::string path_;
+  FileStamp identity_;
+  FileChanges changes_;
+  int holders_ = 0;
+  bool opening_ = true;
+  bool sound_;  ///< was so when it was opened
+  bool closed_ = false;
+};
+
+/// HDF5 hands the first member back to every callback, and knows nothing of what follows it.
+struct DiskFile {
+  explicit DiskFile(const struct stat& info) : identity(info) {}
+
+  bool Read(haddr_t address, size_t count, void* buffer);
+  haddr_t EndOfFile() const { return writer ? writer->changes().size() : snapshot->Size(); }
+  int* place() { return writer ? writer->place() : snapshot->place(); }
+
+  H5FD_t base = {};  ///< HDF5's own, filled by it
+  FileStamp identity;
+  haddr_t end_of_allocation = 0;
+  std::shared_ptr<FileSnapshot> snapshot;  ///< one of both
+  std::unique_ptr<WrittenFile> writer;
+};
+
+/// Opens a file as H5FDopen asks for it. Null when that is not possible; the last error text may tell why.
+std::unique_ptr<DiskFile> OpenDiskFile(const char* name, unsigned flags);
+
+/// The file that is open for writing and has its descriptor at that place; null when there is none.
+WrittenFile* FindWrittenFile(const void* place);
+
+}  // namespace orvio::h5
