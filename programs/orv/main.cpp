@@ -1,5 +1,6 @@
 // orv: looks into result files, and makes them from the results of other programs. Data go to standard output and all
-// else to standard error. Exit codes: 0 fine, 1 something was found (orv check), 2 trouble.
+// else to standard error. Exit codes: 0 fine, 1 something was found (orv check) or lost (orv repair),
+// 2 trouble.
 
 #include <fmt/format.h>
 #include <orvio/orvio.h>
@@ -45,6 +46,7 @@ int Run(int argc, char** argv) {
   orvio::program::AddHistoryCommand(app);
   orvio::program::AddElementsCommand(app);
   orvio::program::AddCheckCommand(app);
+  orvio::program::AddRepairCommand(app);
   try {
     app.parse(argc, argv);
     return kFine;

@@ -13,6 +13,7 @@ void AddHistoryCommand(CLI::App& app);
 void AddInfoCommand(CLI::App& app);
 void AddLsCommand(CLI::App& app);
 void AddPartsCommand(CLI::App& app);
+void AddRepairCommand(CLI::App& app);
 void AddStatesCommand(CLI::App& app);
 void AddValuesCommand(CLI::App& app);
 

@@ -81,6 +81,11 @@ void BlockWriter::Write(ORVBlock& block, int state, int what, const std::string&
                 kAdvice);
 }
 
+void BlockWriter::FailState(int state) const {
+  throw Trouble(shown_as_, fmt::format("state {} could not be written: {}", state, LibraryText("writing failed")),
+                kAdvice);
+}
+
 // ---- Definitions
 
 namespace {

@@ -113,13 +113,16 @@ class BlockWriter {
   void WriteIdentifiers(const std::string& entity_type, std::vector<int>& ids);
   void WriteSets(SetTable& sets);
   void WriteConstant(const Quantity& quantity, const EntityValues& values);
-  /// States are added one by one, from 1.
+  /// States are added one by one, from 1. One appears in the file as a whole, when it is ended.
   void WriteInState(const StateIndex& index, const Quantity& quantity, const EntityValues& values, Extent extent);
   void WriteInState(const StateIndex& index, const Quantity& quantity, const ElementValues& values, Extent extent);
+  void EndState();
   /// All states of a quantity in one block: the values are states x what they are for one state.
   void WriteOverStates(const std::vector<StateIndex>& states, const Quantity& quantity, const EntityValues& values);
 
  private:
+  void BeginState(int state);
+  [[noreturn]] void FailState(int state) const;
   void Write(ORVBlock& block, int state, int what, const std::string& described_as);
   void WriteInState(const StateIndex& index, ORVResult& result, const std::string& described_as);
   void WriteSystem(ORVSystem& block, const Origin& origin, int what);
@@ -134,6 +137,7 @@ class BlockWriter {
   _ORVVersion version_;
   bool has_units_ = false;
   bool has_steps_ = true;
+  int state_ = 0;  ///< that was begun and not ended
 };
 
 }  // namespace orvio::program

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "importer/block_writer.h"
 #include "importer/text_fields.h"
@@ -149,7 +150,19 @@ void BlockWriter::WriteConstant(const Quantity& quantity, const EntityValues& va
   Write(result, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA, quantity.name);
 }
 
+void BlockWriter::BeginState(int state) {
+  if (state_ == state) return;
+  if (filer_.BeginState(state) != 0) FailState(state);
+  state_ = state;
+}
+
+void BlockWriter::EndState() {
+  const int state = std::exchange(state_, 0);
+  if (state != 0 && filer_.EndState() != 0) FailState(state);
+}
+
 void BlockWriter::WriteInState(const StateIndex& index, ORVResult& result, const std::string& described_as) {
+  BeginState(index.state);
   // The columns are told apart by their place; the identifier of a row is the state.
   int identifiers[] = {index.state, index.state};
   double row[] = {index.value, static_cast<double>(index.step)};

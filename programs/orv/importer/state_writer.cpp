@@ -149,7 +149,11 @@ void StateWriter::WriteChanges(Result& result, const std::vector<std::size_t>& r
 }
 
 void StateWriter::FinishState() {
-  if (state_.empty()) return;
+  if (!state_.empty()) WriteHeldState();
+  writer_.EndState();
+}
+
+void StateWriter::WriteHeldState() {
   if (MustBeFull()) {
     WriteFull();
   } else {

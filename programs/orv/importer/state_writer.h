@@ -48,6 +48,7 @@ class StateWriter {
 
   static Result Keep(const Quantity& quantity, const StateValues& values);
   static Key KeyOf(const Result& result);
+  void WriteHeldState();
   void WriteFull();
   void WriteChanges(Result& result, const std::vector<std::size_t>& rows);
   bool MustBeFull() const;
