@@ -2,6 +2,7 @@
 
 // The opening and giving back of a block's reader, and what else the library's own code needs of a block.
 
+#include <string>
 #include <utility>
 
 #include "orvio/orv_block.h"
@@ -14,6 +15,7 @@ struct ORVBlockAccess {
   static IOH5Reader* ExchangeReader(ORVBlock& block, IOH5Reader* reader) {
     return std::exchange(block.m_pH5Reader, reader);
   }
+  static int AppendSchema(ORVBlock& block, std::string& path) { return block.AppendBlockSchema(path); }
   static auto CacheMap(const ORVBlock& block) { return block.m_pCacheMap; }
 
   static hid_t OpenBySchemaPath(ORVBlock& block, hid_t file, hid_t group) {

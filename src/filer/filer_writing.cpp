@@ -4,14 +4,21 @@
 
 #include <hdf5.h>
 
+#include <string>
+
+#include "block/reader_lease.h"
 #include "filer/container.h"
 #include "filer/file_facts.h"
+#include "filer/process_state.h"
 #include "filer/write_file.h"
+#include "h5/disk_names.h"
 #include "h5/entry.h"
 #include "h5/file_access.h"
 #include "h5/group_paths.h"
 #include "h5/status.h"
+#include "h5/text_field.h"
 #include "orvio/orv_filer.h"
+#include "orvio/orv_result.h"
 
 using namespace orvio;
 
@@ -28,9 +35,32 @@ int ORVFiler::InitForWriting(const char* name, _ORVVersion version, _ORVFileMode
 
 namespace {
 
-/// A write that fails spoils the change that it is part of.
-int Noted(ORVContainer& container, int status) {
-  if (status != kOk && container.change) container.change->Spoil();
+/// What the last error text names a block by: its names, or its place.
+std::string Described(ORVBlock& block) {
+  std::string path;
+  if (const auto* result = dynamic_cast<const ORVResult*>(&block)) {
+    return path.append(Content(result->m_etyp)).append("/").append(Content(result->m_etypvar));
+  }
+  if (ORVBlockAccess::AppendSchema(block, path) == kOk && !path.empty()) return path;
+  return block.GetBlkPath();
+}
+
+/// Puts in front of the cause, if one is known, what could not be written.
+void TellWhatFailed(ORVBlock& block, const std::string& place, const std::string& told_before) {
+  const std::string cause = process().last_error;
+  const bool is_known = !cause.empty() && cause != told_before;
+  SetLastError("Write Failed ::\"%s\" in %s%s%s", Described(block).c_str(), place.c_str(), is_known ? "\n\t " : "",
+               is_known ? cause.c_str() : "");
+}
+
+/// Runs a write. One that fails spoils the change that it is part of.
+template <class Write>
+int RunWrite(ORVContainer& container, ORVBlock& block, const std::string& place, Write&& write) {
+  const std::string told_before = process().last_error;
+  const int status = write();
+  if (status == kOk) return status;
+  if (container.change) container.change->Spoil();
+  TellWhatFailed(block, place, told_before);
   return status;
 }
 
@@ -63,14 +93,21 @@ int ORVFiler::EndState(bool keep) {
 
 int ORVFiler::WriteBlock(ORVBlock* block, int state, int what) {
   if (!block || !m_pWriteData) return kFail;
-  const auto version = UseWriterVersion(*m_pWriteData);
-  return Noted(*m_pWriteData, block->WriteBlock(m_pWriteData->path.c_str(), state, what));
+  return h5::Entry(kFail, [&] {
+    const auto version = UseWriterVersion(*m_pWriteData);
+    const std::string place = state > 0 ? "state " + std::to_string(state) : disk::constant;
+    return RunWrite(*m_pWriteData, *block, place,
+                    [&] { return block->WriteBlock(m_pWriteData->path.c_str(), state, what); });
+  });
 }
 
 int ORVFiler::WriteBlkGivenPath(ORVBlock* block, const std::string& path, int what) {
   if (!block || !m_pWriteData) return kFail;
-  const auto version = UseWriterVersion(*m_pWriteData);
-  return Noted(*m_pWriteData, block->WriteBlkGivenPath(m_pWriteData->path.c_str(), path, what));
+  return h5::Entry(kFail, [&] {
+    const auto version = UseWriterVersion(*m_pWriteData);
+    return RunWrite(*m_pWriteData, *block, path,
+                    [&] { return block->WriteBlkGivenPath(m_pWriteData->path.c_str(), path, what); });
+  });
 }
 
 int ORVFiler::DeleteLinks(ORVBlock* block, std::vector<std::string>& names) {
@@ -78,7 +115,9 @@ int ORVFiler::DeleteLinks(ORVBlock* block, std::vector<std::string>& names) {
   return h5::Entry(kFail, [&] {
     const auto version = UseWriterVersion(*m_pWriteData);
     std::vector<std::string> paths = LinksBelow(block->GetBlkPath(), names);
-    return Noted(*m_pWriteData, block->DeleteLinks(m_pWriteData->path.c_str(), paths));
+    const int status = block->DeleteLinks(m_pWriteData->path.c_str(), paths);
+    if (status != kOk && m_pWriteData->change) m_pWriteData->change->Spoil();
+    return status;
   });
 }
 

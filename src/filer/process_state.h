@@ -69,6 +69,7 @@ struct ProcessState {
   hid_t dataset_access = -1;
   h5::CheckedFiles* checked_files = nullptr;    ///< made at the first open, never destroyed
   std::vector<h5::WrittenFile*> written_files;  ///< open ones; HDF5 owns them
+  bool close_failed = false;                    ///< HDF5 does not stand a close that fails: this tells of it instead
   h5::HeldSnapshots* held_snapshots = nullptr;  ///< of the running operation; made at the first, never destroyed
   int entries = 0;                              ///< exported operations that run, one inside the other
 };

@@ -83,6 +83,12 @@ File CreateFile(const char* name) {
   return file;
 }
 
+bool CloseFile(File& file) {
+  process().close_failed = false;
+  const bool closed = file.Close();
+  return closed && !process().close_failed;
+}
+
 bool FileExists(const char* name) {
   struct stat info = {};
   return lstat(name, &info) == 0;
@@ -163,7 +169,7 @@ WriteFile::~WriteFile() {
 
 int WriteFile::GiveUp() {
   (void)ReleaseChanges(file_.get(), Outcome::kGivenUp);
-  return file_.Close() ? kOk : kFail;
+  return CloseFile(file_) ? kOk : kFail;
 }
 
 int WriteFile::Finish(int status) {
@@ -175,7 +181,7 @@ int WriteFile::Finish(int status) {
   const Outcome outcome = !flushed ? Outcome::kGivenUp : status == kOk ? Outcome::kGood : Outcome::kFailed;
   const bool kept = ReleaseChanges(file_.get(), outcome);
   const std::string told = process().last_error;
-  const bool closed = file_.Close();
+  const bool closed = CloseFile(file_);
   if (status != kOk || (kept && closed)) return status;
   if (told != process().last_error) return kFail;  // the driver knows why
   return Fail("File::\n\t changes could not be written to the disk");

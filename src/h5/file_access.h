@@ -17,6 +17,9 @@ File OpenFile(const char* name, unsigned flags);
 /// Makes a file, truncating what is there.
 File CreateFile(const char* name);
 
+/// Closes a file that may have been changed. False when what was changed is not in the file: the last error text tells why.
+[[nodiscard]] bool CloseFile(File& file);
+
 /// Whether something stands under that name, readable or not.
 bool FileExists(const char* name);
 

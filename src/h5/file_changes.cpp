@@ -170,6 +170,14 @@ bool FileChanges::Spill() {
   return true;
 }
 
+/// What a change cuts off was part of the file as it was.
+bool FileChanges::KeepTail() {
+  for (std::uint64_t at = size_; at < committed_ && pages_.size() < kMostPages; at += kPageSize - at % kPageSize) {
+    if (!spilled_.contains(at / kPageSize) && !Find(at / kPageSize)) return false;
+  }
+  return true;
+}
+
 /// Readers compare what fstat tells: from the first overwritten byte to the last the file is a byte longer than it ever
 /// was, and then it has a time of its own.
 bool FileChanges::Apply() {
@@ -177,17 +185,24 @@ bool FileChanges::Apply() {
     if (!AddToJournal(true) || !SetSize(file_, std::max(size_, disk_size_) + 1)) return FailWith(errno);
     if (!OverwritePages()) return false;
   }
-  if (!SetSize(file_, size_)) return FailWith(errno);
+  // A tail that is too long for the journal is cut off when the change is complete.
+  const bool cuts_late = size_ < committed_ && committed_ - size_ > kMostPages / 2 * kPageSize;
+  if (!SetSize(file_, cuts_late ? committed_ : size_)) return FailWith(errno);
   if (IsSynced() && !(SyncFile(file_) && (committed_ > 0 || SyncFolderOf(path_)))) return FailWith(errno);
-  if (!journal_.IsOpen()) return true;
-  StampChange(file_);
-  return journal_.End(HasReaders(file_), journal_state_) || FailWith(errno);
+  if (journal_.IsOpen()) {
+    StampChange(file_);
+    if (!journal_.End(HasReaders(file_), journal_state_)) return FailWith(errno);
+  }
+  if (cuts_late) (void)SetSize(file_, size_);  // what stays behind the end is in nobody's way
+  return true;
 }
 
 bool FileChanges::Commit() {
   if (failed_) return false;
   if (IsPlain()) return true;
   std::erase_if(pages_, [](const auto& page) { return page.second->before == page.second->after; });
+  const bool cuts_tail = size_ < committed_ && committed_ - size_ <= kMostPages / 2 * kPageSize;
+  if (cuts_tail && !KeepTail()) return false;
   const bool is_changed = grown_ || !pages_.empty() || !spilled_.empty() || size_ != disk_size_;
   if (is_changed && !Apply()) return false;
   Restart();

@@ -79,7 +79,10 @@ int OH5WriteOpenFile(const char* name, int mode, hid_t* file) {
 
 int OH5WriteCloseFile(hid_t file) {
   if (file < 0) return kFail;
-  return h5::Entry(kFail, [&] { return h5::File(file).Close() ? kOk : kFail; });
+  return h5::Entry(kFail, [&] {
+    h5::File owned(file);
+    return h5::CloseFile(owned) ? kOk : kFail;
+  });
 }
 
 int OH5CreateSkeleton(hid_t file) {

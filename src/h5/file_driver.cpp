@@ -36,9 +36,11 @@ H5FD_t* Open(const char* name, unsigned flags, hid_t /*access*/, haddr_t /*most*
   }
 }
 
+/// Always succeeds: after a failure HDF5 would keep the id of a file that is half gone.
 herr_t Close(H5FD_t* base) {
   const std::unique_ptr<DiskFile> file(&Of(base));
-  return Guarded([&] { return !file->writer || file->writer->Close(); });
+  if (Guarded([&] { return !file->writer || file->writer->Close(); }) < 0) process().close_failed = true;
+  return 0;
 }
 
 int Compare(const H5FD_t* a, const H5FD_t* b) {

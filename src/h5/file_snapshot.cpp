@@ -92,25 +92,34 @@ bool FileSnapshot::FollowChange() {
   return !lost_;
 }
 
-bool FileSnapshot::Overlay(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) {
-  if (old_pages_.empty() || count == 0) return true;
+/// Puts the old pages over what was read, of which there are `got` bytes. Answers how many there are then.
+std::int64_t FileSnapshot::Overlay(std::uint64_t offset, std::uint8_t* bytes, std::size_t count, std::int64_t got) {
+  if (old_pages_.empty() || count == 0) return got;
   PageBytes page;
   for (PageNumber number = offset / kPageSize; number <= (offset + count - 1) / kPageSize; ++number) {
     const auto old = old_pages_.find(number);
     if (old == old_pages_.end()) continue;
-    if (!journals_[old->second.journal].ReadPageAt(old->second.at, old->second.hash, page)) return false;
+    if (!journals_[old->second.journal].ReadPageAt(old->second.at, old->second.hash, page)) return -1;
     const std::uint64_t begin = number * kPageSize;
     const std::uint64_t from = std::max(begin, offset);
     const std::uint64_t to = std::min(begin + kPageSize, offset + count);
     std::memcpy(bytes + (from - offset), page.data() + (from - begin), to - from);
+    const bool goes_on = from - offset <= static_cast<std::uint64_t>(got);  // where the file was cut since
+    if (goes_on) got = std::max(got, static_cast<std::int64_t>(to - offset));
   }
-  return true;
+  return got;
+}
+
+/// Answers how many bytes there are; -1 on failure. What a writer that was killed had appended may be cut off meanwhile:
+/// nobody refers to it, but it may lie in one page with what is asked for.
+std::int64_t FileSnapshot::ReadAsWas(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) {
+  const std::int64_t got = ReadAt(file_.get(), offset, bytes, count);
+  if (got < 0 || (HasChanged() && !FollowChange())) return -1;
+  return Overlay(offset, bytes, count, got);
 }
 
 bool FileSnapshot::ReadLarge(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) {
-  const std::int64_t got = ReadAt(file_.get(), offset, bytes, count);
-  if (HasChanged() && !FollowChange()) return false;
-  return got == static_cast<std::int64_t>(count) && Overlay(offset, bytes, count);
+  return ReadAsWas(offset, bytes, count) == static_cast<std::int64_t>(count);
 }
 
 const FileSnapshot::KeptPage* FileSnapshot::Load(PageNumber number) {
@@ -120,9 +129,10 @@ const FileSnapshot::KeptPage* FileSnapshot::Load(PageNumber number) {
   const std::uint64_t begin = number * kPageSize;
   const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(kPageSize, size_ - begin));
   kept.number = ~PageNumber{0};
-  if (!ReadLarge(begin, kept.bytes.data(), count)) return nullptr;
+  const std::int64_t got = ReadAsWas(begin, kept.bytes.data(), count);
+  if (got < 0) return nullptr;
   kept.number = number;
-  kept.count = count;
+  kept.count = static_cast<std::size_t>(got);
   return &kept;
 }
 

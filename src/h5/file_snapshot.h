@@ -50,6 +50,7 @@ class FileSnapshot : public structure::ByteSource {
   using KeptPages = std::array<KeptPage, kKept>;
 
   bool ReadSmall(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
+  std::int64_t ReadAsWas(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
   bool ReadLarge(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
   const KeptPage* Load(PageNumber number);
   bool HasChanged();
@@ -58,7 +59,7 @@ class FileSnapshot : public structure::ByteSource {
   bool FollowJournal();
   bool OpenNextJournal();
   void TakeRecord(const JournalReader::Record& record);
-  bool Overlay(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
+  std::int64_t Overlay(std::uint64_t offset, std::uint8_t* bytes, std::size_t count, std::int64_t got);
 
   Descriptor file_;
   std::string path_;

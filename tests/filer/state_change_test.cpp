@@ -23,8 +23,8 @@ namespace {
 
 using namespace orv_test;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 constexpr char kStates[] = "/post/singlestate";
 constexpr char kFirstState[] = "/post/singlestate/state000000000001";
@@ -192,6 +192,15 @@ TEST_F(StateChange, IsSeenByReadersOfTheSameProcess) {
   ASSERT_EQ(Write("Velocity", 1), 0);
   EXPECT_EQ(CountStates(), 1);
   EXPECT_EQ(filer_->EndState(), 0);
+}
+
+TEST_F(StateChange, ThatFailsTellsBlockStateAndCause) {
+  const int other = open(path_.c_str(), O_RDONLY);
+  ASSERT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
+  EXPECT_EQ(Write("Velocity", 1), 1);
+  EXPECT_THAT(ORVGetLastErrorText(),
+              StartsWith("Write Failed ::\"NODE/Velocity\" in state 1\n\t File::"));
+  close(other);
 }
 
 /// A state for each way to keep it.

@@ -96,6 +96,26 @@ TEST_F(FileChange, CanMakeTheFileShorter) {
   EXPECT_EQ(OnDisk(), before_.substr(0, 10'000));
 }
 
+TEST_F(FileChange, ThatCutsTheFileIsNotSeenByAReaderThatCameBefore) {
+  const auto reader = Look();
+  FileChanges changes = Begin();
+  ASSERT_TRUE(changes.Resize(10'000));
+  ASSERT_TRUE(changes.Commit());
+  EXPECT_EQ(OnDisk(), before_.substr(0, 10'000));
+  EXPECT_EQ(AllOf(*reader), before_);
+  EXPECT_EQ(AllOf(*Look()), before_.substr(0, 10'000));
+}
+
+TEST_F(FileChange, CanCutOffMoreThanAJournalTakes) {
+  const std::string large(60'000'000, 'x');
+  ASSERT_EQ(pwrite(file_.get(), large.data(), large.size(), 0), static_cast<ssize_t>(large.size()));
+  FileChanges changes = Begin(Durability::kKillSafe, large.size());
+  ASSERT_TRUE(changes.Write(0, "overwritten", 11));
+  ASSERT_TRUE(changes.Resize(10'000));
+  ASSERT_TRUE(changes.Commit());
+  EXPECT_EQ(OnDisk(), With(large.substr(0, 10'000), 0, "overwritten"));
+}
+
 TEST_F(FileChange, IsFollowedByAnother) {
   FileChanges changes = Begin();
   ASSERT_TRUE(changes.Write(kSize, "appended", 8));
@@ -207,6 +227,17 @@ TEST_F(FileChange, IsNotSeenByReadersOfEarlierStatesHoweverManyFollow) {
     states.push_back(OnDisk());
   }
   for (size_t i = 0; i < readers.size(); ++i) EXPECT_EQ(AllOf(*readers[i]), states[i]) << i;
+}
+
+TEST_F(FileChange, DoesNotDisturbAReaderWhenItCutsOffWhatWasLeftOverBehindTheEnd) {
+  ASSERT_EQ(pwrite(file_.get(), "left over", 9, kSize), 9);
+  const auto reader = Look();
+  FileChanges changes = Begin();
+  ASSERT_TRUE(changes.Write(kSize, "x", 1));
+  changes.Abandon();
+  std::string seen(100, '\0');
+  ASSERT_TRUE(reader->Read(kSize - seen.size(), seen.data(), seen.size()));
+  EXPECT_EQ(seen, before_.substr(kSize - seen.size()));
 }
 
 TEST_F(FileChange, RemovesItsJournalWhenTheLastReaderHasGone) {
