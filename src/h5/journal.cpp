@@ -217,14 +217,21 @@ bool JournalWriter::WriteEnd() {
 }
 
 bool JournalWriter::End(bool keep, JournalState& left) {
+  const std::uint64_t before = at_;
   bool ended = false;
   if (synced_ || keep)
     ended = WriteEnd();  // a name that comes back after a power cut must lead to a journal that ended
-  const bool removed = !(synced_ && !ended) && !(keep && ended) && ::unlink(path_.c_str()) == 0;
+  const bool may_remove = synced_ ? ended && !keep : !(keep && ended);
+  const bool removed = may_remove && ::unlink(path_.c_str()) == 0;
   if (!ended && !removed && !synced_) ended = WriteEnd();
+  if (!ended && !removed) {
+    at_ = before;
+    (void)SetSize(file_.get(), at_);  // the change is to be rolled back: an end that may have been written is none
+    return false;
+  }
   file_ = Descriptor();  // all that matters was written and looked at
   left = removed ? JournalState() : JournalState{chain_, sequence_, at_, {}};
-  return ended || removed;
+  return true;
 }
 
 bool JournalWriter::EndFound(bool keep, JournalState& found) {
