@@ -198,8 +198,7 @@ TEST_F(StateChange, ThatFailsTellsBlockStateAndCause) {
   const int other = open(path_.c_str(), O_RDONLY);
   ASSERT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
   EXPECT_EQ(Write("Velocity", 1), 1);
-  EXPECT_THAT(ORVGetLastErrorText(),
-              StartsWith("Write Failed ::\"NODE/Velocity\" in state 1\n\t File::"));
+  EXPECT_THAT(ORVGetLastErrorText(), StartsWith("Write Failed ::\"NODE/Velocity\" in state 1\n\t File::"));
   close(other);
 }
 

@@ -255,11 +255,10 @@ TEST_F(FileChange, RemovesItsJournalWhenTheLastReaderHasGone) {
 TEST_F(FileChange, FailsReadersWhoseStateNobodyKnowsAnyMore) {
   const auto reader = Look();
   FileChanges changes = Begin();
-  const std::string text(3'000, 'x');
-  std::string last;
   for (int i = 0; i < 1200; ++i) {  // more than 64 MB of pages
+    const std::string text = std::string(3'000, 'x') + std::to_string(i);
     for (std::uint64_t at = 0; at + text.size() < kSize; at += 5000) {
-      ASSERT_TRUE(changes.Write(at, (text + std::to_string(i)).data(), text.size() + 4));
+      ASSERT_TRUE(changes.Write(at, text.data(), text.size()));
     }
     ASSERT_TRUE(changes.Commit());
   }
