@@ -123,7 +123,7 @@ bool FileSnapshot::ReadLarge(std::uint64_t offset, std::uint8_t* bytes, std::siz
 }
 
 const FileSnapshot::KeptPage* FileSnapshot::Load(PageNumber number) {
-  if (!kept_) kept_.reset(new KeptPages);  // not initialised but for the numbers
+  if (!kept_) kept_ = std::make_unique_for_overwrite<KeptPages>();  // not initialised but for the numbers
   KeptPage& kept = (*kept_)[number % kKept];
   if (kept.number == number) return &kept;
   const std::uint64_t begin = number * kPageSize;
