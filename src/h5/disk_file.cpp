@@ -5,7 +5,6 @@
 #include <fcntl.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 
 #include "filer/process_state.h"
@@ -80,8 +79,8 @@ Descriptor OpenLocked(const char* name, unsigned flags, struct stat& info) {
 /// Ends what a writer has left in the middle. False when the disk fails.
 bool Recover(int file, const std::string& path, JournalState& state) {
   JournalReader journal(JournalPath(path));
-  if (!journal) return true;
   state = ReadJournal(journal);
+  if (journal.IsUnreadable()) return false;
   if (state.unfinished.empty()) return true;
   if (!Fits(file, journal, state)) {
     state = JournalState();  // of another file that had this name
@@ -100,8 +99,7 @@ std::uint64_t EndOfContents(int file, std::uint64_t size) {
 
 /// Truncates what only this process holds.
 bool Empty(int file, const std::string& path, struct stat& info) {
-  const bool removed = ::unlink(JournalPath(path).c_str()) == 0 || errno == ENOENT;
-  return removed && SetSize(file, 0) && fstat(file, &info) == 0;
+  return RemoveJournal(JournalPath(path)) && SetSize(file, 0) && fstat(file, &info) == 0;
 }
 
 /// HDF5 opens a file once more to find out that it has it open already.
@@ -156,12 +154,15 @@ WrittenFile::WrittenFile(Descriptor file, std::string path, const struct stat& i
       changes_(file_.get(), path_, info.st_mode, static_cast<std::uint64_t>(info.st_size), end,
                static_cast<Durability>(process().durability)),
       sound_(process().file_check != 0) {
-  process().written_files.push_back(this);
+  std::vector<WrittenFile*>& open = process().written_files;
+  open.reserve(open.size() + 1);
   Known().BeginWriting(identity_);
+  open.push_back(this);
 }
 
 WrittenFile::~WrittenFile() {
-  if (!closed_) (void)Close();  // it was never given to HDF5
+  Known().EndWriting(identity_);
+  std::erase(process().written_files, this);
 }
 
 bool WrittenFile::Release(Outcome outcome) {
@@ -177,7 +178,11 @@ void WrittenFile::TellFailure() const {
 }
 
 bool WrittenFile::Commit() {
-  if (changes_.Commit()) return true;
+  try {
+    if (changes_.Commit()) return true;
+  } catch (...) {  // out of memory
+    changes_.Fail();
+  }
   TellFailure();
   return false;
 }
@@ -193,13 +198,10 @@ void WrittenFile::RememberSound() {
 }
 
 bool WrittenFile::Close() {
-  closed_ = true;
   const bool was_good = !changes_.HasFailed() || changes_.error() != 0;
   if (IsHeld()) changes_.Fail();
   const bool kept = Commit();
   if (!kept) changes_.Abandon();
-  Known().EndWriting(identity_);
-  std::erase(process().written_files, this);
   if (kept) RememberSound();
   const bool closed = file_.Close();
   // Whoever gave the change up knows that it is gone.

@@ -49,7 +49,6 @@ class WrittenFile {
   int holders_ = 0;
   bool opening_ = true;
   bool sound_;  ///< was so when it was opened
-  bool closed_ = false;
 };
 
 /// HDF5 hands the first member back to every callback, and knows nothing of what follows it.

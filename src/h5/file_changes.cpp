@@ -170,9 +170,12 @@ bool FileChanges::Spill() {
   return true;
 }
 
+/// A tail that is too long for the journal is cut off when the change is complete.
+bool FileChanges::CutsLongTail() const { return size_ < committed_ && committed_ - size_ > kMostPages * kPageSize; }
+
 /// What a change cuts off was part of the file as it was.
 bool FileChanges::KeepTail() {
-  for (std::uint64_t at = size_; at < committed_ && pages_.size() < kMostPages; at += kPageSize - at % kPageSize) {
+  for (std::uint64_t at = size_; at < committed_; at += kPageSize - at % kPageSize) {
     if (!spilled_.contains(at / kPageSize) && !Find(at / kPageSize)) return false;
   }
   return true;
@@ -185,8 +188,7 @@ bool FileChanges::Apply() {
     if (!AddToJournal(true) || !SetSize(file_, std::max(size_, disk_size_) + 1)) return FailWith(errno);
     if (!OverwritePages()) return false;
   }
-  // A tail that is too long for the journal is cut off when the change is complete.
-  const bool cuts_late = size_ < committed_ && committed_ - size_ > kMostPages / 2 * kPageSize;
+  const bool cuts_late = CutsLongTail();
   if (!SetSize(file_, cuts_late ? committed_ : size_)) return FailWith(errno);
   if (IsSynced() && !(SyncFile(file_) && (committed_ > 0 || SyncFolderOf(path_)))) return FailWith(errno);
   if (journal_.IsOpen()) {
@@ -201,8 +203,7 @@ bool FileChanges::Commit() {
   if (failed_) return false;
   if (IsPlain()) return true;
   std::erase_if(pages_, [](const auto& page) { return page.second->before == page.second->after; });
-  const bool cuts_tail = size_ < committed_ && committed_ - size_ <= kMostPages / 2 * kPageSize;
-  if (cuts_tail && !KeepTail()) return false;
+  if (!CutsLongTail() && !KeepTail()) return false;
   const bool is_changed = grown_ || !pages_.empty() || !spilled_.empty() || size_ != disk_size_;
   if (is_changed && !Apply()) return false;
   Restart();
@@ -217,21 +218,21 @@ void FileChanges::Restart() {
 }
 
 bool FileChanges::PutBack() {
+  if (!journal_.HasRecords()) return true;  // nothing was overwritten
   JournalReader journal(journal_.path());
   const JournalState state = ReadJournal(journal);
-  return state.unfinished.empty() || RollBack(file_, journal, state, IsSynced());
+  return !state.unfinished.empty() && RollBack(file_, journal, state, IsSynced());
 }
 
 void FileChanges::Abandon() {
   failed_ = true;
   if (IsPlain()) return;
-  if (journal_.IsOpen()) {
-    const bool back = PutBack();
-    StampChange(file_);
-    if (!back || !journal_.End(HasReaders(file_), journal_state_)) journal_.Leave();  // the next writer will try again
-  } else if (grown_) {
-    (void)SetSize(file_, committed_);  // what is left over is in nobody's way
-  }
+  const bool had_journal = journal_.IsOpen();
+  const bool back = PutBack();
+  // What cannot be cut off now is in nobody's way, and what cannot be put back the next writer will try again.
+  if (back && (grown_ || had_journal)) (void)SetSize(file_, committed_);
+  if (had_journal) StampChange(file_);
+  if (had_journal && !(back && journal_.End(HasReaders(file_), journal_state_))) journal_.Leave();
   pages_.clear();
   spilled_.clear();
 }

@@ -61,6 +61,7 @@ class FileChanges {
   bool Spill();
   bool AddToJournal(bool once);
   bool OverwritePages();
+  bool CutsLongTail() const;
   bool KeepTail();
   bool Apply();
   bool PutBack();

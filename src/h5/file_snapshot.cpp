@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "h5/file_locks.h"
+#include "structure/structure_check.h"
 
 namespace orvio::h5 {
 namespace {
@@ -34,7 +35,8 @@ bool FileSnapshot::Take() {
     if (!Stat()) return false;
     const FileStamp before = stamp_;
     JournalReader journal(JournalPath(path_));
-    const JournalState state = journal ? ReadJournal(journal) : JournalState();
+    const JournalState state = ReadJournal(journal);
+    if (journal.IsUnreadable()) return false;
     const bool fits = state.unfinished.empty() || Fits(file_.get(), journal, state);
     if (!Stat()) return false;
     size_ = static_cast<std::uint64_t>(stamp_.size);
@@ -43,14 +45,16 @@ bool FileSnapshot::Take() {
     if (journal) journals_.push_back(std::move(journal));
     chain_ = fits ? state.chain : 0;  // one that does not fit is of another file that had this name
     sequence_ = state.unfinished.empty() ? state.sequence : state.sequence - 1;
-    for (std::size_t k = 0; fits && k < state.unfinished.size(); ++k) TakeRecord(state.unfinished[k]);
+    for (std::size_t k = 0; fits && k < state.unfinished.size(); ++k) {
+      TakeRecord(state.unfinished[k]);
+      size_ = std::min(size_, state.unfinished[k].head.old_size);
+    }
     return true;
   }
   return false;
 }
 
 void FileSnapshot::TakeRecord(const JournalReader::Record& record) {
-  size_ = std::min(size_, record.head.old_size);
   for (std::size_t i = 0; i < record.entries.size(); ++i) {
     const JournalEntry& entry = record.entries[i];
     const OldPage page{journals_.size() - 1, record.pages_at + i * kPageSize, entry.old_hash};
@@ -66,6 +70,7 @@ bool FileSnapshot::HasChanged() {
 /// A journal that came to its end before this reader was known is gone, and one that was begun since holds all changes.
 bool FileSnapshot::OpenNextJournal() {
   JournalReader next(JournalPath(path_));
+  lost_ = lost_ || next.IsUnreadable();
   if (!next || (!journals_.empty() && next.IsSameAs(journals_.back()))) return false;
   journals_.push_back(std::move(next));
   chain_ = 0;
@@ -83,8 +88,9 @@ bool FileSnapshot::FollowJournal() {
       if (head.chain != chain_ || (is_first && head.sequence != 1)) return false;
       if (head.sequence > sequence_ && head.kind != JournalRecord::kEnd) TakeRecord(*record);
     }
+    lost_ = lost_ || (!journals_.empty() && journals_.back().IsUnreadable());
   } while (OpenNextJournal());
-  return true;
+  return !lost_;
 }
 
 bool FileSnapshot::FollowChange() {
@@ -110,16 +116,26 @@ std::int64_t FileSnapshot::Overlay(std::uint64_t offset, std::uint8_t* bytes, st
   return got;
 }
 
-/// Answers how many bytes there are; -1 on failure. What a writer that was killed had appended may be cut off meanwhile:
-/// nobody refers to it, but it may lie in one page with what is asked for.
-std::int64_t FileSnapshot::ReadAsWas(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) {
-  const std::int64_t got = ReadAt(file_.get(), offset, bytes, count);
-  if (got < 0 || (HasChanged() && !FollowChange())) return -1;
-  return Overlay(offset, bytes, count, got);
+/// The file may end with what a writer was appending before its change was complete. Nobody refers to that, but whoever
+/// reads ahead asks for it, when it may be cut off already.
+void FileSnapshot::FindContentsEnd() {
+  contents_end_ = 0;  // what is read meanwhile lies at the beginning
+  contents_end_ = structure::StoredEnd(*this).value_or(size_);
 }
 
-bool FileSnapshot::ReadLarge(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) {
-  return ReadAsWas(offset, bytes, count) == static_cast<std::int64_t>(count);
+bool FileSnapshot::ReadAsWas(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) {
+  std::int64_t got = ReadAt(file_.get(), offset, bytes, count);
+  if (got < 0 || (HasChanged() && !FollowChange())) return false;
+  got = Overlay(offset, bytes, count, got);
+  if (got < 0) return false;
+  const auto there = static_cast<std::size_t>(got);
+  if (there < count && !contents_end_) {
+    FindContentsEnd();
+    return ReadAsWas(offset, bytes, count);  // the buffer may have been used
+  }
+  if (there < count && offset + there < *contents_end_) return false;
+  std::memset(bytes + there, 0, count - there);
+  return true;
 }
 
 const FileSnapshot::KeptPage* FileSnapshot::Load(PageNumber number) {
@@ -129,10 +145,8 @@ const FileSnapshot::KeptPage* FileSnapshot::Load(PageNumber number) {
   const std::uint64_t begin = number * kPageSize;
   const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(kPageSize, size_ - begin));
   kept.number = ~PageNumber{0};
-  const std::int64_t got = ReadAsWas(begin, kept.bytes.data(), count);
-  if (got < 0) return nullptr;
+  if (!ReadAsWas(begin, kept.bytes.data(), count)) return nullptr;
   kept.number = number;
-  kept.count = static_cast<std::size_t>(got);
   return &kept;
 }
 
@@ -141,7 +155,7 @@ bool FileSnapshot::ReadSmall(std::uint64_t offset, std::uint8_t* bytes, std::siz
     const auto at = static_cast<std::size_t>(offset % kPageSize);
     const std::size_t part = std::min(count, kPageSize - at);
     const KeptPage* page = Load(offset / kPageSize);
-    if (!page || at + part > page->count) return false;
+    if (!page) return false;
     std::memcpy(bytes, page->bytes.data() + at, part);
     offset += part;
     bytes += part;
@@ -153,7 +167,7 @@ bool FileSnapshot::ReadSmall(std::uint64_t offset, std::uint8_t* bytes, std::siz
 bool FileSnapshot::Read(std::uint64_t offset, void* buffer, std::size_t count) {
   if (lost_ || offset > size_ || count > size_ - offset) return false;
   auto* bytes = static_cast<std::uint8_t*>(buffer);
-  return count <= kSmall ? ReadSmall(offset, bytes, count) : ReadLarge(offset, bytes, count);
+  return count <= kSmall ? ReadSmall(offset, bytes, count) : ReadAsWas(offset, bytes, count);
 }
 
 }  // namespace orvio::h5

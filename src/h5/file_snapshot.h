@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -24,7 +25,6 @@ class FileSnapshot : public structure::ByteSource {
   /// Takes the snapshot: from here on others may change the file. False when the disk fails.
   [[nodiscard]] bool Take();
 
-  int descriptor() const { return file_.get(); }
   int* place() { return file_.place(); }
   /// As the file was found when somebody looked last.
   const FileStamp& stamp() const { return stamp_; }
@@ -43,15 +43,14 @@ class FileSnapshot : public structure::ByteSource {
   };
   struct KeptPage {
     PageNumber number = ~PageNumber{0};
-    std::size_t count = 0;  ///< bytes of it that the file has
     PageBytes bytes;
   };
   static constexpr std::size_t kKept = 32;
   using KeptPages = std::array<KeptPage, kKept>;
 
   bool ReadSmall(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
-  std::int64_t ReadAsWas(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
-  bool ReadLarge(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
+  bool ReadAsWas(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
+  void FindContentsEnd();
   const KeptPage* Load(PageNumber number);
   bool HasChanged();
   bool Stat();
@@ -64,12 +63,13 @@ class FileSnapshot : public structure::ByteSource {
   Descriptor file_;
   std::string path_;
   FileStamp stamp_;
-  std::uint64_t size_;                   ///< of what it shows
-  std::vector<JournalReader> journals_;  ///< the last one is followed
-  std::uint64_t chain_ = 0;              ///< of that one; 0: nothing was read from it yet
-  std::uint64_t sequence_ = 0;           ///< of the last change that it shows
-  bool announced_ = false;               ///< writers know of it
-  bool lost_ = false;                    ///< what it shows can no longer be put together
+  std::uint64_t size_;                         ///< of what it shows, and of what a writer may have been appending
+  std::optional<std::uint64_t> contents_end_;  ///< of what belongs to it, once somebody had to know
+  std::vector<JournalReader> journals_;        ///< the last one is followed
+  std::uint64_t chain_ = 0;                    ///< of that one; 0: nothing was read from it yet
+  std::uint64_t sequence_ = 0;                 ///< of the last change that it shows
+  bool announced_ = false;                     ///< writers know of it
+  bool lost_ = false;                          ///< what it shows can no longer be put together
   std::unordered_map<PageNumber, OldPage> old_pages_;
   std::unique_ptr<KeptPages> kept_;
 };

@@ -64,15 +64,10 @@ int CountStrange(const PageBytes& found, const PageBytes& before, const JournalE
   return strange;
 }
 
-/// Removes a journal that is of no use any more, whole or not. A file of somebody else under that name stays.
-bool RemoveOld(const std::string& path) {
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
-  std::uint64_t magic = 0;
-  if (!file || ReadAt(file.get(), 0, &magic, sizeof magic) < 0) return false;
-  const bool is_ours = magic == 0 || magic == JournalRecord::kMagic;  // the head is written last
-  if (!is_ours) errno = EEXIST;
-  return is_ours && ::unlink(path.c_str()) == 0;
-}
+constexpr int kForReading = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW;
+
+/// Whether an open that failed so says that there is no journal. A symbolic link is none.
+bool IsNone(int error) { return error == ENOENT || error == ELOOP || error == ENAMETOOLONG; }
 
 std::uint64_t PagesOf(std::uint64_t size) { return (size + kPageSize - 1) / kPageSize; }
 
@@ -96,8 +91,17 @@ bool PutBack(int file, const JournalReader& journal, const JournalReader::Record
 
 std::string JournalPath(const std::string& file) { return file + "-journal"; }
 
-JournalReader::JournalReader(const std::string& path)
-    : file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW)) {
+bool RemoveJournal(const std::string& path) {
+  const Descriptor file(::open(path.c_str(), kForReading));
+  if (!file) return IsNone(errno);
+  std::uint64_t magic = 0;  // the head is written last
+  if (ReadAt(file.get(), 0, &magic, sizeof magic) < 0) return false;
+  const bool is_ours = magic == 0 || magic == JournalRecord::kMagic;
+  return !is_ours || ::unlink(path.c_str()) == 0;
+}
+
+JournalReader::JournalReader(const std::string& path) : file_(::open(path.c_str(), kForReading)) {
+  unreadable_ = !file_ && !IsNone(errno);
   struct stat info = {};
   if (file_ && (fstat(file_.get(), &info) != 0 || !S_ISREG(info.st_mode))) file_ = Descriptor();
 }
@@ -108,14 +112,18 @@ std::optional<JournalReader::Record> JournalReader::Next() {
   struct stat info = {};
   if (!file_ || fstat(file_.get(), &info) != 0) return std::nullopt;
   const auto size = static_cast<std::uint64_t>(info.st_size);
-  if (ReadAt(file_.get(), at_, &head, sizeof head) != sizeof head) return std::nullopt;
-  const bool is_whole = head.magic == JournalRecord::kMagic && head.hash == HashOfHead(head) &&
+  const std::int64_t got_head = ReadAt(file_.get(), at_, &head, sizeof head);
+  if (got_head < 0) unreadable_ = true;
+  if (got_head != sizeof head || at_ > size) return std::nullopt;
+  const bool is_numbered = head.chain != 0 && head.sequence != 0 && head.sequence < UINT64_MAX;
+  const bool is_whole = head.magic == JournalRecord::kMagic && head.hash == HashOfHead(head) && is_numbered &&
                         head.old_size <= INT64_MAX - kPageSize && head.pages <= size / kPageSize &&
                         head.Size() <= size - at_;
   if (!is_whole) return std::nullopt;
   record.entries.resize(head.pages);
   const std::size_t bytes = record.entries.size() * sizeof(JournalEntry);
-  const auto got = ReadAt(file_.get(), at_ + sizeof head, record.entries.data(), bytes);
+  const std::int64_t got = ReadAt(file_.get(), at_ + sizeof head, record.entries.data(), bytes);
+  if (got < 0) unreadable_ = true;
   if (got != static_cast<std::int64_t>(bytes) || HashOf(record.entries.data(), bytes) != head.entries_hash) {
     return std::nullopt;
   }
@@ -182,7 +190,7 @@ bool JournalWriter::Open(mode_t mode) {
   }
   constexpr int kAnew = kHow | O_CREAT | O_EXCL;
   file_ = Descriptor(::open(path_.c_str(), kAnew, mode & 0666));
-  if (!file_ && errno == EEXIST && RemoveOld(path_)) file_ = Descriptor(::open(path_.c_str(), kAnew, mode & 0666));
+  if (!file_ && errno == EEXIST && RemoveJournal(path_)) file_ = Descriptor(::open(path_.c_str(), kAnew, mode & 0666));
   return static_cast<bool>(file_);
 }
 
@@ -201,6 +209,7 @@ bool JournalWriter::Add(std::uint64_t old_size, mode_t mode, const std::vector<C
   if (!WriteAt(file_.get(), at_, &head, sizeof head)) return false;
   if (synced_ && !(SyncFile(file_.get()) && (!is_first || SyncFolderOf(path_)))) return false;
   at_ += bytes.size();
+  ++records_;
   return true;
 }
 
@@ -229,6 +238,7 @@ bool JournalWriter::End(bool keep, JournalState& left) {
     (void)SetSize(file_.get(), at_);  // the change is to be rolled back: an end that may have been written is none
     return false;
   }
+  records_ = 0;
   file_ = Descriptor();  // all that matters was written and looked at
   left = removed ? JournalState() : JournalState{chain_, sequence_, at_, {}};
   return true;

@@ -58,6 +58,9 @@ struct ChangedPage {
   const PageBytes* after;
 };
 
+/// Removes a journal, whole or not. A file of somebody else that has its name stays. False when a journal is still there.
+[[nodiscard]] bool RemoveJournal(const std::string& path);
+
 /// Reads a journal as far as it is whole, and on from there when it has grown.
 class JournalReader {
  public:
@@ -66,6 +69,8 @@ class JournalReader {
   explicit JournalReader(const std::string& path);
 
   explicit operator bool() const { return static_cast<bool>(file_); }
+  /// Whether there is one, or more of it, that cannot be read: then nobody knows in which state the file is.
+  bool IsUnreadable() const { return unreadable_; }
 
   struct Record {
     JournalRecord head;
@@ -84,6 +89,7 @@ class JournalReader {
  private:
   Descriptor file_;
   std::uint64_t at_ = 0;
+  bool unreadable_ = false;
 };
 
 /// The state in which a journal was found.
@@ -108,7 +114,8 @@ class JournalWriter {
   /// Adds a record. After that its pages may be overwritten.
   [[nodiscard]] bool Add(std::uint64_t old_size, mode_t mode, const std::vector<ChangedPage>& pages);
   bool IsOpen() const { return static_cast<bool>(file_); }
-  std::uint64_t Size() const { return at_; }
+  /// Whether pages may have been overwritten.
+  bool HasRecords() const { return records_ > 0; }
   const std::string& path() const { return path_; }
 
   /// Ends the change: from here on nothing is rolled back. `keep` leaves the journal to readers; `left` is then what
@@ -129,6 +136,7 @@ class JournalWriter {
   std::uint64_t chain_ = 0;
   std::uint64_t sequence_ = 1;
   std::uint64_t at_ = 0;
+  std::size_t records_ = 0;  ///< of this change
   bool continues_ = false;
 };
 

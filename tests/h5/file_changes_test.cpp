@@ -106,6 +106,18 @@ TEST_F(FileChange, ThatCutsTheFileIsNotSeenByAReaderThatCameBefore) {
   EXPECT_EQ(AllOf(*Look()), before_.substr(0, 10'000));
 }
 
+TEST_F(FileChange, KeepsWhatItCutsOffBesideAllThatMemoryHolds) {
+  const std::string large(20'000'000, 'x');
+  ASSERT_EQ(pwrite(file_.get(), large.data(), large.size(), 0), static_cast<ssize_t>(large.size()));
+  const auto reader = Look();
+  FileChanges changes = Begin(Durability::kKillSafe, large.size());
+  for (std::uint64_t page = 0; page < 4000; ++page) ASSERT_TRUE(changes.Write(page * 4096, "y", 1));
+  ASSERT_TRUE(changes.Resize(17'000'000));
+  ASSERT_TRUE(changes.Commit());
+  EXPECT_EQ(OnDisk().size(), 17'000'000U);
+  EXPECT_TRUE(AllOf(*reader) == large);
+}
+
 TEST_F(FileChange, CanCutOffMoreThanAJournalTakes) {
   const std::string large(60'000'000, 'x');
   ASSERT_EQ(pwrite(file_.get(), large.data(), large.size(), 0), static_cast<ssize_t>(large.size()));
@@ -229,15 +241,45 @@ TEST_F(FileChange, IsNotSeenByReadersOfEarlierStatesHoweverManyFollow) {
   for (size_t i = 0; i < readers.size(); ++i) EXPECT_EQ(AllOf(*readers[i]), states[i]) << i;
 }
 
-TEST_F(FileChange, DoesNotDisturbAReaderWhenItCutsOffWhatWasLeftOverBehindTheEnd) {
-  ASSERT_EQ(pwrite(file_.get(), "left over", 9, kSize), 9);
+/// A file of HDF5, which tells where its contents end, and what a writer that was killed left behind that.
+class LeftOver : public FileChange {
+ protected:
+  LeftOver() {
+    const hid_t made = H5Fcreate(path_.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT);
+    EXPECT_GE(H5Gclose(H5Gcreate2(made, "group", H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT)), 0);
+    EXPECT_GE(H5Fclose(made), 0);
+    contents_ = OnDisk();
+    file_ = Descriptor(open(path_.c_str(), O_RDWR));
+    EXPECT_EQ(pwrite(file_.get(), kLeft.data(), kLeft.size(), static_cast<off_t>(contents_.size())),
+              static_cast<ssize_t>(kLeft.size()));
+  }
+
+  const std::string kLeft = std::string(10'000, 'L');
+  std::string contents_;
+};
+
+TEST_F(LeftOver, IsReadAsNothingOnceItIsCutOff) {
   const auto reader = Look();
-  FileChanges changes = Begin();
-  ASSERT_TRUE(changes.Write(kSize, "x", 1));
+  FileChanges changes = Begin(Durability::kKillSafe, contents_.size());
+  ASSERT_TRUE(changes.Write(contents_.size(), "x", 1));
   changes.Abandon();
-  std::string seen(100, '\0');
-  ASSERT_TRUE(reader->Read(kSize - seen.size(), seen.data(), seen.size()));
-  EXPECT_EQ(seen, before_.substr(kSize - seen.size()));
+  ASSERT_EQ(OnDisk(), contents_);
+  EXPECT_EQ(AllOf(*reader), contents_ + std::string(kLeft.size(), '\0'));
+}
+
+TEST_F(LeftOver, DoesNotHideThatTheContentsThemselvesAreCut) {
+  const auto reader = Look();
+  ASSERT_EQ(ftruncate(file_.get(), static_cast<off_t>(contents_.size()) - 1), 0);
+  EXPECT_EQ(AllOf(*reader), "unreadable");
+}
+
+TEST_F(FileChange, ThatGrowsTheFileIsReadAheadOfByAReaderThatSawItsFirstBytes) {
+  FileChanges changes = Begin();
+  ASSERT_TRUE(changes.Write(kSize, "appended", 8));
+  const auto reader = Look();
+  ASSERT_TRUE(changes.Write(5000, "overwritten", 11));
+  ASSERT_TRUE(changes.Commit());
+  EXPECT_EQ(AllOf(*reader), before_ + "appended");
 }
 
 TEST_F(FileChange, RemovesItsJournalWhenTheLastReaderHasGone) {

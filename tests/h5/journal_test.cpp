@@ -7,9 +7,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
+#include "h5/page_hash.h"
 #include "orvio/oh5_io.h"
 #include "orvio/oh5_reader.h"
 #include "orvio/orv_switches.h"
@@ -147,6 +149,24 @@ TEST_F(LeftJournal, WithDamageAnywhereIsPutBackInWholeOrNotAtAll) {
   }
 }
 
+TEST_F(LeftJournal, WithNumbersThatNoWriterGivesIsNone) {
+  LeaveChange();
+  const std::string journal = BytesOf(Journal()), torn = BytesOf(path_);
+  for (const size_t field : {size_t{8}, size_t{16}}) {  // the chain, the number of the change
+    for (const std::uint64_t number : {std::uint64_t{0}, ~std::uint64_t{0}}) {
+      std::string forged = journal;
+      std::memcpy(forged.data() + field, &number, sizeof number);
+      const std::uint64_t hash = orvio::h5::HashOf(forged.data(), 56);
+      std::memcpy(forged.data() + 56, &hash, sizeof hash);
+      Put(Journal(), forged);
+      const bool is_none = number == 0 || field == 16;
+      EXPECT_EQ(OpenForWriting(), is_none ? 4 : 0) << field << " " << number;
+      EXPECT_EQ(BytesOf(path_), is_none ? torn : before_) << field << " " << number;
+      Put(path_, torn);
+    }
+  }
+}
+
 TEST_F(LeftJournal, ThatIsNoRegularFileIsNone) {
   ASSERT_EQ(mkfifo(Journal().c_str(), 0644), 0);
   EXPECT_EQ(CountStates(), 1);
@@ -176,6 +196,14 @@ TEST_F(LeftJournal, IsForgottenWithTheFileThatIsMadeAnew) {
   EXPECT_EQ(OH5WriteCloseFile(file), 0);
   EXPECT_FALSE(std::filesystem::exists(Journal()));
   EXPECT_EQ(CountStates(), 0);
+}
+
+TEST_F(LeftJournal, UnderWhoseNameIsAFileOfSomebodyElseStaysWhenTheFileIsMadeAnew) {
+  Put(Journal(), "Dear diary, today I ran a simulation and it went well. More tomorrow.");
+  hid_t file = -1;
+  ASSERT_EQ(OH5WriteOpenFile(path_.c_str(), ORV_FILE_CREATE, &file), 0);
+  EXPECT_EQ(OH5WriteCloseFile(file), 0);
+  EXPECT_EQ(BytesOf(Journal()).substr(0, 10), "Dear diary");
 }
 
 }  // namespace
