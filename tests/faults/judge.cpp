@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <string_view>
+
+#include "faults/snapshot.h"
 
 namespace orvio::faults {
 namespace {
@@ -103,7 +107,22 @@ bool Judge::Append(const std::string& path, const Case& example, int state) {
   return told_->ended && std::all_of(told_->said.begin(), told_->said.end(), [](int said) { return said == 1; });
 }
 
+Judge::Key Judge::KeyOf(const std::string& path, const Case& example, const std::array<int, kBlockCount>& said) {
+  const Snapshot left = Snapshot::Of(path);
+  const auto hash = [](const Bytes& bytes) { return std::hash<std::string_view>()({bytes.data(), bytes.size()}); };
+  return {hash(left.file), left.journal ? hash(*left.journal) : 0, NameOf(example), said};
+}
+
 Verdict Judge::Of(const std::string& path, const Case& example, const std::array<int, kBlockCount>& said) {
+  if (!std::filesystem::exists(path)) return Verdict::kNotOpen;
+  const Key key = KeyOf(path, example, said);
+  if (sound_.contains(key)) return Verdict::kSound;
+  const Verdict verdict = Try(path, example, said);
+  if (verdict == Verdict::kSound) sound_.insert(key);
+  return verdict;
+}
+
+Verdict Judge::Try(const std::string& path, const Case& example, const std::array<int, kBlockCount>& said) {
   Expected expected{example.form, example.states, 1, {}};
   const bool library = !example.writer.plain;
   const Seen before = Look(path, expected, library);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <hdf5.h>
+#include <unistd.h>
 
 #include "faults/judge.h"
 #include "faults/snapshot.h"
@@ -121,6 +122,24 @@ TEST_P(FilesJudged, AStateThatNobodyWroteIsAGhost) {
         "state");
   });
   EXPECT_EQ(Judged(), Verdict::kTorn);
+}
+
+TEST_P(FilesJudged, AreLookedAtAgainUnlessNothingIsDifferent) {
+  Judge judge;
+  const Bytes sound = BytesOf(path_);
+  ASSERT_EQ(judge.Of(path_, example_, {0, 0}), Verdict::kSound);
+  ASSERT_NE(BytesOf(path_), sound);  // it was appended to
+  PutBytes(path_, sound);
+  EXPECT_EQ(judge.Of(path_, example_, {0, 0}), Verdict::kSound);
+  EXPECT_EQ(BytesOf(path_), sound);  // nobody looked
+  Drop(Res(3, 0));
+  EXPECT_EQ(judge.Of(path_, example_, {0, 0}), Verdict::kTorn);
+  EXPECT_EQ(judge.Of(path_, example_, {0, 0}), Verdict::kTorn);
+}
+
+TEST_P(FilesJudged, AFileThatIsGoneDoesNotOpen) {
+  unlink(path_.c_str());
+  EXPECT_EQ(Judged(), Verdict::kNotOpen);
 }
 
 TEST_P(FilesJudged, BytesThatAreNoFileDoNotOpen) {
