@@ -54,14 +54,6 @@ class Buffers {
   std::vector<void*> arrays_;
 };
 
-void Count(Tally& tally, int status, std::int64_t values) {
-  if (status == 0) {
-    tally.values += static_cast<std::uint64_t>(std::max<std::int64_t>(0, values));
-  } else {
-    ++tally.refusals;
-  }
-}
-
 void ReadConnectivities(const char* path, int state, Tally& tally) {
   for (ORVEleConnectivity& block : Scan<ORVEleConnectivity>().Run(path, state)) {
     Buffers buffers;
@@ -73,9 +65,9 @@ void ReadConnectivities(const char* path, int state, Tally& tally) {
     block.m_iparam = buffers.Make(block.m_nele, block.m_nbint, 4);
     block.m_fparam = buffers.Make(block.m_nele, block.m_nbfloat, 4);
     if (!block.m_idele || !block.m_pid || !block.m_ic) continue;
-    Count(tally, block.ReadBlock(path, state, ORV_READ_DATA), block.m_nele * (2 + block.m_npele));
+    tally.Add(block.ReadBlock(path, state, ORV_READ_DATA), block.m_nele * (2 + block.m_npele));
     for (const _ORVBlockAtt item : {ORV_ATT_IDS, ORV_ATT_PID, ORV_ATT_IC}) {
-      Count(tally, block.ReadAttribute(path, state, ORV_READ_DATA, item), block.m_nele);
+      tally.Add(block.ReadAttribute(path, state, ORV_READ_DATA, item), block.m_nele);
     }
   }
 }
@@ -87,7 +79,7 @@ void ReadActivations(const char* path, int state, Tally& tally) {
     block.m_entid = buffers.Make(block.m_nent, 1, 4);
     block.m_status = buffers.Make(block.m_nent, 1, 4);
     if (!block.m_entid) continue;
-    Count(tally, block.ReadBlock(path, state, ORV_READ_DATA), 2 * block.m_nent);
+    tally.Add(block.ReadBlock(path, state, ORV_READ_DATA), 2 * block.m_nent);
   }
 }
 
@@ -108,7 +100,7 @@ void ReadAttributes(OpenFiler& open, int state, Tally& tally) {
     tally.values += static_cast<std::uint64_t>(block->m_nent);
     filer.CleanUpEntAttribute(block);
     if (state > 0 && filer.IsAttributeIncrementalAtGivenState(*block, state)) {
-      Count(tally, filer.ReadIncrDataValues(block, state, true, false), block->m_nent);
+      tally.Add(filer.ReadIncrDataValues(block, state, true, false), block->m_nent);
       filer.CleanUpEntAttribute(block);
     }
     delete block;
@@ -132,7 +124,7 @@ void ReadProperties(OpenFiler& open, Tally& tally) {
   for (ORVProperties* block : blocks) {
     ORVProperties copy = *block;
     const int status = filer.ReadProperty(&copy, ORV_READ_HEADER | ORV_READ_DATA, 1);
-    Count(tally, status, copy.m_nent);
+    tally.Add(status, copy.m_nent);
     filer.ClearProperty(&copy);
     int *ids = nullptr, *integers = nullptr, id_count = 0, integer_count = 0, real_count = 0;
     float* reals = nullptr;

@@ -2,7 +2,9 @@
 
 // What a post-processor does with a result file, without one: every question, and every value.
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 
 #include "orvio/orv_filer.h"
@@ -15,6 +17,28 @@ struct Tally {
   std::uint64_t results = 0;   ///< result blocks that were found
   std::uint64_t values = 0;    ///< numbers and texts that were delivered
   std::uint64_t refusals = 0;  ///< reads that failed
+  std::uint64_t digest = 1;    ///< of all statuses and of what was delivered
+
+  bool operator==(const Tally&) const = default;
+
+  /// Notes what a read came to.
+  void Add(int status, std::int64_t count) {
+    values += status == 0 ? static_cast<std::uint64_t>(std::max<std::int64_t>(0, count)) : 0;
+    refusals += status == 0 ? 0 : 1;
+    Mix(static_cast<std::uint64_t>(status));
+  }
+  /// Notes what was delivered: a count that is too high shows by reading too far.
+  template <class T>
+  void Take(const T* delivered, std::int64_t count) {
+    for (std::int64_t i = 0; delivered && i < count; ++i) {
+      std::uint64_t bits = 0;
+      std::memcpy(&bits, delivered + i, std::min(sizeof bits, sizeof(T)));
+      Mix(bits);
+    }
+  }
+
+ private:
+  void Mix(std::uint64_t bits) { digest = (digest ^ bits) * 0x9E3779B97F4A7C15ULL + (digest >> 29); }
 };
 
 /// A filer of a file, started up.

@@ -1,6 +1,5 @@
 // Values of results, by every road to them.
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -12,27 +11,12 @@ namespace {
 
 constexpr std::size_t kBlocks = 24;  // looked at; more of the same find nothing new
 
-void Count(Tally& tally, int status, std::uint64_t values) {
-  if (status == 0) {
-    tally.values += values;
-  } else {
-    ++tally.refusals;
-  }
-}
-
-/// Reads what was delivered, so that a count that is too high shows.
-template <class T>
-void Touch(const T* values, int count) {
-  volatile T last{};
-  for (int i = 0; values && i < count; ++i) last = values[i];
-}
-
 template <class T>
 void Deliver(ORVResultValuesBase<T, int>& request, int status, Tally& tally) {
-  Count(tally, status, static_cast<std::uint64_t>(std::max(0, request.m_valueCount)));
+  tally.Add(status, request.m_valueCount);
   if (status == 0) {
-    Touch(request.m_values, request.m_valueCount);
-    Touch(request.m_ids, request.m_idCount);
+    tally.Take(request.m_values, request.m_valueCount);
+    tally.Take(request.m_ids, request.m_idCount);
   }
   request.DeleteAllocation(true);
 }
@@ -89,7 +73,8 @@ void ReadSelection(OpenFiler& open, ORVResult& result, int component, int layer,
   copy.m_resType = ORV_DOUBLE;
   const int status = copy.ReadSelectiveAttribute(open.path, 1, ORV_READ_DATA, ORV_ATT_RES, rank, start, count, nullptr,
                                                  nullptr, false);
-  Count(tally, status, buffer.size());
+  tally.Add(status, total);
+  if (status == 0) tally.Take(buffer.data(), total);
 }
 
 void ReadItems(OpenFiler& open, ORVResult& result, Tally& tally) {
@@ -110,8 +95,8 @@ void ReadItems(OpenFiler& open, ORVResult& result, Tally& tally) {
 void ReadByPath(OpenFiler& open, std::vector<ORVResult*> blocks, Tally& tally) {
   ORVFetchValuesWithIndex values;
   const int status = open.filer.ReadValuesByBlockPath(blocks, values, nullptr);
-  Count(tally, status, static_cast<std::uint64_t>(std::max(0, values.m_valueCount)));
-  if (status == 0) Touch(values.m_values, values.m_valueCount);
+  tally.Add(status, values.m_valueCount);
+  if (status == 0) tally.Take(values.m_values, values.m_valueCount);
   values.DeleteAllocation(true);
 }
 
@@ -132,14 +117,16 @@ void ReadHistory(OpenFiler& open, ORVResult& result, Tally& tally) {
   const int columns = open.filer.ReadMultistateIndexValues(&result, states, ids, values);
   const Owned<int> id_owner(ids);
   const Owned<float> value_owner(values);
-  if (columns > 0) Touch(values, states * columns);
+  if (columns > 0) tally.Take(values, std::int64_t{states} * columns);
   std::vector<int> entities, index_ids;
   std::vector<std::uint64_t> shape;
   std::vector<float> all, index_values;
   std::uint64_t count = 0;
   const int status = open.filer.GetMultistateResultValues(result.m_etyp, result.m_etypvar, entities, shape, all, count,
                                                           index_ids, index_values, -1);
-  Count(tally, status, all.size());
+  tally.Add(status, static_cast<std::int64_t>(all.size()));
+  tally.Take(all.data(), static_cast<std::int64_t>(all.size()));
+  tally.Take(shape.data(), static_cast<std::int64_t>(shape.size()));
   Fetch<float>(open, {&result}, 1, ORV_ALL_LAYERS, result.m_etypvar, tally);
   ReadItems(open, result, tally);
   ReadByPath(open, {&result}, tally);
@@ -187,7 +174,10 @@ void ReadResultsOnce(OpenFiler& open, Tally& tally) {
       }
     }
   }
-  (void)open.filer.GetStateIndex(false);
+  if (const auto* index = open.filer.GetStateIndex(false)) {
+    tally.Take(index->GetIndexVals(), index->GetNumState() * index->GetNumIndex());
+    tally.Take(index->GetIndexIds(), index->GetNumState() * index->GetNumIndex());
+  }
 }
 
 }  // namespace orvio::fuzz

@@ -93,12 +93,13 @@ std::optional<Command> Parse(const std::vector<const char*>& words) {
 void PrintRow(const char* who, const Outcome& outcome) {
   const Counts& counts = outcome.counts;
   (void)std::printf(
-      "%-10s %8llu %8llu %8llu %12llu %10llu %8llu %6llu %14llu %10llu %9.0f\n", who,
+      "%-10s %8llu %8llu %8llu %12llu %10llu %8llu %6llu %14llu %10llu %10llu %9.0f\n", who,
       static_cast<unsigned long long>(counts.mutants), static_cast<unsigned long long>(counts.opened),
       static_cast<unsigned long long>(counts.mutants - counts.opened), static_cast<unsigned long long>(counts.values),
       static_cast<unsigned long long>(counts.refused_reads), static_cast<unsigned long long>(outcome.crashes),
       static_cast<unsigned long long>(outcome.hangs), static_cast<unsigned long long>(outcome.memory_errors),
-      static_cast<unsigned long long>(counts.oversized), static_cast<double>(counts.mutants) / outcome.seconds);
+      static_cast<unsigned long long>(counts.oversized), static_cast<unsigned long long>(counts.differing),
+      static_cast<double>(counts.mutants) / outcome.seconds);
   (void)std::fflush(stdout);
 }
 
@@ -112,8 +113,9 @@ int Run(Command command) {
   if (command.write != ~std::uint64_t{0}) return WriteMutant(command);
   if (command.plan.findings.empty()) command.plan.findings = "findings";
   std::filesystem::create_directories(command.plan.findings);
-  (void)std::printf("%-10s %8s %8s %8s %12s %10s %8s %6s %14s %10s %9s\n", "reader", "mutants", "opened", "refused",
-                    "values", "failed", "crashes", "hangs", "memory errors", "oversized", "a second");
+  (void)std::printf("%-10s %8s %8s %8s %12s %10s %8s %6s %14s %10s %10s %9s\n", "reader", "mutants", "opened",
+                    "refused", "values", "failed", "crashes", "hangs", "memory errors", "oversized", "differing",
+                    "a second");
   const Outcome outcome = Watch(command.plan, false);
   PrintRow("orvio", outcome);
   if (command.plan.plain) PrintRow("HDF5", Watch(command.plan, true));

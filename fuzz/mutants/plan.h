@@ -29,6 +29,7 @@ struct Counts {
   std::uint64_t values = 0;
   std::uint64_t refused_reads = 0;
   std::uint64_t oversized = 0;
+  std::uint64_t differing = 0;  ///< read otherwise with what is remembered of files than without
 };
 
 /// The board that a worker and its watcher share.

@@ -148,6 +148,7 @@ void Add(Counts& sum, const Counts& counts) {
   sum.values += counts.values;
   sum.refused_reads += counts.refused_reads;
   sum.oversized += counts.oversized;
+  sum.differing += counts.differing;
 }
 
 }  // namespace

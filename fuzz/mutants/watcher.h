@@ -14,7 +14,7 @@ struct Outcome {
   std::uint64_t memory_errors = 0;  ///< AddressSanitizer's reports, and leaks
   double seconds = 0;
 
-  std::uint64_t Findings() const { return crashes + hangs + memory_errors + counts.oversized; }
+  std::uint64_t Findings() const { return crashes + hangs + memory_errors + counts.oversized + counts.differing; }
 };
 
 /// Lets workers read all mutants of a plan, a new one for each that dies.

@@ -12,6 +12,7 @@
 #include <stdexcept>
 
 #include "byte_file.h"
+#include "filer/process_state.h"
 #include "mutants/plan.h"
 #include "orvio/orv_switches.h"
 #include "quiet.h"
@@ -92,35 +93,52 @@ class Worker {
     g_watch.largest = 0;
     alarm(kSeconds);
     g_watch.on = !shift_.plain;
-    Read(file.path(), index % kEveryRoad == 0);
+    const bool same = Read(file.path(), index % kEveryRoad == 0);
     g_watch.on = false;
     alarm(0);
     ++board_.counts.mutants;
-    if (g_watch.largest > 0) Keep(index, bytes);
+    if (g_watch.largest > 0) KeepOversized(index, bytes);
+    if (!same) KeepDiffering(index, bytes);
   }
 
-  void Read(const char* path, bool by_every_road) {
+  /// Answers whether what is remembered of files changes nothing.
+  bool Read(const char* path, bool by_every_road) {
     Counts& counts = board_.counts;
     if (shift_.plain) {
       const PlainTally tally = ReadPlain(path);
       counts.opened += tally.opened ? 1 : 0;
       counts.values += tally.values;
       counts.refused_reads += tally.refusals;
-      return;
+      return true;
     }
+    (void)ORVSetFileIndex(1);
     const Tally tally = by_every_road ? ReadAll(path) : ReadOnce(path);
     ExpectNothingOpen();
     counts.opened += tally.opened ? 1 : 0;
     counts.values += tally.values;
     counts.refused_reads += tally.refusals;
+    if (!tally.opened) return true;
+    (void)ORVSetFileIndex(0);
+    return (by_every_road ? ReadAll(path) : ReadOnce(path)) == tally;
   }
 
-  void Keep(std::uint64_t index, const Bytes& bytes) {
+  void KeepDiffering(std::uint64_t index, const Bytes& bytes) {
+    ++board_.counts.differing;
+    (void)std::fprintf(stderr, "mutant %llu: read otherwise with what is remembered of it\n",
+                       static_cast<unsigned long long>(index));
+    Keep("differing", index, bytes);
+  }
+
+  void KeepOversized(std::uint64_t index, const Bytes& bytes) {
     ++board_.counts.oversized;
     (void)std::fprintf(stderr, "mutant %llu: an allocation of %zu bytes for a file of %zu\n",
                        static_cast<unsigned long long>(index), g_watch.largest, bytes.size());
+    Keep("oversized", index, bytes);
+  }
+
+  void Keep(const char* finding, std::uint64_t index, const Bytes& bytes) {
     if (plan_.findings.empty()) return;
-    const std::string path = plan_.findings + "/oversized-" + std::to_string(index) + ".h5";
+    const std::string path = plan_.findings + "/" + finding + "-" + std::to_string(index) + ".h5";
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   }
@@ -135,6 +153,7 @@ class Worker {
 
 int Work(const Plan& plan, const Shift& shift) {
   PrepareHdf5();
+  process().clock_step = -1;  // files are remembered however young they are
   (void)ORVSetFileCheck(plan.check ? 1 : 0);
   (void)__sanitizer_install_malloc_and_free_hooks(Watch, Forget);
   return Worker(plan, shift).Run();

@@ -90,7 +90,10 @@ class ORVIO_EXPORT OH5Reader : public IOH5Reader {
   void ListGroupLinks(hid_t group, std::vector<std::string>& names, std::vector<int>& types);
   int ReadHeaderBytes(const std::string& root, char* buffer);
 
+ protected:
   hid_t m_file = -1;
+
+ private:
   unsigned m_major = 0;  ///< major version of the file, 0 until asked for
 };
 

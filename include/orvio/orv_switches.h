@@ -28,6 +28,13 @@ ORVIO_EXPORT void OH5GetCompression(int* on, int* digits);
 /// 0 and 1 changes nothing.
 ORVIO_EXPORT int ORVSetFileCheck(int mode);
 
+/// What is remembered of files between operations: 1 (the default) keeps where everything is, as the look at the file's
+/// structure has found it, so that values are read without HDF5; 0 keeps nothing of the kind. It holds as long as a file
+/// does not change, whoever changes it, and files that the library cannot tell about are read by HDF5 in both. Answers and
+/// statuses are the same. It needs ORVSetFileCheck(1). Answers the old setting; any other value than 0 and 1 changes
+/// nothing.
+ORVIO_EXPORT int ORVSetFileIndex(int mode);
+
 /// What a write survives, for files that are opened for writing from here on:
 ///  0  plain: changes go to the file as HDF5 makes them. A writer that ends in the middle may leave a file that does not
 ///     open, earlier states and all.

@@ -180,7 +180,7 @@ int ORVBlock::OH5Read_DATATYPE(hid_t loc, const char* name, _ORVDataType* type) 
 int ORVBlock::GetORVDataTypeForDataSet(hid_t loc, const char* name, _ORVDataType& type) {
   type = ORV_UNKNOWN_TYPE;
   return h5::Entry(kFail, [&] {
-    const h5::StoredDataset dataset(loc, name);
+    h5::StoredDataset dataset(loc, name);
     if (dataset) type = h5::RoomyType(dataset.type());
     return type == ORV_UNKNOWN_TYPE ? kFail : kOk;
   });

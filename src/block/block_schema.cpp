@@ -46,10 +46,8 @@ int ORVBlock::MergeSchemaPath(const std::string& schema, const std::string& actu
 int ORVBlock::ConstructSchemaPath(hid_t group, std::string& out) {
   if (group < 0) return kFail;
   return h5::Entry(kFail, [&] {
-    char name[disk::kPathWidth] = {};
-    const ssize_t length = H5Iget_name(group, name, sizeof name);
-    if (length < 0 || static_cast<size_t>(length) >= sizeof name) return kFail;
-    return MergeSchemaPath(m_BlkPath, name, out);
+    const std::string name = h5::NameOf(group);
+    return name.empty() ? kFail : MergeSchemaPath(m_BlkPath, name, out);
   });
 }
 

@@ -14,27 +14,16 @@ namespace {
 
 std::string SectionPath() { return std::string("/") + disk::post + "/" + disk::singlestate; }
 
-/// HDF5's iteration must not be left by an exception: lack of memory ends it with -1.
-herr_t AppendName(hid_t /*group*/, const char* name, const H5L_info1_t* /*info*/, void* data) noexcept {
-  try {
-    std::string link = name;
-    if (link.size() >= disk::kNameWidth) link.clear();
-    static_cast<std::vector<std::string>*>(data)->push_back(std::move(link));
-    return 0;
-  } catch (...) {
-    return -1;
-  }
-}
-
 }  // namespace
 
 std::vector<std::string> StateNames(IOH5Reader& reader) {
-  std::vector<std::string> names;
-  if (reader.GetFileId() < 0) return names;
+  if (reader.GetFileId() < 0) return {};
   const h5::Group section = h5::OpenGroup(reader.GetFileId(), SectionPath().c_str());
-  hsize_t next = 0;
-  // A damaged group ends its iteration: the states before the damage are there all the same.
-  if (section) (void)H5Literate1(section.get(), H5_INDEX_NAME, H5_ITER_INC, &next, AppendName, &names);
+  if (!section) return {};
+  std::vector<std::string> names = h5::LinkNames(section.get());
+  for (std::string& name : names) {
+    if (name.size() >= disk::kNameWidth) name.clear();
+  }
   return names;
 }
 

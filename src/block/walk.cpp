@@ -44,7 +44,7 @@ class Inside {
  public:
   Inside(hid_t object, std::size_t name_length) {
     H5O_info1_t info = {};
-    entered_ = H5Oget_info1(object, &info) >= 0 && process().walk_guard->Enter(info, name_length);
+    entered_ = h5::ReadObjectInfo(object, info) && process().walk_guard->Enter(info, name_length);
   }
   ~Inside() {
     if (entered_) process().walk_guard->Leave();
@@ -59,16 +59,12 @@ class Inside {
 
 bool IsGroup(hid_t object) {
   H5O_info1_t info = {};
-  return H5Oget_info1(object, &info) >= 0 && info.type == H5O_TYPE_GROUP;
+  return h5::ReadObjectInfo(object, info) && info.type == H5O_TYPE_GROUP;
 }
 
 bool Stopped(ORVBlock& block) { return ORVBlockAccess::ActionResult(block) == ORV_ACTION_STOP; }
 
-void IterateLinks(ORVBlock& block, hid_t group) {
-  hsize_t next = 0;
-  // A damaged group ends its own iteration; the walk goes on with what else there is.
-  (void)H5Literate1(group, H5_INDEX_NAME, H5_ITER_INC, &next, ORVBlockAccess::LinkVisitor(block), nullptr);
-}
+void IterateLinks(ORVBlock& block, hid_t group) { h5::VisitLinks(group, ORVBlockAccess::LinkVisitor(block), nullptr); }
 
 void IterateGroups(ORVBlock& block, hid_t group) {
   int next = 0;

@@ -25,7 +25,7 @@ bool HasExtents(const h5::Extents& stored, std::initializer_list<std::int64_t> e
 
 bool Fits(hid_t data, const WrittenShape& shape) {
   if (std::ranges::count(shape.extents, 0) > 0) return true;
-  const h5::StoredDataset dataset(data, shape.dataset);
+  h5::StoredDataset dataset(data, shape.dataset);
   if (dataset.is_missing()) return true;
   if (!dataset || !HasExtents(dataset.extents(), shape.extents)) return false;
   return shape.width == 0 || H5Tget_size(dataset.type()) == shape.width;

@@ -16,6 +16,7 @@ constexpr std::size_t kMessageBytes = 2048;  // room for two names of full width
 
 void Send(ORVMessageCallBack callback, _ORVMesgType type, const char* format, va_list arguments) {
   if (!callback) return;
+  const Swapped with_host(process().is_among_itself, false);
   char text[kMessageBytes];
   (void)std::vsnprintf(text, sizeof text, format, arguments);  // cut where it is too long
   callback(type, text);

@@ -20,6 +20,7 @@ namespace orvio {
 
 namespace h5 {
 class CheckedFiles;
+class IndexedFile;
 class WrittenFile;
 struct HeldSnapshots;
 }  // namespace h5
@@ -42,8 +43,10 @@ struct ProcessState {
   int g_nResultOverwriteMode = 0;  ///< not 0: an existing result block may be written into
 
   int file_check = 1;        ///< see ORVSetFileCheck
+  int file_index = 1;        ///< see ORVSetFileIndex
   int durability = 1;        ///< see ORVSetDurability
   int lock_timeout = 10000;  ///< see ORVSetLockTimeout
+  double clock_step = .05;   ///< seconds: the clock that file systems take their times from moves in smaller steps
   int lock_waited = 0;       ///< milliseconds that the running operation has waited for locks
 
   OH5ReaderPool* reader_pool = nullptr;      ///< made at the first request, never destroyed
@@ -70,7 +73,9 @@ struct ProcessState {
   h5::CheckedFiles* checked_files = nullptr;    ///< made at the first open, never destroyed
   std::vector<h5::WrittenFile*> written_files;  ///< open ones; HDF5 owns them
   bool close_failed = false;                    ///< HDF5 does not stand a close that fails: this tells of it instead
+  std::vector<h5::IndexedFile*> indexed_files;  ///< those of the running operation; see UsingIndex
   h5::HeldSnapshots* held_snapshots = nullptr;  ///< of the running operation; made at the first, never destroyed
+  bool is_among_itself = false;                 ///< no code of a host runs before the running operation ends
   int entries = 0;                              ///< exported operations that run, one inside the other
 };
 

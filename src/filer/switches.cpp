@@ -36,6 +36,12 @@ int ORVSetFileCheck(int mode) {
   return before;
 }
 
+int ORVSetFileIndex(int mode) {
+  const int before = process().file_index;
+  if (mode == 0 || mode == 1) process().file_index = mode;
+  return before;
+}
+
 int ORVSetDurability(int mode) {
   const int before = process().durability;
   if (mode >= 0 && mode <= 2) process().durability = mode;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 #include "filer/process_state.h"
 #include "h5/data_type.h"
@@ -9,6 +10,8 @@
 #include "h5/entry.h"
 #include "h5/extents.h"
 #include "h5/handle.h"
+#include "h5/indexed_file.h"
+#include "h5/plain_numbers.h"
 #include "h5/status.h"
 #include "orvio/oh5_io.h"
 
@@ -84,10 +87,53 @@ int ReadTextAttribute(hid_t attribute, const char* name, hid_t type, const Exten
   return read < 0 ? Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" failed to read", name) : kOk;
 }
 
+H5T_class_t ClassOf(structure::ElementKind kind) {
+  return kind == structure::ElementKind::kText    ? H5T_STRING
+         : kind == structure::ElementKind::kFloat ? H5T_FLOAT
+                                                  : H5T_INTEGER;
+}
+
+/// Whether all is known of an attribute that a read of that kind needs: one value of a plain kind.
+bool IsRead(const structure::ArrayShape& shape, int rank, const TypeRow* row) {
+  using structure::ElementKind;
+  const bool is_number = shape.kind == ElementKind::kSigned || shape.kind == ElementKind::kFloat;
+  const bool is_text = shape.kind == ElementKind::kText && shape.element_size <= disk::kTextWidth;
+  if (rank > 0 || shape.points != 1 || !(is_number || is_text)) return false;
+  return !row || !is_number || ClassOf(shape.kind) != row->type_class || IsPlain(shape, *row);
+}
+
+/// Nothing for what is left to HDF5.
+std::optional<int> ReadIndexedAttribute(hid_t loc, const char* name, int rank, const TypeRow* row, void* buffer) {
+  const IndexedPlace place(loc);
+  structure::Catalogue::Attribute found = {};
+  const auto answer =
+      place ? place.catalogue().FindAttribute(place.object, name, found) : structure::Catalogue::Answer::kUnknown;
+  if (answer == structure::Catalogue::Answer::kNo) {
+    return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" attribute not exist", name);
+  }
+  if (answer != structure::Catalogue::Answer::kYes || !IsRead(*found.shape, rank, row)) return std::nullopt;
+  if (ClassOf(found.shape->kind) != (row ? row->type_class : H5T_STRING)) {
+    return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" attribute data type mismatch", name);
+  }
+  if (row) {
+    ConvertPlain(*found.shape, *row, found.bytes, buffer, 1);
+    return kOk;
+  }
+  auto* text = static_cast<char*>(buffer);
+  std::memcpy(text, found.bytes, found.shape->element_size);
+  if (found.shape->element_size < disk::kTextWidth) text[found.shape->element_size] = '\0';
+  return kOk;
+}
+
 int ReadAttribute(hid_t loc, const char* name, int rank, const hsize_t* dims, _ORVDataType type, void* buffer) {
   if (HasZero(rank, dims)) return kFail;
   const TypeRow* row = FindNumericType(type);
   if (!row && type != ORV_CHAR) return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" Unknow attribute data type", name);
+  if (IsIndexed(loc)) {
+    if (const auto status = ReadIndexedAttribute(loc, name, rank, row, buffer)) return *status;
+    const Hdf5Location by_hdf5(loc);
+    return by_hdf5.get() < 0 ? kFail : ReadAttribute(by_hdf5.get(), name, rank, dims, type, buffer);
+  }
   if (H5Aexists(loc, name) <= 0) return Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" attribute not exist", name);
 
   const StoredAttribute attribute(loc, name);

@@ -2,14 +2,16 @@
 
 #include "h5/checked_files.h"
 
+#include "filer/process_state.h"
+
 namespace orvio::h5 {
 namespace {
 
 /// Files that are remembered. A process that opens more begins anew.
 constexpr size_t kMostFiles = 1024;
 
-/// The clock that file systems take their times from moves in steps of some milliseconds.
-constexpr double kClockStep = 0.05;
+/// Memory that catalogues take together. Behind that they are made anew, those first that are asked for.
+constexpr size_t kMostCatalogueBytes = size_t{512} << 20;
 
 }  // namespace
 
@@ -22,7 +24,7 @@ FileStamp::FileStamp(const struct stat& info)
 
 bool CheckedFiles::IsSound(const FileStamp& stamp) const {
   const auto found = sound_.find(KeyOf(stamp));
-  return found != sound_.end() && found->second == stamp;
+  return found != sound_.end() && found->second.stamp == stamp;
 }
 
 void CheckedFiles::RememberSeen(const FileStamp& stamp) {
@@ -30,12 +32,48 @@ void CheckedFiles::RememberSeen(const FileStamp& stamp) {
   if (clock_gettime(CLOCK_REALTIME, &now) != 0) return;
   const auto seconds = static_cast<double>(now.tv_sec - stamp.changed.first);
   const double age = seconds + 1e-9 * static_cast<double>(now.tv_nsec - stamp.changed.second);
-  if (age > kClockStep) Remember(stamp);
+  if (age > process().clock_step) Remember(stamp);
 }
 
 void CheckedFiles::Remember(const FileStamp& stamp) {
-  if (sound_.size() >= kMostFiles) sound_.clear();
-  sound_.insert_or_assign(KeyOf(stamp), stamp);
+  if (sound_.size() >= kMostFiles) {
+    sound_.clear();
+    catalogue_bytes_ = 0;
+  }
+  Sound& sound = sound_.try_emplace(KeyOf(stamp), Sound{stamp}).first->second;
+  if (sound.stamp == stamp) return;
+  if (sound.catalogue) catalogue_bytes_ -= sound.catalogue->MemoryBytes();
+  sound = Sound{stamp};
+}
+
+CheckedFiles::Sound* CheckedFiles::Find(const FileStamp& stamp) {
+  const auto found = sound_.find(KeyOf(stamp));
+  return found != sound_.end() && found->second.stamp == stamp ? &found->second : nullptr;
+}
+
+bool CheckedFiles::WantsCatalogue(const FileStamp& stamp) {
+  constexpr int kOpens = 3;
+  Sound* sound = Find(stamp);
+  return sound && !sound->catalogue && ++sound->opens == kOpens;
+}
+
+void CheckedFiles::ForgetCatalogues() {
+  for (auto& [key, sound] : sound_) sound.catalogue.reset();
+  catalogue_bytes_ = 0;
+}
+
+void CheckedFiles::RememberCatalogue(const FileStamp& stamp, std::unique_ptr<const structure::Catalogue> catalogue) {
+  Sound* sound = Find(stamp);
+  if (!sound) return;
+  const std::size_t bytes = catalogue->MemoryBytes();
+  if (catalogue_bytes_ + bytes > kMostCatalogueBytes) ForgetCatalogues();
+  sound->catalogue = std::move(catalogue);
+  catalogue_bytes_ += bytes;
+}
+
+std::shared_ptr<const structure::Catalogue> CheckedFiles::FindCatalogue(const FileStamp& stamp) const {
+  const auto found = sound_.find(KeyOf(stamp));
+  return found != sound_.end() && found->second.stamp == stamp ? found->second.catalogue : nullptr;
 }
 
 void CheckedFiles::EndWriting(const FileStamp& stamp) {

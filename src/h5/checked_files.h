@@ -7,7 +7,10 @@
 
 #include <ctime>
 #include <map>
+#include <memory>
 #include <utility>
+
+#include "structure/catalogue.h"
 
 namespace orvio::h5 {
 
@@ -33,6 +36,12 @@ class CheckedFiles {
   /// The same for a file that was sound and then written by ourselves.
   void RememberWritten(const FileStamp& stamp) { Remember(stamp); }
 
+  /// Whether a catalogue of a sound file is worth making: one that is opened again and again stays as it is.
+  bool WantsCatalogue(const FileStamp& stamp);
+  void RememberCatalogue(const FileStamp& stamp, std::unique_ptr<const structure::Catalogue> catalogue);
+  /// Null when there is none of the file as it is.
+  std::shared_ptr<const structure::Catalogue> FindCatalogue(const FileStamp& stamp) const;
+
   bool IsBeingWritten(const FileStamp& stamp) const { return writing_.contains(KeyOf(stamp)); }
   void BeginWriting(const FileStamp& stamp) { ++writing_[KeyOf(stamp)]; }
   void EndWriting(const FileStamp& stamp);
@@ -43,7 +52,16 @@ class CheckedFiles {
   static Key KeyOf(const FileStamp& stamp) { return {stamp.device, stamp.inode}; }
   void Remember(const FileStamp& stamp);
 
-  std::map<Key, FileStamp> sound_;
+  struct Sound {
+    FileStamp stamp;
+    int opens = 0;  ///< without a catalogue
+    std::shared_ptr<const structure::Catalogue> catalogue = nullptr;
+  };
+  Sound* Find(const FileStamp& stamp);
+  void ForgetCatalogues();
+
+  std::map<Key, Sound> sound_;
+  std::size_t catalogue_bytes_ = 0;  ///< memory that all catalogues take
   std::map<Key, int> writing_;
 };
 

@@ -38,8 +38,7 @@ Descriptor OpenRegularFile(const char* name, unsigned flags, struct stat& info) 
   return {};
 }
 
-bool IsStructureSound(const char* name, structure::ByteSource& bytes) {
-  const auto fault = structure::CheckStructure(bytes);
+bool TellFault(const char* name, const std::optional<structure::Fault>& fault) {
   if (!fault) return true;
   SetLastError("File::\n\t \"%s\" is damaged: %s, at byte %llu", name, fault->what,
                static_cast<unsigned long long>(fault->offset));
@@ -49,16 +48,24 @@ bool IsStructureSound(const char* name, structure::ByteSource& bytes) {
 bool IsSound(const char* name, FileSnapshot& snapshot) {
   const FileStamp stamp = snapshot.stamp();
   if (process().file_check == 0 || snapshot.Size() == 0) return true;  // HDF5 refuses an empty file itself
-  if (snapshot.IsPresent() && Known().IsSound(stamp)) return true;
-  if (!IsStructureSound(name, snapshot)) return false;
-  if (snapshot.IsPresent() && snapshot.stamp() == stamp) Known().RememberSeen(stamp);
+  const bool is_present = snapshot.IsPresent();
+  const bool is_known = is_present && Known().IsSound(stamp);
+  const bool makes_catalogue = process().file_index != 0 && is_present;
+  if (is_known && !(makes_catalogue && Known().WantsCatalogue(stamp))) return true;
+  std::unique_ptr<const structure::Catalogue> catalogue;
+  const auto fault =
+      makes_catalogue ? structure::CheckStructure(snapshot, catalogue) : structure::CheckStructure(snapshot);
+  if (!TellFault(name, fault)) return false;
+  if (!snapshot.IsPresent() || snapshot.stamp() != stamp) return true;
+  Known().RememberSeen(stamp);
+  if (catalogue) Known().RememberCatalogue(stamp, std::move(catalogue));
   return true;
 }
 
 bool IsSound(const char* name, int file, const FileStamp& stamp) {
   if (process().file_check == 0 || stamp.size == 0 || Known().IsSound(stamp)) return true;
   structure::FileBytes bytes(file, static_cast<std::uint64_t>(stamp.size));
-  return IsStructureSound(name, bytes);
+  return TellFault(name, structure::CheckStructure(bytes));
 }
 
 /// Takes the lock of writers. What has that name may be another file by the time it is free.
@@ -109,19 +116,24 @@ std::unique_ptr<DiskFile> SecondLook(Descriptor file, const struct stat& info) {
   return disk_file;
 }
 
+/// The state of a sound file that the running operation sees; null for a file that is not sound.
+std::shared_ptr<FileSnapshot> SnapshotOf(const char* name, Descriptor file, const struct stat& info) {
+  const FileStamp identity(info);
+  if (auto held = FindHeldSnapshot(identity)) return held;
+  auto snapshot = std::make_shared<FileSnapshot>(std::move(file), ResolvedPath(name), info);
+  if (!snapshot->Take() || !IsSound(name, *snapshot)) return nullptr;
+  HoldSnapshot(identity, snapshot);
+  return snapshot;
+}
+
 std::unique_ptr<DiskFile> OpenForReading(const char* name) {
   struct stat info = {};
   Descriptor file = OpenRegularFile(name, 0, info);
   if (!file) return nullptr;
   if (Known().IsBeingWritten(FileStamp(info))) return SecondLook(std::move(file), info);
   auto disk_file = std::make_unique<DiskFile>(info);
-  disk_file->snapshot = FindHeldSnapshot(disk_file->identity);
-  if (disk_file->snapshot) return disk_file;
-  auto snapshot = std::make_shared<FileSnapshot>(std::move(file), ResolvedPath(name), info);
-  if (!snapshot->Take() || !IsSound(name, *snapshot)) return nullptr;
-  HoldSnapshot(disk_file->identity, snapshot);
-  disk_file->snapshot = std::move(snapshot);
-  return disk_file;
+  disk_file->snapshot = SnapshotOf(name, std::move(file), info);
+  return disk_file->snapshot ? std::move(disk_file) : nullptr;
 }
 
 std::unique_ptr<DiskFile> OpenForWriting(const char* name, unsigned flags) {
@@ -210,6 +222,17 @@ bool WrittenFile::Close() {
 
 bool DiskFile::Read(haddr_t address, size_t count, void* buffer) {
   return writer ? writer->changes().Read(address, buffer, count) : snapshot->Read(address, buffer, count);
+}
+
+CataloguedFile OpenCatalogued(const char* name) {
+  struct stat info = {};
+  Descriptor file = OpenRegularFile(name, 0, info);
+  if (!file || process().file_check == 0 || Known().IsBeingWritten(FileStamp(info))) return {};
+  CataloguedFile found;
+  found.snapshot = SnapshotOf(name, std::move(file), info);
+  const bool is_present = found.snapshot && found.snapshot->IsPresent();
+  if (is_present) found.catalogue = Known().FindCatalogue(found.snapshot->stamp());
+  return found;
 }
 
 std::unique_ptr<DiskFile> OpenDiskFile(const char* name, unsigned flags) {

@@ -9,6 +9,7 @@
 #include "h5/file_changes.h"
 #include "h5/file_driver.h"
 #include "h5/file_snapshot.h"
+#include "structure/catalogue.h"
 
 namespace orvio::h5 {
 
@@ -68,6 +69,15 @@ struct DiskFile {
 
 /// Opens a file as H5FDopen asks for it. Null when that is not possible; the last error text may tell why.
 std::unique_ptr<DiskFile> OpenDiskFile(const char* name, unsigned flags);
+
+/// A file for reading, and what is known of it.
+struct CataloguedFile {
+  std::shared_ptr<FileSnapshot> snapshot;
+  std::shared_ptr<const structure::Catalogue> catalogue;  ///< null: nothing
+};
+
+/// Opens a file of which something is known, in the state in which the running operation sees it.
+CataloguedFile OpenCatalogued(const char* name);
 
 /// The file that is open for writing and has its descriptor at that place; null when there is none.
 WrittenFile* FindWrittenFile(const void* place);

@@ -9,13 +9,14 @@ namespace orvio::h5 {
 
 namespace {
 
-bool StopPlugins(unsigned& before) {
-  return process().entries++ == 0 && H5PLget_loading_state(&before) >= 0 && H5PLset_loading_state(0) >= 0;
-}
+bool StopPlugins(unsigned& before) { return H5PLget_loading_state(&before) >= 0 && H5PLset_loading_state(0) >= 0; }
 
 }  // namespace
 
-QuietHdf5::QuietHdf5() noexcept : outermost_(StopPlugins(plugins_)) {
+QuietHdf5::QuietHdf5() noexcept {
+  const bool is_first = process().entries++ == 0;
+  if (!is_first && process().is_among_itself) return;  // silent since the first
+  outermost_ = is_first && StopPlugins(plugins_);
   if (H5Eauto_is_v2(H5E_DEFAULT, &is_v2_) < 0) return;
   known_ = is_v2_ ? H5Eget_auto2(H5E_DEFAULT, &func2_, &data_) >= 0 : H5Eget_auto1(&func1_, &data_) >= 0;
   if (known_) (void)H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);  // cannot fail for the default stack

@@ -30,7 +30,7 @@ std::optional<std::uint64_t> Product(int rank, const hsize_t* dims) {
 }
 
 std::uint64_t StoredElements(hid_t loc, const char* name, std::uint64_t bytes_each) {
-  const StoredDataset dataset(loc, name);
+  StoredDataset dataset(loc, name);
   if (!dataset) return 0;
   return std::min<std::uint64_t>(dataset.extents().points, H5Dget_storage_size(dataset.get()) / bytes_each);
 }
@@ -38,7 +38,7 @@ std::uint64_t StoredElements(hid_t loc, const char* name, std::uint64_t bytes_ea
 namespace {
 
 /// Elements of the chunks that a dataset has; nothing for one that is stored in another layout.
-std::optional<std::uint64_t> ElementsInChunks(const StoredDataset& dataset) {
+std::optional<std::uint64_t> ElementsInChunks(StoredDataset& dataset) {
   if (H5Pget_layout(dataset.creation_list()) != H5D_CHUNKED) return std::nullopt;
   hsize_t chunk[H5S_MAX_RANK] = {};
   hsize_t chunks = 0;
@@ -53,7 +53,7 @@ std::optional<std::uint64_t> ElementsInChunks(const StoredDataset& dataset) {
 }  // namespace
 
 std::uint64_t AllocatedElements(hid_t loc, const char* name) {
-  const StoredDataset dataset(loc, name);
+  StoredDataset dataset(loc, name);
   if (!dataset) return 0;
   const hsize_t points = dataset.extents().points;
   if (const auto elements = ElementsInChunks(dataset)) return std::min(points, *elements);

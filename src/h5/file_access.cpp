@@ -5,9 +5,11 @@
 #include <sys/stat.h>
 
 #include <cstring>
+#include <optional>
 
 #include "filer/process_state.h"
 #include "h5/file_driver.h"
+#include "h5/indexed_file.h"
 #include "h5/status.h"
 
 namespace orvio::h5 {
@@ -94,23 +96,49 @@ bool FileExists(const char* name) {
   return lstat(name, &info) == 0;
 }
 
+namespace {
+
+/// Nothing for a path that the catalogue does not tell about.
+std::optional<Group> OpenIndexedGroup(hid_t loc, const char* name) {
+  const IndexedPlace place(loc);
+  if (!place) return Group();
+  const auto found = place.Follow(name);
+  if (found.answer == structure::Catalogue::Answer::kNo) return Group();
+  if (found.answer == structure::Catalogue::Answer::kUnknown) return std::nullopt;
+  if (place.catalogue().IsGroup(found.object)) return Group(place.file->IdOf(found.object));
+  return std::nullopt;
+}
+
+}  // namespace
+
 Group OpenGroup(hid_t loc, const char* name, hid_t access) {
+  if (IsIndexed(loc)) {
+    if (auto group = OpenIndexedGroup(loc, name)) return std::move(*group);
+    const Hdf5Location by_hdf5(loc);
+    return OpenGroup(by_hdf5.get(), name, access);
+  }
   return Group(MayBeOpened(loc, name, access) ? H5Gopen2(loc, name, ListOr(access)) : H5I_INVALID_HID);
 }
 
 Object OpenObject(hid_t loc, const char* name, hid_t access) {
+  const Hdf5Location by_hdf5(loc);
+  loc = by_hdf5.get();
   return Object(MayBeOpened(loc, name, access) ? H5Oopen(loc, name, ListOr(access)) : H5I_INVALID_HID);
 }
 
 hid_t DatasetAccess() { return Lists().dataset_access; }
 
 bool StaysInside(hid_t loc, const char* name) {
+  if (IsIndexed(loc))
+    return true;  // what a catalogue knows is inside, and else HDF5 is asked before anything is opened
   H5L_info2_t info = {};
   if (H5Lget_info2(loc, name, &info, GroupAccess()) < 0) return true;  // the open will tell
   return info.type == H5L_TYPE_HARD || info.type == H5L_TYPE_SOFT;
 }
 
 H5O_type_t TypeOfObject(hid_t loc, const char* name) {
+  const Hdf5Location by_hdf5(loc);
+  loc = by_hdf5.get();
   H5O_info2_t info = {};
   const bool known =
       StaysInside(loc, name) && H5Oget_info_by_name3(loc, name, &info, H5O_INFO_BASIC, GroupAccess()) >= 0;
@@ -125,9 +153,22 @@ Group OpenOrCreateGroup(hid_t loc, const char* name) {
   return LinkExists(loc, name) ? OpenGroup(loc, name) : CreateGroup(loc, name);
 }
 
-bool LinkExists(hid_t loc, const char* name) { return H5Lexists(loc, name, GroupAccess()) > 0; }
+bool LinkExists(hid_t loc, const char* name) {
+  if (const IndexedPlace place(loc); place && !std::strchr(name, '/')) {
+    const auto found = place.catalogue().Child(place.object, name);
+    if (found.answer != structure::Catalogue::Answer::kUnknown) {
+      return found.answer == structure::Catalogue::Answer::kYes;
+    }
+  }
+  const Hdf5Location by_hdf5(loc);
+  return H5Lexists(by_hdf5.get(), name, GroupAccess()) > 0;
+}
 
 std::string NameOf(hid_t object) {
+  if (const IndexedPlace place(object); place) {
+    std::string path = place.catalogue().PathOf(place.object);
+    return path.size() < disk::kPathWidth ? path : std::string();
+  }
   char name[disk::kPathWidth] = {};
   const ssize_t length = H5Iget_name(object, name, sizeof name);
   if (length < 0 || static_cast<size_t>(length) >= sizeof name) return {};
@@ -135,11 +176,73 @@ std::string NameOf(hid_t object) {
 }
 
 hssize_t CountLinks(hid_t group) {
+  if (const IndexedPlace place(group); place) return place.catalogue().CountLinks(place.object);
   H5G_info_t info = {};
   return H5Gget_info(group, &info) < 0 ? -1 : static_cast<hssize_t>(info.nlinks);
 }
 
+namespace {
+
+/// Null when there is none.
+const std::string* IndexedLinkName(const IndexedPlace& place, hsize_t index) {
+  const bool is_there = place && index < place.catalogue().CountLinks(place.object);
+  return is_there ? &place.catalogue().LinkName(place.object, static_cast<std::uint32_t>(index)) : nullptr;
+}
+
+/// HDF5's iteration must not be left by an exception: lack of memory ends it with -1.
+herr_t AppendName(hid_t /*group*/, const char* name, const H5L_info1_t* /*info*/, void* data) noexcept {
+  try {
+    static_cast<std::vector<std::string>*>(data)->emplace_back(name);
+    return 0;
+  } catch (...) {
+    return -1;
+  }
+}
+
+}  // namespace
+
+bool ReadObjectInfo(hid_t object, H5O_info1_t& info) {
+  if (const IndexedPlace place(object); place) {
+    info.fileno = static_cast<unsigned long>(place.file->IdOf(place.catalogue().root()));
+    info.addr = place.object;
+    info.type = H5O_TYPE_GROUP;
+    return true;
+  }
+  return H5Oget_info1(object, &info) >= 0;
+}
+
+void VisitLinks(hid_t group, H5L_iterate1_t visit, void* data) {
+  const IndexedPlace place(group);
+  if (place && place.catalogue().HasHardLinksOnly(place.object)) {
+    H5L_info1_t info = {};
+    info.type = H5L_TYPE_HARD;
+    const std::uint32_t count = place.catalogue().CountLinks(place.object);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      if (visit(group, place.catalogue().LinkName(place.object, i).c_str(), &info, data) != 0) return;
+    }
+    return;
+  }
+  const Hdf5Location by_hdf5(group);
+  hsize_t next = 0;
+  (void)H5Literate1(by_hdf5.get(), H5_INDEX_NAME, H5_ITER_INC, &next, visit, data);
+}
+
+std::vector<std::string> LinkNames(hid_t group) {
+  std::vector<std::string> names;
+  if (const IndexedPlace place(group); place) {
+    const std::uint32_t count = place.catalogue().CountLinks(place.object);
+    for (std::uint32_t i = 0; i < count; ++i) names.push_back(place.catalogue().LinkName(place.object, i));
+    return names;
+  }
+  VisitLinks(group, AppendName, &names);
+  return names;
+}
+
 std::string LinkName(hid_t group, hsize_t index, size_t width) {
+  if (IsIndexed(group)) {
+    const std::string* indexed = IndexedLinkName(IndexedPlace(group), index);
+    return indexed && indexed->size() < width ? *indexed : std::string();
+  }
   std::string name(width, '\0');
   const ssize_t length =
       H5Lget_name_by_idx(group, ".", H5_INDEX_NAME, H5_ITER_INC, index, name.data(), width, GroupAccess());
@@ -149,6 +252,10 @@ std::string LinkName(hid_t group, hsize_t index, size_t width) {
 }
 
 size_t LinkNameLength(hid_t group, hsize_t index) {
+  if (IsIndexed(group)) {
+    const std::string* indexed = IndexedLinkName(IndexedPlace(group), index);
+    return indexed ? indexed->size() : 0;
+  }
   const ssize_t length = H5Lget_name_by_idx(group, ".", H5_INDEX_NAME, H5_ITER_INC, index, nullptr, 0, GroupAccess());
   return length < 0 ? 0 : static_cast<size_t>(length);
 }

@@ -3,6 +3,7 @@
 // The one door to files, groups and datasets: every open of the library comes through here.
 
 #include <string>
+#include <vector>
 
 #include "h5/disk_names.h"
 #include "h5/handle.h"
@@ -49,6 +50,16 @@ std::string NameOf(hid_t object);
 
 /// Number of links of a group; -1 on failure.
 hssize_t CountLinks(hid_t group);
+
+/// What HDF5 tells of an object: which one it is, and of what type. False when it cannot.
+bool ReadObjectInfo(hid_t object, H5O_info1_t& info);
+
+/// Calls `visit` for each link of a group, in the order of names. A damaged group ends its own iteration: what stands
+/// before the damage is visited all the same.
+void VisitLinks(hid_t group, H5L_iterate1_t visit, void* data);
+
+/// Names of the links of a group in their order.
+std::vector<std::string> LinkNames(hid_t group);
 
 /// Name of the link with a 0-based index, by name; empty when there is none or when it does not fit `width` bytes.
 std::string LinkName(hid_t group, hsize_t index, size_t width = disk::kNameWidth);

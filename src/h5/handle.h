@@ -6,10 +6,12 @@
 
 #include <utility>
 
+#include "h5/indexed_id.h"
+
 namespace orvio::h5 {
 
 /// Owns one HDF5 id and closes it once. Ids below 1 are not ours to close: negative is a failed call, 0 is HDF5's
-/// "default".
+/// "default". Those that come from a catalogue need no close.
 template <herr_t (*CloseId)(hid_t)>
 class Owned {
  public:
@@ -26,12 +28,16 @@ class Owned {
   hid_t get() const noexcept { return id_; }
   hid_t release() noexcept { return std::exchange(id_, H5I_INVALID_HID); }
   void reset(hid_t id = H5I_INVALID_HID) noexcept {
-    if (id_ > 0) (void)CloseId(id_);  // on the way out of a failure; a write that must know calls Close()
+    if (id_ > 0 && !IsIndexed(id_))
+      (void)CloseId(id_);  // on the way out of a failure; a write that must know calls Close()
     id_ = id;
   }
 
   /// Closes now and tells whether that worked. Data may still sit in HDF5's buffers until then.
-  [[nodiscard]] bool Close() noexcept { return id_ > 0 && CloseId(release()) >= 0; }
+  [[nodiscard]] bool Close() noexcept {
+    const hid_t id = release();
+    return id > 0 && (IsIndexed(id) || CloseId(id) >= 0);
+  }
 
  private:
   hid_t id_ = H5I_INVALID_HID;

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "h5/entry.h"
+#include "h5/indexed_file.h"
 #include "h5/status.h"
 #include "orvio/oh5_io.h"
 
@@ -38,7 +39,15 @@ HeaderReader::HeaderReader(IOH5Reader* reader, hid_t header)
     : reader_(reader), header_(header), status_(reader ? kOk : kFail) {}
 
 bool HeaderReader::Has(const char* name) const {
-  return Entry(false, [&] { return H5Aexists(header_, name) > 0; });
+  return Entry(false, [&] {
+    if (const IndexedPlace place(header_); place) {
+      structure::Catalogue::Attribute found = {};
+      const auto answer = place.catalogue().FindAttribute(place.object, name, found);
+      if (answer != structure::Catalogue::Answer::kUnknown) return answer == structure::Catalogue::Answer::kYes;
+    }
+    const Hdf5Location by_hdf5(header_);
+    return H5Aexists(by_hdf5.get(), name) > 0;
+  });
 }
 
 void HeaderReader::required(const char* name, Field member) {

@@ -11,6 +11,7 @@
 #include "h5/entry.h"
 #include "h5/file_access.h"
 #include "h5/handle.h"
+#include "h5/indexed_file.h"
 #include "orvio/oh5_io.h"
 
 namespace orvio::h5 {
@@ -75,7 +76,9 @@ void OH5GetLinkTarget(hid_t loc, const char* name, char* buffer, const H5L_info1
   buffer[0] = '\0';
   orvio::h5::EntryVoid([&] {
     H5L_info1_t fetched = {};
-    if (!info && name && H5Lget_info1(loc, name, &fetched, H5P_DEFAULT) < 0) return;
+    const bool is_asked = !info && name;
+    const orvio::h5::Hdf5Location by_hdf5(is_asked ? loc : H5I_INVALID_HID);
+    if (is_asked && H5Lget_info1(by_hdf5.get(), name, &fetched, H5P_DEFAULT) < 0) return;
     const H5L_info1_t* link = info ? info : name ? &fetched : nullptr;
     std::string target;
     std::string file;

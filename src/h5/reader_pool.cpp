@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "filer/process_state.h"
+#include "h5/indexed_file.h"
 #include "h5/status.h"
 
 OH5ReaderPool& OH5ReaderPool::Get() {
@@ -21,7 +22,23 @@ std::string OH5ReaderPool::KeyOf(const char* file) {
   return key;
 }
 
+namespace {
+
+/// A reader of a file in use, which needs no open and no close of its own.
+class IndexedReader : public OH5Reader {
+ public:
+  explicit IndexedReader(const orvio::h5::IndexedFile& file) : OH5Reader(nullptr, 0) {
+    m_file = file.IdOf(file.catalogue().root());
+  }
+  ~IndexedReader() override { m_file = -1; }  // the file is closed by who uses it
+};
+
+}  // namespace
+
 IOH5Reader* OH5ReaderPool::Request(const char* file, unsigned flags) {
+  if (const orvio::h5::IndexedFile* indexed = orvio::h5::FindIndexedFile(file); indexed && flags == 0) {
+    return new IndexedReader(*indexed);
+  }
   const std::string key = KeyOf(file);
   const auto kept = open_.find(key);
   if (kept != open_.end() && kept->second) return kept->second;

@@ -8,6 +8,7 @@
 #include "h5/disk_names.h"
 #include "h5/file_access.h"
 #include "h5/filters.h"
+#include "h5/indexed_file.h"
 
 namespace orvio::h5 {
 namespace {
@@ -42,6 +43,49 @@ bool HasFittingChunks(hid_t creation_list, const Extents& extents, std::uint64_t
 }  // namespace
 
 StoredDataset::StoredDataset(hid_t loc, const char* name) {
+  if (IsIndexed(loc) && FindIndexed(loc, name)) return;
+  const Hdf5Location by_hdf5(loc);
+  Open(by_hdf5.get(), name);
+}
+
+/// Whether the catalogue tells all about it, be it that it is missing.
+bool StoredDataset::FindIndexed(hid_t loc, const char* name) {
+  const IndexedPlace place(loc);
+  if (!place) return false;
+  const auto found = place.Follow(name);
+  if (found.answer == structure::Catalogue::Answer::kNo) return true;
+  if (found.answer == structure::Catalogue::Answer::kUnknown || !place.catalogue().HasValues(found.object))
+    return false;
+  indexed_.emplace(IndexedValues{loc, name, place.file->bytes(), place.catalogue().ValuesOf(found.object)});
+  const structure::ArrayShape& shape = indexed_->values.shape;
+  extents_.rank = static_cast<int>(shape.rank);
+  std::copy_n(shape.extents.begin(), shape.rank, extents_.dims);
+  extents_.points = shape.points;
+  is_missing_ = false;
+  return true;
+}
+
+/// The same dataset, opened by HDF5 if it is not yet.
+StoredDataset& StoredDataset::ByHdf5() {
+  if (!indexed_ || dataset_) return *this;
+  const Hdf5Location by_hdf5(indexed_->loc);
+  Open(by_hdf5.get(), indexed_->name.c_str());
+  return *this;
+}
+
+H5T_class_t StoredDataset::type_class() {
+  if (!indexed_) return H5Tget_class(type());
+  switch (indexed_->values.shape.kind) {
+    case structure::ElementKind::kSigned:
+      return H5T_INTEGER;
+    case structure::ElementKind::kFloat:
+      return H5T_FLOAT;
+    default:
+      return H5T_STRING;
+  }
+}
+
+void StoredDataset::Open(hid_t loc, const char* name) {
   H5L_info2_t link = {};
   if (H5Lget_info2(loc, name, &link, DatasetAccess()) < 0) return;
   is_missing_ = false;

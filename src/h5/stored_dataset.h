@@ -4,12 +4,24 @@
 
 #include <hdf5.h>
 
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "h5/extents.h"
 #include "h5/handle.h"
+#include "structure/byte_source.h"
+#include "structure/catalogue.h"
 
 namespace orvio::h5 {
+
+/// Values of a dataset that a catalogue tells about.
+struct IndexedValues {
+  hid_t loc;  ///< where it was looked for, and under which name
+  std::string name;
+  structure::ByteSource& bytes;
+  structure::Catalogue::Values values;
+};
 
 /// A dataset that may be read and written: its values lie in the file itself, the filters over them are those of the
 /// format with the parameters that belong to its type and chunks, and what its extents claim fits its storage. Any other
@@ -21,30 +33,36 @@ class StoredDataset {
   /// The dataset of that name, or none: ask the object. `name` may be a path.
   StoredDataset(hid_t loc, const char* name);
 
-  explicit operator bool() const { return static_cast<bool>(dataset_); }
+  explicit operator bool() const { return static_cast<bool>(dataset_) || indexed_; }
   /// Whether there is not even a link of that name.
   bool is_missing() const { return is_missing_; }
-  hid_t get() const { return dataset_.get(); }
-  hid_t creation_list() const { return creation_list_.get(); }
-  hid_t type() const { return type_.get(); }
-  hid_t space() const { return space_.get(); }
+  hid_t get() { return ByHdf5().dataset_.get(); }
+  hid_t creation_list() { return ByHdf5().creation_list_.get(); }
+  hid_t type() { return ByHdf5().type_.get(); }
+  hid_t space() { return ByHdf5().space_.get(); }
   const Extents& extents() const { return extents_; }
-  H5T_class_t type_class() const { return H5Tget_class(type()); }
+  H5T_class_t type_class();
 
   /// Whether its values have gone through filters.
-  bool is_filtered() const {
-    return H5Pget_layout(creation_list()) == H5D_CHUNKED && H5Pget_nfilters(creation_list()) > 0;
+  bool is_filtered() {
+    return !indexed_ && H5Pget_layout(creation_list()) == H5D_CHUNKED && H5Pget_nfilters(creation_list()) > 0;
   }
+
+  /// What is known of its values without HDF5; nothing for most. They are in one piece.
+  const std::optional<IndexedValues>& indexed() const { return indexed_; }
 
   /// Why it was refused, behind a line break for the end of an error text; empty where HDF5 could not open it.
   const char* refusal() const { return refusal_; }
 
   /// Hands the dataset over, for what is to be closed by itself.
-  Dataset Take() { return std::move(dataset_); }
+  Dataset Take() { return std::move(ByHdf5().dataset_); }
 
   [[nodiscard]] bool Close() { return dataset_.Close(); }
 
  private:
+  void Open(hid_t loc, const char* name);
+  bool FindIndexed(hid_t loc, const char* name);
+  StoredDataset& ByHdf5();
   const char* Refusal();
 
   Dataset dataset_;
@@ -54,6 +72,7 @@ class StoredDataset {
   Extents extents_;
   const char* refusal_ = "";
   bool is_missing_ = true;
+  std::optional<IndexedValues> indexed_;
 };
 
 }  // namespace orvio::h5

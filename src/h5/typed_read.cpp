@@ -8,6 +8,7 @@
 #include "h5/entry.h"
 #include "h5/extents.h"
 #include "h5/file_access.h"
+#include "h5/plain_numbers.h"
 #include "h5/scale_offset_read.h"
 #include "h5/status.h"
 #include "h5/stored_dataset.h"
@@ -31,10 +32,26 @@ bool FitsWhole(const Extents& stored, int rank, const hsize_t* dims) {
   return true;
 }
 
+/// Whether values need no HDF5. A selection that leaves the dataset is HDF5's to refuse.
+bool IsReadPlain(const StoredDataset& dataset, const TypeRow& row, const Slab* slab) {
+  if (!dataset.indexed() || !IsPlain(dataset.indexed()->values.shape, row)) return false;
+  if (!slab) return true;
+  if (slab->stride || slab->block) return false;
+  const Extents& stored = dataset.extents();
+  for (int i = 0; i < stored.rank; ++i) {
+    if (slab->start[i] > stored.dims[i] || slab->count[i] > stored.dims[i] - slab->start[i]) return false;
+  }
+  return true;
+}
+
 /// Reads what went through the scale-offset filter alone by the library's own decoder: HDF5 cannot read all that its filter
 /// writes. All else is for `by_hdf5`.
 template <class ByHdf5>
-bool ReadValues(const StoredDataset& dataset, const TypeRow& row, const Slab* slab, void* buffer, ByHdf5 by_hdf5) {
+bool ReadValues(StoredDataset& dataset, const TypeRow& row, const Slab* slab, void* buffer, ByHdf5 by_hdf5) {
+  if (IsReadPlain(dataset, row, slab)) {
+    const PlainSlab part = slab ? PlainSlab{slab->start, slab->count} : PlainSlab{};
+    return ReadPlain(dataset.indexed()->bytes, dataset.indexed()->values, row, slab ? &part : nullptr, buffer);
+  }
   if (!dataset.is_filtered()) return by_hdf5();
   const Decoded decoded = ReadScaleOffset(dataset.get(), dataset.extents(), row, slab, buffer);
   return decoded == Decoded::kNotOurs ? by_hdf5() : decoded == Decoded::kDone;
@@ -44,7 +61,7 @@ int ReadNumbers(hid_t loc, const char* name, int rank, const hsize_t* dims, _ORV
   if (HasZero(rank, dims)) return kFail;
   const TypeRow* row = FindNumericType(type);
   if (!row) return Fail("DatasetIO::\n\t \"%s\" Unable to get HDF5 datatype for given ORV datatype", name);
-  const StoredDataset dataset(loc, name);
+  StoredDataset dataset(loc, name);
   if (dataset.is_missing()) return kFail;
   if (!dataset) return Fail("DatasetIO::\n\t Read Failed ::\"%s\"%s", name, dataset.refusal());
   const H5T_class_t stored_class = dataset.type_class();
@@ -66,7 +83,7 @@ bool SameExtents(const Extents& stored, int rank, const hsize_t* dims) {
 
 int ReadTexts(hid_t loc, const char* name, int rank, const hsize_t* dims, int size, char* buffer) {
   if (HasZero(rank, dims)) return kFail;
-  const StoredDataset dataset(loc, name);
+  StoredDataset dataset(loc, name);
   if (dataset.is_missing()) return kFail;
   if (!dataset) return Fail("OH5Read_CHAR::\n\t Read Failed ::\"%s\" %s", name, dataset.refusal());
   const hid_t type = dataset.type();
@@ -120,7 +137,7 @@ herr_t SelectInFile(hid_t space, const Selection& selection) {
   return H5Sselect_hyperslab(space, H5S_SELECT_SET, selection.start, stride, selection.count, selection.block);
 }
 
-int ReadSelected(const StoredDataset& dataset, const char* name, const Selection& selection, const TypeRow& row,
+int ReadSelected(StoredDataset& dataset, const char* name, const Selection& selection, const TypeRow& row,
                  void* buffer) {
   const Extents& stored = dataset.extents();
   if (selection.rank < 1 && stored.points != 1) return Fail("OH5Read_SELECTINE::\n\t \"%s\" dimension mismatch", name);
@@ -146,7 +163,7 @@ int ReadSelective(hid_t loc, const char* name, const Selection& selection, _ORVD
   if (HasZero(selection.rank, selection.count)) return kFail;
   const TypeRow* row = FindNumericType(type);
   if (!row) return kFail;
-  const StoredDataset dataset(loc, name);
+  StoredDataset dataset(loc, name);
   if (dataset.is_missing()) return kFail;
   if (!dataset) return Fail("OH5Read_SELECTINE::\n\t Read Failed ::\"%s\"%s", name, dataset.refusal());
   const H5T_class_t stored_class = dataset.type_class();
@@ -199,7 +216,7 @@ int OH5Read_DATATYPE(hid_t loc, const char* name, _ORVDataType* type) {
   *type = ORV_UNKNOWN_TYPE;
   if (!name) return kFail;
   return h5::Entry(kFail, [&] {
-    const h5::StoredDataset dataset(loc, name);
+    h5::StoredDataset dataset(loc, name);
     if (dataset.is_missing()) {
       *type = ORV_NO_DATASET;
       return kOk;

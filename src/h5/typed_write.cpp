@@ -167,7 +167,7 @@ int OH5CheckDataSet(hid_t loc, const char* name, const hsize_t* dims, _ORVDataTy
   if (((static_cast<int>(type) - 2) & ~4) != 0) return kOk;
   if (!name || !dims || dims[0] == 0) return kFail;
   return h5::Entry(kFail, [&] {
-    const h5::StoredDataset dataset(loc, name);
+    h5::StoredDataset dataset(loc, name);
     if (!dataset) return Fail("OH5CheckDataSet::\n\t \"%s\"  dataset open failed%s", name, dataset.refusal());
     const H5T_class_t stored_class = dataset.type_class();
     if (stored_class != H5T_INTEGER && stored_class != H5T_FLOAT) {

@@ -77,7 +77,7 @@ std::optional<std::uint64_t> TextBytes(const ORVProperties& block, int texts) {
 
 /// The texts as they are stored: one or many in any shape.
 std::optional<h5::Extents> StoredTexts(hid_t data) {
-  const h5::StoredDataset dataset(data, disk::cparam);
+  h5::StoredDataset dataset(data, disk::cparam);
   return dataset ? std::optional(dataset.extents()) : std::nullopt;
 }
 
@@ -160,7 +160,7 @@ using Bytes = std::unique_ptr<char, Free>;
 
 /// Bytes that the stored texts take in the file; their extents alone may claim anything.
 std::uint64_t StoredBytes(hid_t data) {
-  const h5::StoredDataset dataset(data, disk::cparam);
+  h5::StoredDataset dataset(data, disk::cparam);
   return dataset ? H5Dget_storage_size(dataset.get()) : 0;
 }
 

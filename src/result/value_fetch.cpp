@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "block/index_use.h"
 #include "filer/messages.h"
 #include "filer/process_state.h"
 #include "h5/entry.h"
@@ -176,6 +177,9 @@ int FetchValues(const char* file, ORVResultValuesBase<T, int>& values, const std
     const FetchRequest request = {
         file, values.m_state, values.m_layer, values.m_wantIds != 0, values.m_fetchMode == 1, kStoredType<T>, sizeof(T),
     };
+    const bool are_own =
+        std::ranges::all_of(blocks, [](const ORVResult* block) { return !block || IsOwnBlock(*block); });
+    const h5::UsingIndex index(are_own ? file : nullptr);
     FetchPlan plan(request, blocks);
     if (!plan.Make(quantity)) return kFail;
     FetchArrays<T> arrays(values);

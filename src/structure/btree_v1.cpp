@@ -46,6 +46,7 @@ class TreeWalk {
     if (used > shape_.most) return walk_.Refuse(node.address, "B-tree node holds more than fits");
     if (!IsSibling(left) || !IsSibling(right)) return walk_.Refuse(node.address, "B-tree node has a sibling nowhere");
     const std::uint64_t size = head + shape_.most * (shape_.key_size + Width()) + shape_.key_size;
+    visitor_.Node(level);
     return walk_.Claim(node.address, size) && VisitEntries(node.address + head, used, level);
   }
 

@@ -12,6 +12,8 @@ namespace orvio::structure {
 class TreeVisitor {
  public:
   virtual ~TreeVisitor() = default;
+  /// A node, before its keys. Of several children of a node the last one comes first.
+  virtual void Node(unsigned /*level*/) {}
   /// A key of a node of any level; `is_last` when no child comes after it.
   virtual bool Key(std::uint64_t at, Cursor key, unsigned level, bool is_last) = 0;
   /// A child of a node of level 0, and the key before it.

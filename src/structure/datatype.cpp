@@ -17,8 +17,8 @@ struct Head {
 };
 
 /// Where the significant bits of a number are.
-Verdict ParseBits(Cursor& in, std::uint64_t size, std::uint64_t& precision) {
-  const std::uint64_t offset = in.U16();
+Verdict ParseBits(Cursor& in, std::uint64_t size, std::uint64_t& offset, std::uint64_t& precision) {
+  offset = in.U16();
   precision = in.U16();
   if (!in.ok()) return kCutShort;
   return precision == 0 || offset + precision > 8 * size ? "number has bits outside its bytes" : nullptr;
@@ -27,8 +27,13 @@ Verdict ParseBits(Cursor& in, std::uint64_t size, std::uint64_t& precision) {
 Verdict ParseFixed(Cursor& in, const Head& head, Datatype& type) {
   type.big_endian = (head.bits & 1) != 0;
   type.is_signed = (head.bits & 8) != 0;
+  std::uint64_t offset = 0;
   std::uint64_t precision = 0;
-  return ParseBits(in, type.size, precision);
+  const Verdict bad = ParseBits(in, type.size, offset, precision);
+  constexpr std::uint32_t kSignBit = 8;
+  const bool usual_size = type.size == 1 || type.size == 2 || type.size == 4 || type.size == 8;
+  type.is_plain = (head.bits & ~kSignBit) == 0 && usual_size && offset == 0 && precision == 8U * type.size;
+  return bad;
 }
 
 Verdict ParseFloat(Cursor& in, const Head& head, Datatype& type) {
@@ -36,8 +41,9 @@ Verdict ParseFloat(Cursor& in, const Head& head, Datatype& type) {
   const bool vax = (head.bits & 0x40) != 0;
   const unsigned sign = (head.bits >> 8) & 0xff;
   if (vax && !type.big_endian) return "floating-point number has an unknown byte order";
+  std::uint64_t offset = 0;
   std::uint64_t precision = 0;
-  if (const Verdict bad = ParseBits(in, type.size, precision)) return bad;
+  if (const Verdict bad = ParseBits(in, type.size, offset, precision)) return bad;
   const unsigned exponent = in.U8();
   const unsigned exponent_bits = in.U8();
   const unsigned mantissa = in.U8();
@@ -52,6 +58,11 @@ Verdict ParseFloat(Cursor& in, const Head& head, Datatype& type) {
   if (((head.bits >> 4) & 3) != kImplied && !is_extended) {
     return "floating-point number has an unknown normalization";
   }
+  const bool is_single = type.size == 4 && head.bits == 0x1f20 && exponent == 23 && exponent_bits == 8 &&
+                         mantissa_bits == 23 && bias == 127;
+  const bool is_double = type.size == 8 && head.bits == 0x3f20 && exponent == 52 && exponent_bits == 11 &&
+                         mantissa_bits == 52 && bias == 1023;
+  type.is_plain = (is_single || is_double) && offset == 0 && precision == 8U * type.size && mantissa == 0;
   const bool inside =
       sign < precision && exponent + exponent_bits <= precision && mantissa + mantissa_bits <= precision;
   return inside && exponent_bits > 0 && mantissa_bits > 0 ? nullptr
@@ -59,8 +70,9 @@ Verdict ParseFloat(Cursor& in, const Head& head, Datatype& type) {
 }
 
 Verdict ParseBitfield(Cursor& in, Datatype& type) {
+  std::uint64_t offset = 0;
   std::uint64_t precision = 0;
-  return ParseBits(in, type.size, precision);
+  return ParseBits(in, type.size, offset, precision);
 }
 
 Verdict ParseString(const Head& head) {
@@ -177,6 +189,7 @@ Verdict ParseProperties(Cursor& in, const Head& head, Datatype& type, int depth)
       in.Skip(2);
       return nullptr;
     case TypeClass::kString:
+      type.is_plain = true;
       return ParseString(head);
     case TypeClass::kBitfield:
       return ParseBitfield(in, type);

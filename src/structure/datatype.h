@@ -28,6 +28,7 @@ struct Datatype {
   std::uint32_t size = 0;        ///< bytes of an element
   bool big_endian = false;       ///< of numbers
   bool is_signed = false;        ///< of integers
+  bool is_plain = false;         ///< of numbers: as a little-endian machine has them; of texts: of fixed length
   bool variable_text = false;    ///< of variable-length types: a text, not a sequence
   bool holds_variable = false;   ///< is of variable length, or has a part that is
   bool holds_reference = false;  ///< is a reference, or has a part that is

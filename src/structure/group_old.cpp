@@ -2,7 +2,10 @@
 
 #include "structure/group_old.h"
 
+#include <optional>
+
 #include "structure/btree_v1.h"
+#include "structure/link_recorder.h"
 #include "structure/local_heap.h"
 #include "structure/symbol_entry.h"
 
@@ -11,10 +14,16 @@ namespace {
 
 class GroupVisitor : public TreeVisitor {
  public:
-  GroupVisitor(Walk& walk, LocalHeap& heap) : walk_(walk), heap_(heap) {}
+  GroupVisitor(Walk& walk, LocalHeap& heap, LinkRecorder* links) : walk_(walk), heap_(heap), links_(links) {}
 
-  bool Key(std::uint64_t at, Cursor key, unsigned /*level*/, bool /*is_last*/) override {
-    return heap_.Holds(key.Length()) || walk_.Refuse(at, "name does not end within its local heap");
+  void Node(unsigned level) override {
+    if (links_) links_->Node(level);
+  }
+
+  bool Key(std::uint64_t at, Cursor key, unsigned level, bool is_last) override {
+    const std::uint64_t text = key.Length();
+    if (links_) links_->Key(text, level, is_last);
+    return heap_.Holds(text) || walk_.Refuse(at, "name does not end within its local heap");
   }
 
   bool Leaf(std::uint64_t /*at*/, Cursor /*key*/, std::uint64_t node) override {
@@ -43,6 +52,7 @@ class GroupVisitor : public TreeVisitor {
     std::uint64_t length = 0;
     if (!ReadText(walk_, at, heap_, entry.name, length)) return false;
     if (length == 0) return walk_.Refuse(at, "link has no name");
+    if (links_) links_->Entry(entry.name, length, entry.kind == SymbolEntry::kSoftLink ? kUndefined : entry.header);
     if (entry.kind > SymbolEntry::kSoftLink) return walk_.Refuse(at, "symbol table entry is of an unknown kind");
     if (entry.kind == SymbolEntry::kSoftLink) return ReadText(walk_, at, heap_, entry.target, length);
     return walk_.AddObject(at, entry.header, {entry.tree, entry.heap});
@@ -50,6 +60,7 @@ class GroupVisitor : public TreeVisitor {
 
   Walk& walk_;
   LocalHeap& heap_;
+  LinkRecorder* links_;  ///< null when nobody wants to know
 };
 
 }  // namespace
@@ -57,9 +68,13 @@ class GroupVisitor : public TreeVisitor {
 bool WalkOldGroup(Walk& walk, const SymbolTable& table) {
   LocalHeap heap;
   if (!ReadLocalHeap(walk, table.heap, heap)) return false;
-  GroupVisitor visitor(walk, heap);
+  std::optional<LinkRecorder> links;
+  if (walk.catalogue) links.emplace(walk, heap);
+  GroupVisitor visitor(walk, heap, links ? &*links : nullptr);
   const TreeShape shape{0, walk.view.widths().length, 2U * walk.ranks.group_node};
-  return WalkTree1(walk, table.tree, shape, visitor);
+  if (!WalkTree1(walk, table.tree, shape, visitor)) return false;
+  if (links) links->HandOn();
+  return true;
 }
 
 }  // namespace orvio::structure

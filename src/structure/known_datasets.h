@@ -24,6 +24,7 @@ class KnownDatasets {
     std::uint64_t value_bytes = 0;
     std::size_t size = 0;        ///< of the header; 0: nothing is known
     std::size_t address_at = 0;  ///< where in the header the address of the values is
+    std::uint32_t shape = 0;     ///< of the values, as a catalogue numbers them
     std::size_t time_at = 0;     ///< behind it: where the time is; the end of the header when there is none
     std::array<std::uint8_t, kLargest> header;
   };

@@ -43,6 +43,7 @@ class KnownGroups {
       std::fill_n(matters_.begin() + static_cast<std::ptrdiff_t>(at), count, std::uint8_t{0});
     }
     std::size_t table_at() const { return table_at_; }
+    std::uint32_t rows = 0;  ///< of the attributes, as a catalogue numbers them
 
    private:
     std::size_t size_ = 0;  ///< 0: nothing is known

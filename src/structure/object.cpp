@@ -2,6 +2,8 @@
 
 #include "structure/object.h"
 
+#include <cstring>
+
 #include "structure/attribute.h"
 #include "structure/attribute_check.h"
 #include "structure/dataset.h"
@@ -30,6 +32,8 @@ void ObjectVisitor::Clear(std::uint64_t address) {
   object_.time_at = 0;
   plain_values_.clear();
   other_messages_ = 0;
+  attributes_.clear();
+  has_more_attributes_ = false;
 }
 
 bool ObjectVisitor::TakeMessages() {
@@ -131,6 +135,7 @@ Verdict ObjectVisitor::TakeRest(const Message& message, const Cursor& body) {
 bool ObjectVisitor::TakeShared(const Message& message) {
   std::uint64_t address = kUndefined;
   if (!walk_.Accept(message.address, ParseShared(walk_.view.At(message.body, message.size), address))) return false;
+  has_more_attributes_ = true;
   if (message.type != MessageType::kDatatype) return walk_.Refuse(message.address, "message of this kind is shared");
   object_.shares_type = true;
   return ReadCommittedType(walk_, message.address, address, object_.type);
@@ -148,7 +153,41 @@ bool ObjectVisitor::TakeAttribute(const Message& message) {
   } else {
     plain_values_.push_back({message.body + value_at, message.size - value_at});
   }
+  if (walk_.catalogue) RecordAttribute(message);
   return true;
+}
+
+/// One that stands twice is found where HDF5 finds it first.
+void ObjectVisitor::RecordAttribute(const Message& message) {
+  Attribute attribute;
+  const Cursor in = walk_.view.At(message.body, std::min<std::uint64_t>(message.size, FileView::kLongestPart));
+  const bool is_told = ParseAttribute(in, attribute) == nullptr;
+  if (!is_told) has_more_attributes_ = true;
+  if (!is_told) return;
+  const auto* name = reinterpret_cast<const char*>(in.data()) + attribute.name_at;
+  const std::uint32_t id = walk_.catalogue->NameId({name, std::strlen(name)});
+  ArrayShape shape = attribute.type_is_committed ? ArrayShape() : ShapeOf(attribute.space, attribute.type);
+  if (shape.kind == ElementKind::kOther) shape = ArrayShape();  // without a value
+  attributes_.push_back({walk_.catalogue->NameOf(id), message.body + attribute.value_at, shape});
+}
+
+void ObjectVisitor::RecordAttributes() {
+  if (!walk_.catalogue || has_more_attributes_ || object_.Has(MessageType::kAttributeInfo)) return;
+  std::vector<std::uint8_t> bytes;
+  std::vector<CatalogueBuilder::Value> values = attributes_;
+  for (CatalogueBuilder::Value& value : values) {
+    const Cursor in = walk_.view.At(value.at, value.shape.points * value.shape.element_size);
+    value.at = bytes.size();
+    if (!in.ok()) return;
+    bytes.insert(bytes.end(), in.data(), in.data() + in.left());
+  }
+  walk_.catalogue->SetAttributes(walk_.catalogue->RowsId(values), bytes);
+}
+
+void ObjectVisitor::RecordValues() {
+  const bool in_one_piece = object_.layout.kind == Layout::Kind::kContiguous && !object_.shares_type;
+  if (!walk_.catalogue || !in_one_piece) return;
+  walk_.catalogue->SetValues(walk_.catalogue->ShapeId(object_.space, object_.type), object_.layout.address);
 }
 
 bool ObjectVisitor::VisitGroup(const GroupNote& note) {
@@ -181,6 +220,7 @@ bool ObjectVisitor::VisitKnown(const KnownDatasets::Known& known, std::uint64_t 
   Cursor in = header;
   in.Skip(known.address_at);
   const std::uint64_t values = in.Address();
+  if (walk_.catalogue) walk_.catalogue->SetValues(known.shape, values);
   if (values == kUndefined || known.value_bytes == 0) return true;
   return walk_.view.Holds(values, known.value_bytes) || walk_.Refuse(address, "values pass the end of the file");
 }
@@ -202,6 +242,7 @@ void ObjectVisitor::KeepDataset() {
   known.address_at = address_at;
   known.time_at = time_at;
   known.value_bytes = found.space.points * found.type.size;  // which was seen to fit
+  if (walk_.catalogue) known.shape = walk_.catalogue->ShapeId(found.space, found.type);
 }
 
 /// Where all messages of an object are, if its header is of version 1 and leads there with the first message.
@@ -223,6 +264,10 @@ Continuation ObjectVisitor::OnlyContinuation(std::uint64_t address) {
 
 bool ObjectVisitor::VisitKnown(const KnownGroups::Known& known, std::uint64_t address, const Continuation& rest,
                                const GroupNote& note) {
+  if (walk_.catalogue) {
+    const Cursor messages = walk_.view.At(rest.address, rest.size);
+    if (messages.ok()) walk_.catalogue->SetAttributes(known.rows, {messages.data(), messages.left()});
+  }
   Cursor table = walk_.view.At(rest.address + known.table_at(), KnownGroups::kTable);
   object_.address = address;
   object_.seen = 1U << static_cast<unsigned>(MessageType::kSymbolTable);
@@ -238,9 +283,13 @@ void ObjectVisitor::KeepGroup() {
   KnownGroups::Known& known = groups_.Find(messages);
   known.Keep(messages, object_.table_at - rest.address);
   for (const Values& values : plain_values_) known.MayDiffer(values.address - rest.address, values.size);
+  if (!walk_.catalogue) return;
+  for (CatalogueBuilder::Value& value : attributes_) value.at -= rest.address;
+  known.rows = has_more_attributes_ ? Catalogue::kNone : walk_.catalogue->RowsId(attributes_);
 }
 
 bool ObjectVisitor::Visit(std::uint64_t address, const GroupNote& note) {
+  if (walk_.catalogue) walk_.catalogue->Visit(address);
   if (const Cursor header = SmallHeader(address); header.ok()) {
     const KnownDatasets::Known& known = datasets_.Find(header);
     if (KnownDatasets::Is(known, header)) return VisitKnown(known, address, header);
@@ -254,12 +303,14 @@ bool ObjectVisitor::Visit(std::uint64_t address, const GroupNote& note) {
   if (!TakeMessages()) return false;
   if (!VisitDense()) return false;
   if (object_.Has(MessageType::kSymbolTable) || object_.Has(MessageType::kLinkInfo)) {
+    RecordAttributes();
     if (!VisitGroup(note)) return false;
     KeepGroup();
     return true;
   }
   if (object_.Has(MessageType::kLayout)) {
     if (!CheckDataset(walk_, object_)) return false;
+    RecordValues();
     KeepDataset();
     return true;
   }

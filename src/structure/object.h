@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "structure/catalogue_builder.h"
 #include "structure/dataspace.h"
 #include "structure/datatype.h"
 #include "structure/filters.h"
@@ -63,6 +64,9 @@ class ObjectVisitor {
   bool TakeShared(const Message& message);
   bool TakeLink(const Message& message);
   bool TakeAttribute(const Message& message);
+  void RecordAttribute(const Message& message);
+  void RecordAttributes();
+  void RecordValues();
   bool VisitGroup(const GroupNote& note);
   bool VisitDense();
   Cursor SmallHeader(std::uint64_t address);
@@ -85,6 +89,8 @@ class ObjectVisitor {
   };
   std::vector<Values> plain_values_;  ///< of the object that is visited: those of attributes that are known
   std::size_t other_messages_ = 0;    ///< of it: what is neither its table nor such an attribute
+  std::vector<CatalogueBuilder::Value> attributes_;  ///< of it, where a catalogue is made: all that can be told
+  bool has_more_attributes_ = false;
 };
 
 }  // namespace orvio::structure

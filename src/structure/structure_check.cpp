@@ -4,6 +4,7 @@
 
 #include "structure/structure_check.h"
 
+#include "structure/catalogue_builder.h"
 #include "structure/object.h"
 #include "structure/superblock.h"
 
@@ -22,14 +23,27 @@ bool WalkAll(Walk& walk) {
   return true;
 }
 
-}  // namespace
-
-std::optional<Fault> CheckStructure(ByteSource& source) {
-  Walk walk(source);
+std::optional<Fault> Check(Walk& walk) {
   if (WalkAll(walk)) return std::nullopt;
   // What could not be read looks cut short to whoever wanted it.
   if (walk.view.Unreadable()) return Fault{walk.fault()->offset, "file cannot be read"};
   return walk.fault();
+}
+
+}  // namespace
+
+std::optional<Fault> CheckStructure(ByteSource& source, std::unique_ptr<const Catalogue>& catalogue) {
+  CatalogueBuilder builder;
+  Walk walk(source);
+  walk.catalogue = &builder;
+  auto fault = Check(walk);
+  catalogue = fault ? nullptr : builder.Finish(walk.view.base());
+  return fault;
+}
+
+std::optional<Fault> CheckStructure(ByteSource& source) {
+  Walk walk(source);
+  return Check(walk);
 }
 
 std::optional<std::uint64_t> StoredEnd(ByteSource& source) {

@@ -3,9 +3,11 @@
 // The look at a file's HDF5 structure before HDF5 itself gets to see it.
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "structure/byte_source.h"
+#include "structure/catalogue.h"
 
 namespace orvio::structure {
 
@@ -18,6 +20,10 @@ struct Fault {
 /// Walks everything that can be reached from the superblock. Nothing: all of it is in bounds and is of the part of HDF5
 /// that result files use. Memory and time grow with what the file holds, never with what it claims.
 [[nodiscard]] std::optional<Fault> CheckStructure(ByteSource& source);
+
+/// The same walk. What it meets becomes a catalogue, unless there is a fault or more than a catalogue takes: then it is
+/// null.
+[[nodiscard]] std::optional<Fault> CheckStructure(ByteSource& source, std::unique_ptr<const Catalogue>& catalogue);
 
 /// Bytes from the beginning of the file that belong to it, as its superblock says. Nothing when it has no sound one.
 [[nodiscard]] std::optional<std::uint64_t> StoredEnd(ByteSource& source);

@@ -15,6 +15,8 @@
 
 namespace orvio::structure {
 
+class CatalogueBuilder;
+
 /// Entries that fill half a node of the old B-trees and symbol nodes; nodes hold twice as many.
 struct TreeRanks {
   std::uint16_t group_leaf = 4;
@@ -51,6 +53,9 @@ class Walk {
   /// Accounts for bytes that are looked at. In a sound file no two structures overlap, so that all of them together are
   /// no larger than the file; what asks for much more is there to keep us busy.
   [[nodiscard]] bool Spend(std::uint64_t address, std::uint64_t count);
+
+  /// Is told what is met; null when nobody wants to know.
+  CatalogueBuilder* catalogue = nullptr;
 
   /// For a look at one object alone: gets the addresses that are claimed, and no link is refused for where it leads.
   std::vector<std::uint64_t>* claims = nullptr;

@@ -61,7 +61,7 @@ class GroupScan : public ORVVariableGrp {
     const bool single = GetBlkVersion() == ORV_BLK_VERSION_SINGLE;
     const h5::Group data =
         h5::OpenGroup(GetH5Reader()->GetFileId(), single ? m_BlkPath.c_str() : (m_BlkPath + "/" + disk::data).c_str());
-    const h5::StoredDataset keys = data ? h5::StoredDataset(data.get(), disk::varkey) : h5::StoredDataset();
+    h5::StoredDataset keys = data ? h5::StoredDataset(data.get(), disk::varkey) : h5::StoredDataset();
     if (!keys) return 0;
     return static_cast<std::int64_t>(std::min<std::uint64_t>(keys.extents().points, H5Dget_storage_size(keys.get())));
   }

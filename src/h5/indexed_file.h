@@ -1,0 +1,90 @@
+#pragma once
+
+// Files that are read through what is known of them: their catalogue tells where everything is, and HDF5 opens them only
+// for what it does not tell.
+
+#include <hdf5.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "h5/file_snapshot.h"
+#include "h5/handle.h"
+#include "h5/indexed_id.h"
+#include "structure/catalogue.h"
+
+namespace orvio::h5 {
+
+/// A file in use. Its groups have ids of indexed_id.h: the tag, the place of the file, the object.
+class IndexedFile {
+ public:
+  using Id = structure::Catalogue::Id;
+
+  /// Null when nothing is known of the file as it is now.
+  static std::unique_ptr<IndexedFile> Open(const char* name);
+  IndexedFile(const IndexedFile&) = delete;
+  IndexedFile& operator=(const IndexedFile&) = delete;
+  ~IndexedFile();
+
+  const structure::Catalogue& catalogue() const { return *catalogue_; }
+  FileSnapshot& bytes() const { return *snapshot_; }
+  const std::string& name() const { return name_; }
+  hid_t IdOf(Id object) const;
+  /// The same object by HDF5, in the same state of the file. Fails when it is no group.
+  Group OpenByHdf5(Id group);
+
+ private:
+  IndexedFile(std::string name, std::shared_ptr<FileSnapshot> snapshot,
+              std::shared_ptr<const structure::Catalogue> catalogue);
+
+  std::string name_;
+  std::shared_ptr<FileSnapshot> snapshot_;
+  std::shared_ptr<const structure::Catalogue> catalogue_;
+  std::size_t slot_;
+  File by_hdf5_;
+};
+
+/// An object of such a file, by its id. Without a file for an id that is none or whose file is closed.
+struct IndexedPlace {
+  explicit IndexedPlace(hid_t id);
+  explicit operator bool() const { return file != nullptr; }
+  /// The object behind a path, which may be absolute.
+  structure::Catalogue::Found Follow(std::string_view path) const;
+  const structure::Catalogue& catalogue() const { return file->catalogue(); }
+
+  IndexedFile* file = nullptr;
+  structure::Catalogue::Id object = structure::Catalogue::kNone;
+};
+
+/// A location as HDF5 takes it: of an indexed group, the same group by HDF5.
+class Hdf5Location {
+ public:
+  explicit Hdf5Location(hid_t loc);
+  hid_t get() const { return loc_; }
+
+ private:
+  Group group_;
+  hid_t loc_;
+};
+
+/// While it lives, readers of a file that the library makes for itself use what is known of it. Nothing of that is for
+/// hosts: but for messages, their code does not run meanwhile.
+class UsingIndex {
+ public:
+  /// Null: no file.
+  explicit UsingIndex(const char* file);
+  UsingIndex(const UsingIndex&) = delete;
+  UsingIndex& operator=(const UsingIndex&) = delete;
+  ~UsingIndex();
+
+ private:
+  bool was_among_itself_;
+  std::unique_ptr<IndexedFile> file_;
+};
+
+/// The file of that name that is in use; null when there is none.
+IndexedFile* FindIndexedFile(std::string_view name);
+
+}  // namespace orvio::h5
