@@ -4,7 +4,7 @@
 #include <string>
 
 #include "block/block_parts.h"
-#include "block/index_use.h"
+#include "block/file_in_use_by.h"
 #include "block/reader_lease.h"
 #include "block/walk.h"
 #include "h5/disk_names.h"
@@ -33,7 +33,7 @@ hid_t ORVBlock::OpenBlockGroup(int state) { return ORVBlockPathResolver(this).Op
 
 int ORVBlock::ReadBlock(const char* file, int state, int stages) {
   return h5::Entry(kFail, [&] {
-    const IndexForBlock index(*this, file);
+    const FileInUseBy index(*this, file);
     const ReaderLease reader(*this, file);
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));

@@ -1,10 +1,13 @@
 // Paths and groups of a block whose reader is open: section, state, type group, the block's own levels.
 
+#include <typeinfo>
+
 #include "block/block_keys.h"
 #include "block/reader_lease.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
 #include "h5/file_access.h"
+#include "h5/remembered_names.h"
 #include "h5/status.h"
 
 using namespace orvio;
@@ -24,16 +27,21 @@ const char* TypeGroupName(IOH5Reader& reader, std::int64_t key) {
   return row ? row->name : nullptr;
 }
 
-/// Name of the group of a state, which is found by position; empty when there is no such state.
-std::string StateGroupName(IOH5Reader& reader, const std::string& section, int state) {
-  const h5::Group group(reader.OpenGroup(reader.GetFileId(), section.c_str(), H5P_DEFAULT));
-  std::string name;
-  if (group) (void)reader.GetChildByIndex(group.get(), state - 1, name, nullptr, H5P_DEFAULT);  // the name tells
-  return name;
-}
-
 hid_t OpenPath(IOH5Reader& reader, const std::string& path) {
   return reader.OpenGroup(reader.GetFileId(), path.c_str(), H5P_DEFAULT);
+}
+
+/// A host's reader has ways of its own.
+bool IsOurs(IOH5Reader& reader) { return typeid(reader) == typeid(OH5Reader); }
+
+/// Name of the group of a state, which is found by position; empty when there is no such state.
+std::string StateGroupName(IOH5Reader& reader, const h5::Group& group, int state) {
+  if (IsOurs(reader)) {
+    return h5::LinkNameAt(reader.GetFileId(), group.get(), static_cast<hsize_t>(state - 1));
+  }
+  std::string name;
+  (void)reader.GetChildByIndex(group.get(), state - 1, name, nullptr, H5P_DEFAULT);  // the name tells
+  return name;
 }
 
 }  // namespace
@@ -57,7 +65,8 @@ int ORVBlockPathResolver::AppendTypeGroup(std::string& path, int state) {
     if (AppendSection(section, state) != kOk) return kFail;
     std::string found = path + "/" + section;
     if (IsInState(*m_pBlock, state)) {
-      const std::string name = StateGroupName(*reader, found, state);
+      const h5::Group group(OpenPath(*reader, found));
+      const std::string name = group ? StateGroupName(*reader, group, state) : std::string();
       if (name.empty()) return kFail;
       found += "/" + name;
     }
@@ -106,6 +115,10 @@ hid_t ORVBlockPathResolver::OpenStateGroup(int state) {
     h5::Group section(OpenSectionGroup(state));
     if (!section || !IsInState(*m_pBlock, state)) return section.release();
     std::string name;
+    if (IsOurs(*reader)) {
+      name = StateGroupName(*reader, section, state);
+      return name.empty() ? H5I_INVALID_HID : reader->OpenGroup(section.get(), name.c_str(), H5P_DEFAULT);
+    }
     hid_t child = H5I_INVALID_HID;
     const int status = reader->GetChildByIndex(section.get(), state - 1, name, &child, H5P_DEFAULT);
     return status == kOk ? child : H5I_INVALID_HID;

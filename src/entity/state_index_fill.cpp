@@ -17,7 +17,7 @@
 #include "h5/disk_names.h"
 #include "h5/extents.h"
 #include "h5/file_access.h"
-#include "h5/indexed_file.h"
+#include "h5/file_in_use.h"
 #include "h5/status.h"
 
 namespace orvio {
@@ -91,7 +91,7 @@ void Settle(ORVIndexBase<int, V>& index, int count) {
 
 template <class V>
 void FillFromStates(ORVIndexBase<int, V>& index, const std::string& path) {
-  const h5::UsingIndex known(path.c_str());
+  const h5::FileInUse known(path.c_str());
   const ReaderLease reader(index, path.c_str());
   if (!reader) return;
   StateIndexBlocks blocks(index);

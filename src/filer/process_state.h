@@ -73,7 +73,7 @@ struct ProcessState {
   h5::CheckedFiles* checked_files = nullptr;    ///< made at the first open, never destroyed
   std::vector<h5::WrittenFile*> written_files;  ///< open ones; HDF5 owns them
   bool close_failed = false;                    ///< HDF5 does not stand a close that fails: this tells of it instead
-  std::vector<h5::IndexedFile*> indexed_files;  ///< those of the running operation; see UsingIndex
+  std::vector<h5::IndexedFile*> indexed_files;  ///< those of the running operation; see FileInUse
   h5::HeldSnapshots* held_snapshots = nullptr;  ///< of the running operation; made at the first, never destroyed
   bool is_among_itself = false;                 ///< no code of a host runs before the running operation ends
   int entries = 0;                              ///< exported operations that run, one inside the other

@@ -76,6 +76,21 @@ std::shared_ptr<const structure::Catalogue> CheckedFiles::FindCatalogue(const Fi
   return found != sound_.end() && found->second.stamp == stamp ? found->second.catalogue : nullptr;
 }
 
+void CheckedFiles::RememberNames(const FileStamp& stamp, std::shared_ptr<const std::vector<std::string>> names) {
+  if (Sound* sound = Find(stamp)) sound->names = std::move(names);
+}
+
+std::shared_ptr<const std::vector<std::string>> CheckedFiles::FindNames(const FileStamp& stamp) const {
+  const auto found = sound_.find(KeyOf(stamp));
+  return found != sound_.end() && found->second.stamp == stamp ? found->second.names : nullptr;
+}
+
+CheckedFiles& KnownFiles() {
+  CheckedFiles*& known = process().checked_files;
+  if (!known) known = new CheckedFiles;  // lives as long as the process, as HDF5 may close files at its very end
+  return *known;
+}
+
 void CheckedFiles::EndWriting(const FileStamp& stamp) {
   const auto found = writing_.find(KeyOf(stamp));
   if (found != writing_.end() && --found->second <= 0) writing_.erase(found);

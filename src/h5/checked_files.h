@@ -8,7 +8,9 @@
 #include <ctime>
 #include <map>
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "structure/catalogue.h"
 
@@ -42,6 +44,10 @@ class CheckedFiles {
   /// Null when there is none of the file as it is.
   std::shared_ptr<const structure::Catalogue> FindCatalogue(const FileStamp& stamp) const;
 
+  /// The same for the names of its states.
+  void RememberNames(const FileStamp& stamp, std::shared_ptr<const std::vector<std::string>> names);
+  std::shared_ptr<const std::vector<std::string>> FindNames(const FileStamp& stamp) const;
+
   bool IsBeingWritten(const FileStamp& stamp) const { return writing_.contains(KeyOf(stamp)); }
   void BeginWriting(const FileStamp& stamp) { ++writing_[KeyOf(stamp)]; }
   void EndWriting(const FileStamp& stamp);
@@ -56,6 +62,7 @@ class CheckedFiles {
     FileStamp stamp;
     int opens = 0;  ///< without a catalogue
     std::shared_ptr<const structure::Catalogue> catalogue = nullptr;
+    std::shared_ptr<const std::vector<std::string>> names = nullptr;
   };
   Sound* Find(const FileStamp& stamp);
   void ForgetCatalogues();
@@ -64,5 +71,8 @@ class CheckedFiles {
   std::size_t catalogue_bytes_ = 0;  ///< memory that all catalogues take
   std::map<Key, int> writing_;
 };
+
+/// Those of the process.
+CheckedFiles& KnownFiles();
 
 }  // namespace orvio::h5

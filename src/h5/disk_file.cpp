@@ -16,12 +16,6 @@
 namespace orvio::h5 {
 namespace {
 
-CheckedFiles& Known() {
-  CheckedFiles*& known = process().checked_files;
-  if (!known) known = new CheckedFiles;  // lives as long as the process, as HDF5 may close files at its very end
-  return *known;
-}
-
 /// The name may be that of a pipe: without O_NONBLOCK the open itself would hang.
 Descriptor OpenDescriptor(const char* name, unsigned flags) {
   int how = O_CLOEXEC | O_NONBLOCK | (flags & H5F_ACC_RDWR ? O_RDWR : O_RDONLY);
@@ -49,21 +43,21 @@ bool IsSound(const char* name, FileSnapshot& snapshot) {
   const FileStamp stamp = snapshot.stamp();
   if (process().file_check == 0 || snapshot.Size() == 0) return true;  // HDF5 refuses an empty file itself
   const bool is_present = snapshot.IsPresent();
-  const bool is_known = is_present && Known().IsSound(stamp);
+  const bool is_known = is_present && KnownFiles().IsSound(stamp);
   const bool makes_catalogue = process().file_index != 0 && is_present;
-  if (is_known && !(makes_catalogue && Known().WantsCatalogue(stamp))) return true;
+  if (is_known && !(makes_catalogue && KnownFiles().WantsCatalogue(stamp))) return true;
   std::unique_ptr<const structure::Catalogue> catalogue;
   const auto fault =
       makes_catalogue ? structure::CheckStructure(snapshot, catalogue) : structure::CheckStructure(snapshot);
   if (!TellFault(name, fault)) return false;
   if (!snapshot.IsPresent() || snapshot.stamp() != stamp) return true;
-  Known().RememberSeen(stamp);
-  if (catalogue) Known().RememberCatalogue(stamp, std::move(catalogue));
+  KnownFiles().RememberSeen(stamp);
+  if (catalogue) KnownFiles().RememberCatalogue(stamp, std::move(catalogue));
   return true;
 }
 
 bool IsSound(const char* name, int file, const FileStamp& stamp) {
-  if (process().file_check == 0 || stamp.size == 0 || Known().IsSound(stamp)) return true;
+  if (process().file_check == 0 || stamp.size == 0 || KnownFiles().IsSound(stamp)) return true;
   structure::FileBytes bytes(file, static_cast<std::uint64_t>(stamp.size));
   return TellFault(name, structure::CheckStructure(bytes));
 }
@@ -72,7 +66,7 @@ bool IsSound(const char* name, int file, const FileStamp& stamp) {
 Descriptor OpenLocked(const char* name, unsigned flags, struct stat& info) {
   for (;;) {
     Descriptor file = OpenRegularFile(name, flags, info);
-    if (!file || Known().IsBeingWritten(FileStamp(info))) return file;
+    if (!file || KnownFiles().IsBeingWritten(FileStamp(info))) return file;
     if (!LockForWriting(file.get())) {
       SetLastError("File::\n\t \"%s\" is open for writing elsewhere", name);
       return {};
@@ -130,7 +124,7 @@ std::unique_ptr<DiskFile> OpenForReading(const char* name) {
   struct stat info = {};
   Descriptor file = OpenRegularFile(name, 0, info);
   if (!file) return nullptr;
-  if (Known().IsBeingWritten(FileStamp(info))) return SecondLook(std::move(file), info);
+  if (KnownFiles().IsBeingWritten(FileStamp(info))) return SecondLook(std::move(file), info);
   auto disk_file = std::make_unique<DiskFile>(info);
   disk_file->snapshot = SnapshotOf(name, std::move(file), info);
   return disk_file->snapshot ? std::move(disk_file) : nullptr;
@@ -140,7 +134,7 @@ std::unique_ptr<DiskFile> OpenForWriting(const char* name, unsigned flags) {
   struct stat info = {};
   Descriptor file = OpenLocked(name, flags, info);
   if (!file) return nullptr;
-  if (Known().IsBeingWritten(FileStamp(info))) return SecondLook(std::move(file), info);
+  if (KnownFiles().IsBeingWritten(FileStamp(info))) return SecondLook(std::move(file), info);
   const std::string path = ResolvedPath(name);
   JournalState journal;
   if (flags & H5F_ACC_TRUNC) {
@@ -168,12 +162,12 @@ WrittenFile::WrittenFile(Descriptor file, std::string path, const struct stat& i
       sound_(process().file_check != 0) {
   std::vector<WrittenFile*>& open = process().written_files;
   open.reserve(open.size() + 1);
-  Known().BeginWriting(identity_);
+  KnownFiles().BeginWriting(identity_);
   open.push_back(this);
 }
 
 WrittenFile::~WrittenFile() {
-  Known().EndWriting(identity_);
+  KnownFiles().EndWriting(identity_);
   std::erase(process().written_files, this);
 }
 
@@ -204,7 +198,7 @@ void WrittenFile::RememberSound() {
   struct stat info = {};
   if (!sound_ || fstat(file_.get(), &info) != 0) return;
   try {
-    Known().RememberWritten(FileStamp(info));
+    KnownFiles().RememberWritten(FileStamp(info));
   } catch (...) {  // NOLINT(bugprone-empty-catch): out of memory, so it will be looked at again
   }
 }
@@ -227,11 +221,11 @@ bool DiskFile::Read(haddr_t address, size_t count, void* buffer) {
 CataloguedFile OpenCatalogued(const char* name) {
   struct stat info = {};
   Descriptor file = OpenRegularFile(name, 0, info);
-  if (!file || process().file_check == 0 || Known().IsBeingWritten(FileStamp(info))) return {};
+  if (!file || process().file_check == 0 || KnownFiles().IsBeingWritten(FileStamp(info))) return {};
   CataloguedFile found;
   found.snapshot = SnapshotOf(name, std::move(file), info);
   const bool is_present = found.snapshot && found.snapshot->IsPresent();
-  if (is_present) found.catalogue = Known().FindCatalogue(found.snapshot->stamp());
+  if (is_present) found.catalogue = KnownFiles().FindCatalogue(found.snapshot->stamp());
   return found;
 }
 

@@ -27,6 +27,15 @@ std::shared_ptr<FileSnapshot> FindHeldSnapshot(const FileStamp& file) {
   return nullptr;
 }
 
+std::shared_ptr<FileSnapshot> FindHeldSnapshot(const void* place) {
+  const HeldSnapshots* held = process().held_snapshots;
+  if (!held) return nullptr;
+  for (const HeldSnapshot& each : held->list) {
+    if (each.snapshot->place() == place) return each.snapshot;
+  }
+  return nullptr;
+}
+
 void HoldSnapshot(const FileStamp& file, std::shared_ptr<FileSnapshot> snapshot) {
   if (process().entries == 0) return;
   HeldSnapshots*& held = process().held_snapshots;

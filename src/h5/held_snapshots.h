@@ -11,6 +11,9 @@ namespace orvio::h5 {
 /// The snapshot of a file that the running operation holds; null when it has none.
 std::shared_ptr<FileSnapshot> FindHeldSnapshot(const FileStamp& file);
 
+/// The same by the place of its descriptor, which HDF5 tells of an open file.
+std::shared_ptr<FileSnapshot> FindHeldSnapshot(const void* place);
+
 /// Keeps a snapshot until the operation ends. Outside an operation nothing is kept.
 void HoldSnapshot(const FileStamp& file, std::shared_ptr<FileSnapshot> snapshot);
 

@@ -78,14 +78,6 @@ Hdf5Location::Hdf5Location(hid_t loc) : loc_(loc) {
   loc_ = group_.get();
 }
 
-UsingIndex::UsingIndex(const char* file) : was_among_itself_(process().is_among_itself) {
-  if (!file || process().file_index == 0) return;
-  if (!FindIndexedFile(file)) file_ = IndexedFile::Open(file);
-  process().is_among_itself = true;
-}
-
-UsingIndex::~UsingIndex() { process().is_among_itself = was_among_itself_; }
-
 IndexedFile* FindIndexedFile(std::string_view name) {
   for (IndexedFile* file : Slots()) {
     if (file && file->name() == name) return file;

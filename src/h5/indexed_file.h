@@ -69,21 +69,6 @@ class Hdf5Location {
   hid_t loc_;
 };
 
-/// While it lives, readers of a file that the library makes for itself use what is known of it. Nothing of that is for
-/// hosts: but for messages, their code does not run meanwhile.
-class UsingIndex {
- public:
-  /// Null: no file.
-  explicit UsingIndex(const char* file);
-  UsingIndex(const UsingIndex&) = delete;
-  UsingIndex& operator=(const UsingIndex&) = delete;
-  ~UsingIndex();
-
- private:
-  bool was_among_itself_;
-  std::unique_ptr<IndexedFile> file_;
-};
-
 /// The file of that name that is in use; null when there is none.
 IndexedFile* FindIndexedFile(std::string_view name);
 

@@ -59,7 +59,18 @@ int OH5ReaderPool::Release(IOH5Reader*& reader) {
   return orvio::kOk;
 }
 
-void OH5ReaderPool::KeepOpen(const char* file, int keep) { keep_open_[KeyOf(file)] = keep; }
+void OH5ReaderPool::KeepOpen(const char* file, int keep) {
+  if (keep == 0) {
+    keep_open_.erase(KeyOf(file));
+  } else {
+    keep_open_[KeyOf(file)] = keep;
+  }
+}
+
+bool OH5ReaderPool::IsKeptOpen(const char* file) const {
+  const auto mark = keep_open_.find(KeyOf(file));
+  return mark != keep_open_.end() && mark->second == 1;
+}
 
 bool OH5ReaderPool::Holds(const IOH5Reader* reader) const {
   return std::ranges::any_of(open_, [reader](const auto& entry) { return entry.second == reader; });

@@ -24,6 +24,7 @@ class OH5ReaderPool {
 
   /// Marks (1) or unmarks (0) a file whose reader may stay open.
   void KeepOpen(const char* file, int keep);
+  bool IsKeptOpen(const char* file) const;
 
   /// Removal of readers, for files that are about to be replaced. Each closes what it removes.
   void RemovePath(const char* file);

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "block/index_use.h"
+#include "block/file_in_use_by.h"
 #include "block/reader_lease.h"
 #include "entity/state_index_fill.h"
 #include "filer/container.h"
@@ -219,7 +219,7 @@ int ReadHistories(const ORVContainer& data, const HistoryRequest& request, Histo
     const ResultList blocks = FindBlocks(data, request);
     if (blocks.empty()) return kFail;
     const bool are_own = std::ranges::all_of(blocks, [](const ORVResult* block) { return IsOwnBlock(*block); });
-    const h5::UsingIndex index(are_own ? data.path.c_str() : nullptr);
+    const h5::FileInUse index(are_own ? data.path.c_str() : nullptr);
     // One file from the first value to the index: what opens it for writing waits, so all states are of one moment.
     ORVBlockHelper holder;
     const ReaderLease file(holder, data.path.c_str());

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "block/block_keys.h"
-#include "block/index_use.h"
+#include "block/file_in_use_by.h"
 #include "block/reader_lease.h"
 #include "filer/versions.h"
 #include "h5/disk_names.h"
@@ -215,7 +215,7 @@ using namespace orvio;
 
 int ORVResult::ReadAttribute(const char* file, int state, int /*sections*/, _ORVBlockAtt att) {
   return h5::Entry(kFail, [&] {
-    const IndexForBlock index(*this, file);
+    const FileInUseBy index(*this, file);
     const ReaderLease reader(*this, file);
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));

@@ -2,7 +2,7 @@
 // are in result_attribute.cpp, the header in result_header.cpp.
 
 #include "block/block_keys.h"
-#include "block/index_use.h"
+#include "block/file_in_use_by.h"
 #include "block/reader_lease.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
@@ -120,7 +120,7 @@ int ORVResult::ReadSelectiveAttribute(const char* file, int state, int /*section
   return h5::Entry(kFail, [&] {
     if (!file) return kFail;
     if (!stride && !block && ReadFromCache(*this, state, att, rank, start, count, viaCache)) return kOk;
-    const IndexForBlock index(*this, file);
+    const FileInUseBy index(*this, file);
     const ReaderLease reader(*this, file);
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));

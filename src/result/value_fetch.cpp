@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "block/index_use.h"
+#include "block/file_in_use_by.h"
 #include "filer/messages.h"
 #include "filer/process_state.h"
 #include "h5/entry.h"
@@ -179,7 +179,7 @@ int FetchValues(const char* file, ORVResultValuesBase<T, int>& values, const std
     };
     const bool are_own =
         std::ranges::all_of(blocks, [](const ORVResult* block) { return !block || IsOwnBlock(*block); });
-    const h5::UsingIndex index(are_own ? file : nullptr);
+    const h5::FileInUse index(are_own ? file : nullptr);
     FetchPlan plan(request, blocks);
     if (!plan.Make(quantity)) return kFail;
     FetchArrays<T> arrays(values);
