@@ -4,6 +4,7 @@
 
 #include <hdf5.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <utility>
 #include <vector>
@@ -74,6 +75,8 @@ struct ProcessState {
   std::vector<h5::WrittenFile*> written_files;  ///< open ones; HDF5 owns them
   bool close_failed = false;                    ///< HDF5 does not stand a close that fails: this tells of it instead
   std::vector<h5::IndexedFile*> indexed_files;  ///< those of the running operation; see FileInUse
+  /// Arrays of the running operation, from the first byte to the one behind the last; see UnsetMemory.
+  std::vector<std::pair<std::uintptr_t, std::uintptr_t>> unset_memory;
   h5::HeldSnapshots* held_snapshots = nullptr;  ///< of the running operation; made at the first, never destroyed
   bool is_among_itself = false;                 ///< no code of a host runs before the running operation ends
   int entries = 0;                              ///< exported operations that run, one inside the other

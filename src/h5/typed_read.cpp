@@ -12,6 +12,7 @@
 #include "h5/scale_offset_read.h"
 #include "h5/status.h"
 #include "h5/stored_dataset.h"
+#include "h5/unset_memory.h"
 #include "orvio/oh5_io.h"
 
 namespace orvio::h5 {
@@ -45,16 +46,20 @@ bool IsReadPlain(const StoredDataset& dataset, const TypeRow& row, const Slab* s
 }
 
 /// Reads what went through the scale-offset filter alone by the library's own decoder: HDF5 cannot read all that its filter
-/// writes. All else is for `by_hdf5`.
+/// writes. All else, `count` values, is for `by_hdf5`.
 template <class ByHdf5>
-bool ReadValues(StoredDataset& dataset, const TypeRow& row, const Slab* slab, void* buffer, ByHdf5 by_hdf5) {
+bool ReadValues(StoredDataset& dataset, const TypeRow& row, const Slab* slab, hsize_t count, void* buffer,
+                ByHdf5 by_hdf5) {
   if (IsReadPlain(dataset, row, slab)) {
     const PlainSlab part = slab ? PlainSlab{slab->start, slab->count} : PlainSlab{};
     return ReadPlain(dataset.indexed()->bytes, dataset.indexed()->values, row, slab ? &part : nullptr, buffer);
   }
-  if (!dataset.is_filtered()) return by_hdf5();
-  const Decoded decoded = ReadScaleOffset(dataset.get(), dataset.extents(), row, slab, buffer);
-  return decoded == Decoded::kNotOurs ? by_hdf5() : decoded == Decoded::kDone;
+  if (dataset.is_filtered()) {
+    const Decoded decoded = ReadScaleOffset(dataset.get(), dataset.extents(), row, slab, buffer);
+    if (decoded != Decoded::kNotOurs) return decoded == Decoded::kDone;
+  }
+  ZeroIfUnset(buffer, count * row.size);
+  return by_hdf5();
 }
 
 int ReadNumbers(hid_t loc, const char* name, int rank, const hsize_t* dims, _ORVDataType type, void* buffer) {
@@ -70,7 +75,7 @@ int ReadNumbers(hid_t loc, const char* name, int rank, const hsize_t* dims, _ORV
                 row->type_class, stored_class);
   }
   if (!FitsWhole(dataset.extents(), rank, dims)) return Fail("DatasetIO::\n\t \"%s\" dimension mismatch", name);
-  const bool read = ReadValues(dataset, *row, nullptr, buffer, [&] {
+  const bool read = ReadValues(dataset, *row, nullptr, dataset.extents().points, buffer, [&] {
     return H5Dread(dataset.get(), row->native(), H5S_ALL, H5S_ALL, H5P_DEFAULT, buffer) >= 0;
   });
   return read ? kOk : Fail("DatasetIO::\n\t Read Failed ::\"%s\"", name);
@@ -148,7 +153,7 @@ int ReadSelected(StoredDataset& dataset, const char* name, const Selection& sele
   hsize_t total = 0;
   if (!counted || !blocked || __builtin_mul_overflow(*counted, *blocked, &total)) return kFail;
   const Slab slab{selection.start, selection.count, selection.block ? selection.stride : nullptr, selection.block};
-  const bool read = ReadValues(dataset, row, selection.rank > 0 ? &slab : nullptr, buffer, [&] {
+  const bool read = ReadValues(dataset, row, selection.rank > 0 ? &slab : nullptr, total, buffer, [&] {
     const Space in_memory(H5Screate_simple(1, &total, nullptr));
     return in_memory && SelectInFile(dataset.space(), selection) >= 0 &&
            H5Dread(dataset.get(), row.native(), in_memory.get(), dataset.space(), H5P_DEFAULT, buffer) >= 0;

@@ -182,7 +182,7 @@ int FetchValues(const char* file, ORVResultValuesBase<T, int>& values, const std
     const h5::FileInUse index(are_own ? file : nullptr);
     FetchPlan plan(request, blocks);
     if (!plan.Make(quantity)) return kFail;
-    FetchArrays<T> arrays(values);
+    FetchArrays<T> arrays(values, are_own);
     const bool may_be_made = plan.MayBeMade(arrays.room());
     if (may_be_made && plan.values() == 0) return kFail;  // nothing of it is in this state
     if (!may_be_made || !arrays.Prepare(plan.values())) {

@@ -8,8 +8,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 
 #include "h5/c_array.h"
+#include "h5/unset_memory.h"
 #include "orvio/orv_result_values.h"
 
 namespace orvio {
@@ -19,7 +21,8 @@ class FetchArrays {
  public:
   using Holder = ORVResultValuesBase<T, int>;
 
-  explicit FetchArrays(Holder& holder) : holder_(holder) {}
+  /// `are_read_whole`: what is delivered was read by the library, or zeroed by it.
+  FetchArrays(Holder& holder, bool are_read_whole) : holder_(holder), may_be_unset_(are_read_whole) {}
 
   /// Values that the arrays of the holder have room for.
   std::uint64_t room() const { return static_cast<std::uint64_t>(std::max(holder_.m_capacity, 0)); }
@@ -28,9 +31,12 @@ class FetchArrays {
   /// arrays are made for as many: the holder has one capacity for them, when it brings them along the next time.
   [[nodiscard]] bool Prepare(std::uint64_t values) {
     if (holder_.m_capacity >= 1) return GrowThoseOfHolder(static_cast<int>(values));
-    own_values_ = ZeroedArray<T>(values);
-    if (holder_.m_wantIds) own_ids_ = ZeroedArray<int>(values);
-    return own_values_ && (own_ids_ || !holder_.m_wantIds);
+    own_values_ = NewArray<T>(values);
+    if (holder_.m_wantIds) own_ids_ = NewArray<int>(values);
+    const bool made = own_values_ && (own_ids_ || !holder_.m_wantIds);
+    if (made && may_be_unset_) unset_values_.emplace(own_values_.get(), values * sizeof(T));
+    if (made && may_be_unset_ && own_ids_) unset_ids_.emplace(own_ids_.get(), values * sizeof(int));
+    return made;
   }
 
   T* values() { return own_values_ ? own_values_.get() : holder_.m_values; }
@@ -48,6 +54,11 @@ class FetchArrays {
   }
 
  private:
+  template <class U>
+  CArray<U> NewArray(std::size_t count) const {
+    return may_be_unset_ ? UnsetArray<U>(count) : ZeroedArray<U>(count);
+  }
+
   /// The array may move. On failure it stays as it was.
   static T* Shrunk(T* array, std::uint64_t count) {
     void* shrunk = std::realloc(array, count * sizeof(T));
@@ -89,8 +100,11 @@ class FetchArrays {
   static constexpr int kNoMark = -1;
 
   Holder& holder_;
+  bool may_be_unset_;
   CArray<T> own_values_;
   CArray<int> own_ids_;
+  std::optional<h5::UnsetMemory> unset_values_;
+  std::optional<h5::UnsetMemory> unset_ids_;
 };
 
 }  // namespace orvio

@@ -9,6 +9,22 @@ namespace {
 
 constexpr std::uint64_t kChecksum = 4;
 
+/// Whether messages of a type that is known may be shared with other objects. Of a bogus one HDF5 does not ask.
+bool IsSharable(unsigned type) {
+  switch (static_cast<MessageType>(type)) {
+    case MessageType::kDataspace:
+    case MessageType::kDatatype:
+    case MessageType::kOldFillValue:
+    case MessageType::kFillValue:
+    case MessageType::kFilters:
+    case MessageType::kAttribute:
+    case MessageType::kBogus:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 bool HeaderMessages::TakeFirst(std::uint64_t address, std::uint64_t size) { return walk_.ClaimObject(address, size); }
@@ -98,10 +114,21 @@ bool HeaderMessages::ReadHead(Message& message, unsigned& type, unsigned& flags)
 }
 
 bool HeaderMessages::JudgeFlags(const Message& message, unsigned type, unsigned flags) {
-  enum Flags { kShared = 2, kNeverShared = 4, kFailWriting = 8, kMark = 16, kWasUnknown = 32, kFail = 128 };
+  enum Flags {
+    kShared = 2,
+    kNeverShared = 4,
+    kFailWriting = 8,
+    kMark = 16,
+    kWasUnknown = 32,
+    kSharable = 64,
+    kFail = 128
+  };
   const bool known = type < static_cast<unsigned>(MessageType::kCount);
   if (!known && (flags & (kFail | kFailWriting)) != 0) {
     return walk_.Refuse(message.address, "object holds an unknown message that must be known");
+  }
+  if (known && (flags & kSharable) != 0 && !IsSharable(type)) {
+    return walk_.Refuse(message.address, "object header message says that it can be shared");
   }
   const bool both = (flags & kShared) != 0 && (flags & kNeverShared) != 0;
   const bool marked = (flags & kWasUnknown) == 0 || ((flags & kMark) != 0 && (flags & kFailWriting) == 0);

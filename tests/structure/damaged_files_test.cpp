@@ -182,6 +182,8 @@ const Damage kDamages[] = {
      "object header message has contradicting flags"},
     {"WasUnknown", kOldest, Plain, [](PatchedFile& f) { OldRoot(f).put(20, 1, 32); },
      "object header message has contradicting flags"},
+    {"Sharable", kOldest, Plain, [](PatchedFile& f) { OldRoot(f).put(20, 1, 64); },
+     "object header message says that it can be shared"},
     {"UnknownMessage", kOldest, Plain, [](PatchedFile& f) { OldRoot(f).put(16, 2, 0x40).put(20, 1, 0x80); },
      "object holds an unknown message that must be known"},
     {"UnknownWhenWriting", kOldest, Plain, [](PatchedFile& f) { OldRoot(f).put(16, 2, 0x40).put(20, 1, 8); },
