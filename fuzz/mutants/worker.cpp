@@ -12,7 +12,6 @@
 #include <stdexcept>
 
 #include "byte_file.h"
-#include "filer/process_state.h"
 #include "mutants/plan.h"
 #include "orvio/orv_switches.h"
 #include "quiet.h"
@@ -153,7 +152,6 @@ class Worker {
 
 int Work(const Plan& plan, const Shift& shift) {
   PrepareHdf5();
-  process().clock_step = -1;  // files are remembered however young they are
   (void)ORVSetFileCheck(plan.check ? 1 : 0);
   (void)__sanitizer_install_malloc_and_free_hooks(Watch, Forget);
   return Worker(plan, shift).Run();

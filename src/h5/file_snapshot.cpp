@@ -164,6 +164,11 @@ bool FileSnapshot::ReadSmall(std::uint64_t offset, std::uint8_t* bytes, std::siz
   return true;
 }
 
+bool FileSnapshot::ReadOnce(std::uint64_t offset, void* buffer, std::size_t count) {
+  const bool is_inside = !lost_ && offset <= size_ && count <= size_ - offset;
+  return is_inside && ReadAsWas(offset, static_cast<std::uint8_t*>(buffer), count);
+}
+
 bool FileSnapshot::Read(std::uint64_t offset, void* buffer, std::size_t count) {
   if (lost_ || offset > size_ || count > size_ - offset) return false;
   auto* bytes = static_cast<std::uint8_t*>(buffer);

@@ -33,6 +33,8 @@ class FileSnapshot : public structure::ByteSource {
 
   std::uint64_t Size() const override { return size_; }
   bool Read(std::uint64_t offset, void* buffer, std::size_t count) override;
+  /// The same for bytes that nobody will ask for again: none of their neighbours are kept.
+  bool ReadOnce(std::uint64_t offset, void* buffer, std::size_t count);
 
  private:
   /// Where an old page is.

@@ -33,7 +33,11 @@ std::size_t TakeSlot(IndexedFile* file) {
 
 IndexedFile::IndexedFile(std::string name, std::shared_ptr<FileSnapshot> snapshot,
                          std::shared_ptr<const structure::Catalogue> catalogue)
-    : name_(std::move(name)), snapshot_(std::move(snapshot)), catalogue_(std::move(catalogue)), slot_(TakeSlot(this)) {}
+    : name_(std::move(name)),
+      snapshot_(std::move(snapshot)),
+      catalogue_(std::move(catalogue)),
+      bytes_(*snapshot_),
+      slot_(TakeSlot(this)) {}
 
 IndexedFile::~IndexedFile() { Slots()[slot_] = nullptr; }
 

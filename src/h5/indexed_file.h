@@ -17,7 +17,20 @@
 
 namespace orvio::h5 {
 
-/// A file in use. Its groups have ids of indexed_id.h: the tag, the place of the file, the object.
+/// The values of a file that is read so. Each is read once.
+class IndexedBytes : public structure::ByteSource {
+ public:
+  explicit IndexedBytes(FileSnapshot& snapshot) : snapshot_(snapshot) {}
+  std::uint64_t Size() const override { return snapshot_.Size(); }
+  bool Read(std::uint64_t offset, void* buffer, std::size_t count) override {
+    return snapshot_.ReadOnce(offset, buffer, count);
+  }
+
+ private:
+  FileSnapshot& snapshot_;
+};
+
+/// A file that is read so. Its groups have ids of indexed_id.h: the tag, the place of the file, the object.
 class IndexedFile {
  public:
   using Id = structure::Catalogue::Id;
@@ -29,7 +42,7 @@ class IndexedFile {
   ~IndexedFile();
 
   const structure::Catalogue& catalogue() const { return *catalogue_; }
-  FileSnapshot& bytes() const { return *snapshot_; }
+  structure::ByteSource& bytes() { return bytes_; }
   const std::string& name() const { return name_; }
   hid_t IdOf(Id object) const;
   /// The same object by HDF5, in the same state of the file. Fails when it is no group.
@@ -42,6 +55,7 @@ class IndexedFile {
   std::string name_;
   std::shared_ptr<FileSnapshot> snapshot_;
   std::shared_ptr<const structure::Catalogue> catalogue_;
+  IndexedBytes bytes_;
   std::size_t slot_;
   File by_hdf5_;
 };
