@@ -100,8 +100,8 @@ bool RemoveJournal(const std::string& path) {
   return !is_ours || ::unlink(path.c_str()) == 0;
 }
 
-JournalReader::JournalReader(const std::string& path) : file_(::open(path.c_str(), kForReading)) {
-  unreadable_ = !file_ && !IsNone(errno);
+JournalReader::JournalReader(const std::string& path)
+    : file_(::open(path.c_str(), kForReading)), unreadable_(!file_ && !IsNone(errno)) {
   struct stat info = {};
   if (file_ && (fstat(file_.get(), &info) != 0 || !S_ISREG(info.st_mode))) file_ = Descriptor();
 }

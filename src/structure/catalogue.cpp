@@ -36,11 +36,15 @@ Catalogue::Found Catalogue::Child(Id group, std::string_view name) const {
 
 std::string Catalogue::PathOf(Id object) const {
   if (object == root()) return "/";
-  std::vector<const std::string*> parts;
-  for (Id at = object; at != root() && at != kNone; at = objects_[at].parent)
-    parts.push_back(names_[objects_[at].name]);
-  std::string path;
-  for (auto part = parts.rbegin(); part != parts.rend(); ++part) path.append("/").append(**part);
+  std::size_t length = 0;
+  for (Id at = object; at != root() && at != kNone; at = objects_[at].parent) length += 1 + NameOf(at).size();
+  std::string path(length, '/');
+  for (Id at = object; at != root() && at != kNone; at = objects_[at].parent) {
+    const std::string& name = NameOf(at);
+    length -= name.size();
+    path.replace(length, name.size(), name);
+    --length;  // the slash
+  }
   return path;
 }
 

@@ -86,6 +86,8 @@ class Catalogue {
     std::uint32_t shape = kNone;
     std::uint64_t values = kUndefined;
   };
+  const std::string& NameOf(Id object) const { return *names_[objects_[object].name]; }
+
   struct Link {
     std::uint32_t name;
     Id object;  ///< kNone: a soft link

@@ -51,14 +51,15 @@ void LinkRecorder::HandOn() {
   if (runs_.size() > 1) {
     std::vector<CatalogueBuilder::Link> in_order;
     in_order.reserve(links_.size());
-    for (auto run = runs_.rbegin(); run != runs_.rend(); ++run) {
-      const auto begin = links_.begin();
-      in_order.insert(in_order.end(), begin + static_cast<std::ptrdiff_t>(run->begin),
-                      begin + static_cast<std::ptrdiff_t>(run->end));
+    while (!runs_.empty()) {
+      const auto begin = links_.begin() + static_cast<std::ptrdiff_t>(runs_.back().begin);
+      in_order.insert(in_order.end(), begin, links_.begin() + static_cast<std::ptrdiff_t>(runs_.back().end));
+      runs_.pop_back();
     }
     links_.swap(in_order);
   }
-  if (IsInOrder(links_)) walk_.catalogue->SetLinks(links_);
+  const bool is_first_key_empty = heap_.size == 0 || walk_.view.At(heap_.data, 1).U8() == 0;
+  if (is_first_key_empty && IsInOrder(links_)) walk_.catalogue->SetLinks(links_);
 }
 
 }  // namespace orvio::structure

@@ -123,6 +123,15 @@ TEST(Catalogue, DoesNotKnowTheLinksOfAGroupWhoseNamesAreOutOfOrder) {
   EXPECT_EQ(AnswerOf(*CatalogueOf(bytes), "second_one"), Answer::kUnknown);
 }
 
+TEST(Catalogue, DoesNotKnowTheLinksOfAGroupWhoseFirstKeyIsNotTheEmptyText) {
+  std::string bytes = Forge(kOldest, [](hid_t file) { Group(file, "group"); });
+  const size_t heap = bytes.find("HEAP");
+  std::uint64_t data = 0;
+  std::memcpy(&data, bytes.data() + heap + 24, sizeof data);
+  bytes[data] = 'z';  // followed by zeros
+  EXPECT_EQ(AnswerOf(*CatalogueOf(bytes), "group"), Answer::kUnknown);
+}
+
 TEST(Catalogue, TellsTypeExtentsAndPlaceOfValues) {
   for (const hsize_t user_block : {hsize_t{0}, hsize_t{1024}}) {
     std::uint64_t address = 0;
