@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
-#include <map>
 
 #include "faults/concurrent.h"
 
@@ -86,6 +86,20 @@ void Work(const std::string& folder, const std::vector<Trial>& trials, const std
   }
 }
 
+/// Answers the processes that failed. An interrupted run tells what it has come to, and is one that failed.
+int WaitForAll(const std::vector<int>& processes, const Board& board, std::size_t trials) {
+  int troubles = 0;
+  try {
+    for (const int process : processes) troubles += WaitFor(process).Answered(0) ? 0 : 1;
+  } catch (const std::exception& error) {
+    for (const int process : processes) (void)kill(process, SIGTERM);
+    (void)std::fprintf(stderr, "orvio_faults: %s when %zu of %zu files were begun\n", error.what(),
+                       std::min(board.next.load(), trials), trials);
+    ++troubles;
+  }
+  return troubles;
+}
+
 /// Readers beside a writer are tried with what the library does unless told otherwise.
 long TryConcurrency(const Wish& wish, const std::string& folder) {
   if (wish.plain) return 0;
@@ -130,14 +144,13 @@ int Run(const Wish& wish) {
         },
         0));
   }
-  int troubles = 0;
-  for (const int process : processes) troubles += WaitFor(process).Answered(0) ? 0 : 1;
+  const int troubles = WaitForAll(processes, *board, trials.size());
   long unsound = 0;
   for (std::size_t table = 0; table < writers.size(); ++table) {
     board->tallies[table].Print(NameOf(writers[table]));
     unsound += board->tallies[table].Unsound();
   }
-  unsound += TryConcurrency(wish, folder.path());
+  if (troubles == 0) unsound += TryConcurrency(wish, folder.path());
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
   (void)std::printf("%.0f s\n", took.count());
   if (troubles > 0) return 2;
