@@ -23,7 +23,7 @@ constexpr int kMaxVisits = 1000;
 }  // namespace
 
 bool WalkGuard::Enter(const H5O_info1_t& object, std::size_t name_length) {
-  const ObjectId id{object.fileno, object.addr};
+  const haddr_t id = object.addr;  // no link leads out of the file
   const bool inside = std::ranges::any_of(way_down_, [&](const Level& level) { return level.object == id; });
   if (inside || way_down_.size() >= kMaxLevels || path_length_ + name_length + 1 >= disk::kPathWidth) return false;
   if (++visits_[id] > kMaxVisits) return false;

@@ -6,7 +6,6 @@
 
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "filer/process_state.h"
@@ -23,14 +22,13 @@ class WalkGuard {
   void Leave();
 
  private:
-  using ObjectId = std::pair<unsigned long, haddr_t>;
   struct Level {
-    ObjectId object;
+    haddr_t object;
     std::size_t name_length;
   };
 
   std::vector<Level> way_down_;
-  std::map<ObjectId, int> visits_;
+  std::map<haddr_t, int> visits_;
   std::size_t path_length_ = 0;
 };
 

@@ -204,7 +204,7 @@ herr_t AppendName(hid_t /*group*/, const char* name, const H5L_info1_t* /*info*/
 bool ReadObjectInfo(hid_t object, H5O_info1_t& info) {
   if (const IndexedPlace place(object); place) {
     info.fileno = static_cast<unsigned long>(place.file->IdOf(place.catalogue().root()));
-    info.addr = place.object;
+    info.addr = place.catalogue().AddressOf(place.object);
     info.type = H5O_TYPE_GROUP;
     return true;
   }

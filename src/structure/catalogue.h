@@ -61,6 +61,8 @@ class Catalogue {
   const std::string& LinkName(Id group, std::uint32_t index) const {
     return *names_[links_[objects_[group].first_link + index].name];
   }
+  /// Where its object header is, as links have it.
+  std::uint64_t AddressOf(Id object) const { return objects_[object].header; }
   bool HasHardLinksOnly(Id group) const { return !objects_[group].has_soft_links; }
   /// The path of the object. Groups that are reached in several ways are not told about.
   std::string PathOf(Id object) const;
@@ -85,6 +87,7 @@ class Catalogue {
     std::uint32_t attributes = kNone;  ///< position in attribute_sets_
     std::uint32_t shape = kNone;
     std::uint64_t values = kUndefined;
+    std::uint64_t header = kUndefined;
   };
   const std::string& NameOf(Id object) const { return *names_[objects_[object].name]; }
 

@@ -48,7 +48,7 @@ CatalogueBuilder::Id CatalogueBuilder::IdOf(std::uint64_t header) {
   constexpr std::size_t kPlaces = 2;  // of a hash map that is half full
   if (!Spend(sizeof(Catalogue::Object) + kPlaces * (sizeof header + sizeof(Id)))) return place.value = 0;
   place.value = static_cast<Id>(made_.objects_.size());
-  made_.objects_.emplace_back();
+  made_.objects_.emplace_back().header = header;
   return place.value;
 }
 
