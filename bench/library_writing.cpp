@@ -1,8 +1,8 @@
-#include <cstdio>
 #include <vector>
 
 #include "library.h"
 #include "orvio/orvio.h"
+#include "support/numbered_variable.h"
 
 namespace orvio::bench {
 namespace {
@@ -22,44 +22,11 @@ class Durability {
   int before_;
 };
 
-template <std::size_t N>
-void Name(char (&field)[N], const char* name) {
-  (void)std::snprintf(field, N, "%s", name);
-}
-
 void DemandOk(int status, const char* what) {
   if (status != 0) throw Trouble(std::string(what) + " failed: " + ORVGetLastErrorText());
 }
 
 _ORVVersion VersionOf(const Job& job) { return job.split ? ORV_VERSION_1_1 : ORV_VERSION_2_2; }
-
-/// A variable whose components are named by their numbers.
-void WriteVariable(ORVFiler& filer, const Quantity& quantity) {
-  const auto count = static_cast<std::size_t>(quantity.components);
-  std::vector<int> no_units(count), ids, lengths(count, 1), offsets;
-  std::string names(count * 256, ' '), labels;
-  for (std::size_t i = 0; i < count; ++i) {
-    ids.push_back(static_cast<int>(i) + 1);
-    offsets.push_back(static_cast<int>(i));
-    labels += static_cast<char>('1' + i);
-    names.replace(i * 256, 1, 1, labels.back());
-  }
-  ORVVariable variable;
-  Name(variable.m_varnam, quantity.name);
-  Name(variable.m_varkey, quantity.name);
-  variable.m_ncoo = quantity.components;
-  variable.m_rank = quantity.components == 6 ? 2 : 1;
-  variable.m_ndim = 3;
-  variable.m_tensor = 1;
-  variable.m_pMbunit = variable.m_pMdunit = no_units.data();
-  variable.m_pCid = ids.data();
-  variable.m_pCname = names.data();
-  variable.m_subslen = quantity.components;
-  variable.m_pSubscr = labels.data();
-  variable.m_pSubscnt = lengths.data();
-  variable.m_pSubsoffs = offsets.data();
-  DemandOk(filer.WriteBlock(&variable, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA), "writing a variable");
-}
 
 /// A block as the host sets it up; it borrows the arrays.
 void WriteResult(ORVFiler& filer, const Job& job, int quantity, int state, void* values, int* ids) {
@@ -121,7 +88,9 @@ void MakeEmptyFile(const Job& job, const std::string& path) {
   const Durability plain(0);
   ORVFiler filer(path.c_str());
   DemandOk(filer.InitForWriting(path.c_str(), VersionOf(job), ORV_FILE_CREATE, false), "InitForWriting");
-  for (const Quantity& quantity : kQuantities) WriteVariable(filer, quantity);
+  for (const Quantity& quantity : kQuantities) {
+    DemandOk(orv_test::NumberedVariable(quantity.name, quantity.components).Write(filer), "writing a variable");
+  }
 }
 
 void MakeOrvFile(const Job& job, const std::string& path) {

@@ -1,50 +1,25 @@
 // Writing states with HDF5 alone: the groups, attributes and datasets that the library makes, with open, flush and
 // close for each commit.
 
-#include <cstring>
-
-#include "raw_hdf5.h"
 #include "roads.h"
+#include "support/raw_put.h"
 
 namespace orvio::bench {
 namespace {
 
-constexpr std::size_t kTextWidth = 256;
-
-void PutAttribute(hid_t group, const char* name, hid_t type, const void* value) {
-  const SpaceId space(H5Screate(H5S_SCALAR), "H5Screate");
-  const AttributeId attribute(H5Acreate2(group, name, type, space.get(), H5P_DEFAULT, H5P_DEFAULT), name);
-  Check(H5Awrite(attribute.get(), type, value), name);
-}
-
-void PutNumber(hid_t group, const char* name, std::int64_t value) {
-  PutAttribute(group, name, H5T_NATIVE_INT64, &value);
-}
-
-void PutText(hid_t group, const char* name, const char* text) {
-  char field[kTextWidth];
-  std::memset(field, ' ', sizeof field);
-  std::memcpy(field, text, std::strlen(text));
-  const TypeId type(H5Tcopy(H5T_C_S1), name);
-  Check(H5Tset_size(type.get(), sizeof field), name);
-  PutAttribute(group, name, type.get(), field);
-}
+using orv_test::Check;
+using orv_test::Id;
+using orv_test::MakeGroup;
+using orv_test::OpenOrMakeGroup;
+using orv_test::PutAttribute;
+using orv_test::PutNumber;
+using orv_test::PutText;
 
 template <int Rank>
 void PutData(hid_t group, const char* name, hid_t type, const hsize_t (&shape)[Rank], const void* values) {
-  const SpaceId space(H5Screate_simple(Rank, shape, nullptr), name);
-  const DatasetId data(H5Dcreate2(group, name, type, space.get(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), name);
+  const Id space(H5Screate_simple(Rank, shape, nullptr), name);
+  const Id data(H5Dcreate2(group, name, type, space.get(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), name);
   Check(H5Dwrite(data.get(), type, H5S_ALL, H5S_ALL, H5P_DEFAULT, values), name);
-}
-
-GroupId MakeGroup(hid_t parent, const char* name) {
-  return {H5Gcreate2(parent, name, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), name};
-}
-
-GroupId OpenOrMake(hid_t parent, const char* name) {
-  const htri_t there = H5Lexists(parent, name, H5P_DEFAULT);
-  Demand(there >= 0, "H5Lexists");
-  return there > 0 ? GroupId(H5Gopen2(parent, name, H5P_DEFAULT), name) : MakeGroup(parent, name);
 }
 
 void PutHeader(hid_t block, int nodes, const Quantity& quantity) {
@@ -71,13 +46,13 @@ class RawWriter : public Writer {
 
   void WriteState(int state, StateValues& values) override {
     if (whole_state_) {
-      const FileId file = Open();
+      const Id file = Open();
       for (int quantity = 0; quantity < kCount; ++quantity) WriteBlock(file.get(), state, quantity, values);
       Check(H5Fflush(file.get(), H5F_SCOPE_GLOBAL), "H5Fflush");
       return;
     }
     for (int quantity = 0; quantity < kCount; ++quantity) {
-      const FileId file = Open();
+      const Id file = Open();
       WriteBlock(file.get(), state, quantity, values);
       Check(H5Fflush(file.get(), H5F_SCOPE_GLOBAL), "H5Fflush");
     }
@@ -86,16 +61,16 @@ class RawWriter : public Writer {
  private:
   static constexpr int kCount = static_cast<int>(kQuantities.size());
 
-  FileId Open() const { return {H5Fopen(path_.c_str(), H5F_ACC_RDWR, H5P_DEFAULT), "H5Fopen"}; }
+  Id Open() const { return {H5Fopen(path_.c_str(), H5F_ACC_RDWR, H5P_DEFAULT), "H5Fopen"}; }
 
   static void WriteBlock(hid_t file, int state, int quantity, const StateValues& values) {
     const auto at = static_cast<std::size_t>(quantity);
-    const GroupId states(H5Gopen2(file, "/post/singlestate", H5P_DEFAULT), "singlestate");
-    const GroupId of_state = OpenOrMake(states.get(), StateGroup(state).c_str());
-    const GroupId results = OpenOrMake(of_state.get(), "entityresults");
-    const GroupId entity = OpenOrMake(results.get(), kNodeType);
-    const GroupId variable = OpenOrMake(entity.get(), kQuantities[at].name);
-    const GroupId block = MakeGroup(variable.get(), "orvblock");
+    const Id states(H5Gopen2(file, "/post/singlestate", H5P_DEFAULT), "singlestate");
+    const Id of_state = OpenOrMakeGroup(states.get(), StateGroup(state).c_str());
+    const Id results = OpenOrMakeGroup(of_state.get(), "entityresults");
+    const Id entity = OpenOrMakeGroup(results.get(), kNodeType);
+    const Id variable = OpenOrMakeGroup(entity.get(), kQuantities[at].name);
+    const Id block = MakeGroup(variable.get(), "orvblock");
     PutHeader(block.get(), values.job.nodes, kQuantities[at]);
     const auto nodes = static_cast<hsize_t>(values.job.nodes);
     PutData(block.get(), "res", H5T_NATIVE_FLOAT, {nodes, static_cast<hsize_t>(kQuantities[at].components)},

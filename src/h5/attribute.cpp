@@ -87,12 +87,6 @@ int ReadTextAttribute(hid_t attribute, const char* name, hid_t type, const Exten
   return read < 0 ? Fail("OH5Read_ATTRIBUTE::\n\t \"%s\" failed to read", name) : kOk;
 }
 
-H5T_class_t ClassOf(structure::ElementKind kind) {
-  return kind == structure::ElementKind::kText    ? H5T_STRING
-         : kind == structure::ElementKind::kFloat ? H5T_FLOAT
-                                                  : H5T_INTEGER;
-}
-
 /// Whether all is known of an attribute that a read of that kind needs: one value of a plain kind.
 bool IsRead(const structure::ArrayShape& shape, int rank, const TypeRow* row) {
   using structure::ElementKind;

@@ -203,12 +203,11 @@ herr_t AppendName(hid_t /*group*/, const char* name, const H5L_info1_t* /*info*/
 
 bool ReadObjectInfo(hid_t object, H5O_info1_t& info) {
   if (const IndexedPlace place(object); place) {
-    info.fileno = static_cast<unsigned long>(place.file->IdOf(place.catalogue().root()));
     info.addr = place.catalogue().AddressOf(place.object);
     info.type = H5O_TYPE_GROUP;
     return true;
   }
-  return H5Oget_info1(object, &info) >= 0;
+  return H5Oget_info2(object, &info, H5O_INFO_BASIC) >= 0;
 }
 
 void VisitLinks(hid_t group, H5L_iterate1_t visit, void* data) {

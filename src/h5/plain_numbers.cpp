@@ -202,6 +202,19 @@ bool PlainRead::ReadSlab(const PlainSlab& slab) {
 
 }  // namespace
 
+H5T_class_t ClassOf(ElementKind kind) {
+  switch (kind) {
+    case ElementKind::kSigned:
+      return H5T_INTEGER;
+    case ElementKind::kFloat:
+      return H5T_FLOAT;
+    case ElementKind::kText:
+      return H5T_STRING;
+    default:
+      return H5T_NO_CLASS;
+  }
+}
+
 bool IsPlain(const ArrayShape& shape, const TypeRow& row) { return FindConversion(shape, row) != nullptr; }
 
 void ConvertPlain(const ArrayShape& shape, const TypeRow& row, const std::uint8_t* from, void* to, std::size_t count) {

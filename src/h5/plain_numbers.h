@@ -11,6 +11,9 @@
 
 namespace orvio::h5 {
 
+/// The HDF5 class of elements of a kind.
+H5T_class_t ClassOf(structure::ElementKind kind);
+
 /// Whether numbers of a shape become those of `row` here, with the values that HDF5 would give them.
 bool IsPlain(const structure::ArrayShape& shape, const TypeRow& row);
 

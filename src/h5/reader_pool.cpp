@@ -15,7 +15,6 @@ OH5ReaderPool& OH5ReaderPool::Get() {
   return *pool;
 }
 
-/// A path with backslashes and the same path with slashes are one file.
 std::string OH5ReaderPool::KeyOf(const char* file) {
   std::string key = file;
   std::ranges::replace(key, '\\', '/');
@@ -36,10 +35,10 @@ class IndexedReader : public OH5Reader {
 }  // namespace
 
 IOH5Reader* OH5ReaderPool::Request(const char* file, unsigned flags) {
-  if (const orvio::h5::IndexedFile* indexed = orvio::h5::FindIndexedFile(file); indexed && flags == 0) {
+  const std::string key = KeyOf(file);
+  if (const orvio::h5::IndexedFile* indexed = orvio::h5::FindIndexedFile(key); indexed && flags == 0) {
     return new IndexedReader(*indexed);
   }
-  const std::string key = KeyOf(file);
   const auto kept = open_.find(key);
   if (kept != open_.end() && kept->second) return kept->second;
   auto reader = std::make_unique<OH5Reader>(key.c_str(), flags);

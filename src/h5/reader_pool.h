@@ -15,6 +15,9 @@ class OH5ReaderPool {
   /// The pool of the process, made at the first call.
   static OH5ReaderPool& Get();
 
+  /// The path that stands for a file: one with backslashes and the same with slashes are one file.
+  static std::string KeyOf(const char* file);
+
   /// A reader for a file; the caller gives it back with Release. One that failed to open is answered all the
   /// same: its file id is negative. A kept reader is answered whatever `flags` is asked.
   IOH5Reader* Request(const char* file, unsigned flags);
@@ -37,7 +40,6 @@ class OH5ReaderPool {
  private:
   static constexpr size_t kMaxOpen = 5;
 
-  static std::string KeyOf(const char* file);
   bool Holds(const IOH5Reader* reader) const;
   void Keep(const std::string& key, IOH5Reader* reader);
   void Remove(IOH5Reader* reader);

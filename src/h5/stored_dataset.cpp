@@ -9,6 +9,7 @@
 #include "h5/file_access.h"
 #include "h5/filters.h"
 #include "h5/indexed_file.h"
+#include "h5/plain_numbers.h"
 
 namespace orvio::h5 {
 namespace {
@@ -74,15 +75,7 @@ StoredDataset& StoredDataset::ByHdf5() {
 }
 
 H5T_class_t StoredDataset::type_class() {
-  if (!indexed_) return H5Tget_class(type());
-  switch (indexed_->values.shape.kind) {
-    case structure::ElementKind::kSigned:
-      return H5T_INTEGER;
-    case structure::ElementKind::kFloat:
-      return H5T_FLOAT;
-    default:
-      return H5T_STRING;
-  }
+  return indexed_ ? ClassOf(indexed_->values.shape.kind) : H5Tget_class(type());
 }
 
 void StoredDataset::Open(hid_t loc, const char* name) {

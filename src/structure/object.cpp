@@ -251,8 +251,10 @@ Continuation ObjectVisitor::OnlyContinuation(std::uint64_t address) {
   if (walk_.view.widths().offset != 8 || walk_.view.widths().length != 8) return {};
   Cursor in = walk_.view.At(address, KnownGroups::kFirst);
   const bool is_old = in.U8() == 1;
-  in.Skip(1 + 2 + 4);  // reserved, number of messages, number of links
-  const bool is_one = in.U32() == kHead + kBody;
+  in.Skip(1);  // reserved
+  const bool is_counted = in.U16() != 0;
+  in.Skip(4);  // number of links
+  const bool is_one = in.U32() == kHead + kBody && is_counted;
   in.Skip(4);
   const bool goes_on = in.U64() == (kBody << 16 | static_cast<std::uint64_t>(MessageType::kContinuation));
   Continuation rest;

@@ -8,6 +8,7 @@ namespace orvio::structure {
 namespace {
 
 constexpr std::uint64_t kChecksum = 4;
+constexpr unsigned kAnyNumber = 0xffff'ffff;  // of messages
 
 /// Whether messages of a type that is known may be shared with other objects. Of a bogus one HDF5 does not ask.
 bool IsSharable(unsigned type) {
@@ -37,6 +38,7 @@ bool HeaderMessages::Start(std::uint64_t address, Use use) {
   use_ = use;
   continuations_.clear();
   at_ = end_ = 0;
+  left_ = kAnyNumber;
   followed_ = 0;
   Cursor first = walk_.view.At(address, 4);
   if (first.Is("OHDR")) return StartVersion2(address);
@@ -49,7 +51,9 @@ bool HeaderMessages::StartVersion1(std::uint64_t address) {
   version_ = 1;
   head_size_ = 8;
   const unsigned version = in.U8();
-  in.Skip(1 + 2 + 4);  // reserved, number of messages, number of links
+  in.Skip(1);  // reserved
+  left_ = in.U16();
+  in.Skip(4);  // number of links
   const std::uint64_t size = in.U32();
   if (!in.ok()) return walk_.Refuse(address, "object header passes the end of the file");
   if (version != 1) return walk_.Refuse(address, "object header has an unknown version");
@@ -89,6 +93,7 @@ bool HeaderMessages::StartContinuation() {
   if (!TakeFurther(chunk.address, chunk.size)) return false;
   at_ = chunk.address;
   end_ = chunk.address + chunk.size;
+  left_ = kAnyNumber;  // HDF5 relies on the number for the first chunk alone
   if (version_ == 1) return true;
   if (!walk_.view.At(chunk.address, 4).Is("OCHK") || chunk.size < 4 + kChecksum) {
     return walk_.Refuse(chunk.address, "object header does not go on where it says");
@@ -110,6 +115,13 @@ bool HeaderMessages::ReadHead(Message& message, unsigned& type, unsigned& flags)
     return walk_.Refuse(at_, "object header message passes its chunk");
   }
   at_ = message.body + message.size;
+  return true;
+}
+
+bool HeaderMessages::Count(const Message& message) {
+  if (left_ == kAnyNumber) return true;
+  if (left_ == 0) return walk_.Refuse(message.address, "object header counts fewer messages than it holds");
+  --left_;
   return true;
 }
 
@@ -153,7 +165,7 @@ bool HeaderMessages::Next(Message& message) {
     }
     unsigned type = 0;
     unsigned flags = 0;
-    if (!ReadHead(message, type, flags) || !JudgeFlags(message, type, flags)) return false;
+    if (!ReadHead(message, type, flags) || !Count(message) || !JudgeFlags(message, type, flags)) return false;
     message.shared = (flags & 2U) != 0;
     message.type =
         type < static_cast<unsigned>(MessageType::kCount) ? static_cast<MessageType>(type) : MessageType::kNone;

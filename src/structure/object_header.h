@@ -77,6 +77,7 @@ class HeaderMessages {
   bool StartContinuation();
   bool EndsHere() const { return at_ >= end_ || end_ - at_ < (version_ == 1 ? 1U : head_size_); }
   bool ReadHead(Message& message, unsigned& type, unsigned& flags);
+  bool Count(const Message& message);
   bool JudgeFlags(const Message& message, unsigned type, unsigned flags);
   bool Continue(const Message& message);
 
@@ -85,6 +86,7 @@ class HeaderMessages {
   unsigned version_ = 1;
   std::size_t followed_ = 0;  ///< continuations so far
   unsigned head_size_ = 8;    ///< bytes before the body of a message
+  unsigned left_ = 0;         ///< messages that the chunk may still hold
   std::uint64_t at_ = 0;
   std::uint64_t end_ = 0;
   std::vector<Chunk> continuations_;

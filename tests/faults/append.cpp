@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "orvio/orvio.h"
+#include "support/numbered_variable.h"
 
 namespace orvio::faults {
 namespace {
@@ -18,34 +19,6 @@ _ORVVersion VersionOf(Form form) { return form.split ? ORV_VERSION_1_1 : ORV_VER
 
 void Demand(int status, const char* what) {
   if (status != 0) throw std::runtime_error(std::string("the base file cannot be made: ") + what);
-}
-
-/// One variable, its components named by their numbers.
-int WriteVariable(ORVFiler& filer, const BlockRow& row) {
-  const auto count = static_cast<std::size_t>(row.components);
-  std::vector<int> no_units(count), ids, lengths(count, 1), offsets;
-  std::string names(count * 256, ' '), labels;
-  for (std::size_t i = 0; i < count; ++i) {
-    ids.push_back(static_cast<int>(i) + 1);
-    offsets.push_back(static_cast<int>(i));
-    labels += static_cast<char>('1' + i);
-    names[i * 256] = labels.back();
-  }
-  ORVVariable variable;
-  Name(variable.m_varnam, row.variable);
-  Name(variable.m_varkey, row.variable);
-  variable.m_ncoo = row.components;
-  variable.m_rank = row.components == 1 ? 0 : 1;
-  variable.m_ndim = 3;
-  variable.m_tensor = row.components == 1 ? 0 : 1;
-  variable.m_pMbunit = variable.m_pMdunit = no_units.data();
-  variable.m_pCid = ids.data();
-  variable.m_pCname = names.data();
-  variable.m_subslen = row.components;
-  variable.m_pSubscr = labels.data();
-  variable.m_pSubscnt = lengths.data();
-  variable.m_pSubsoffs = offsets.data();
-  return filer.WriteBlock(&variable, 0, ORV_WRITE_HEADER | ORV_WRITE_DATA);
 }
 
 int WriteMesh(ORVFiler& filer) {
@@ -129,7 +102,9 @@ void MakeBase(const std::string& path, Form form, int states) {
   ORVFiler filer(path.c_str());
   (void)ORVSetDurability(0);
   Demand(filer.InitForWriting(path.c_str(), VersionOf(form), ORV_FILE_CREATE, false), "its tree");
-  for (const BlockRow& row : kBlocks) Demand(WriteVariable(filer, row), "a variable");
+  for (const BlockRow& row : kBlocks) {
+    Demand(orv_test::NumberedVariable(row.variable, row.components).Write(filer), "a variable");
+  }
   Demand(WriteMesh(filer), "the mesh");
   for (int state = 1; state <= states; ++state) {
     for (int block = 0; block < kBlockCount; ++block) Demand(WriteResult(filer, form, block, state, 0), "a state");

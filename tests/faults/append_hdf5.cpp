@@ -3,55 +3,28 @@
 
 #include <hdf5.h>
 
-#include <cstring>
-
 #include "faults/append.h"
-#include "support/raw_hdf5.h"
+#include "support/raw_put.h"
 
 namespace orvio::faults {
 namespace {
 
 using orv_test::Check;
 using orv_test::Id;
-
-constexpr std::size_t kTextWidth = 256;
-
-Id OpenOrMake(hid_t parent, const std::string& name) {
-  const htri_t there = H5Lexists(parent, name.c_str(), H5P_DEFAULT);
-  Check(there, name);
-  return there > 0 ? Id(H5Gopen2(parent, name.c_str(), H5P_DEFAULT), name)
-                   : Id(H5Gcreate2(parent, name.c_str(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), name);
-}
+using orv_test::OpenOrMakeGroup;
+using orv_test::PutNumber;
+using orv_test::PutText;
 
 /// Opens or makes the groups of a path, one in the other.
 Id OpenChain(hid_t file, const std::string& path) {
-  Id group = OpenOrMake(file, "post");
+  Id group = OpenOrMakeGroup(file, "post");
   std::size_t begin = path.find('/', 1);
   while (begin != std::string::npos) {
     const std::size_t end = path.find('/', begin + 1);
-    group = OpenOrMake(group.get(), path.substr(begin + 1, end == std::string::npos ? end : end - begin - 1));
+    group = OpenOrMakeGroup(group.get(), path.substr(begin + 1, end == std::string::npos ? end : end - begin - 1));
     begin = end;
   }
   return group;
-}
-
-void PutAttribute(hid_t group, const char* name, hid_t type, const void* value) {
-  const Id space(H5Screate(H5S_SCALAR), name);
-  const Id attribute(H5Acreate2(group, name, type, space.get(), H5P_DEFAULT, H5P_DEFAULT), name);
-  Check(H5Awrite(attribute.get(), type, value), name);
-}
-
-void PutNumber(hid_t group, const char* name, std::int64_t value) {
-  PutAttribute(group, name, H5T_NATIVE_LLONG, &value);
-}
-
-void PutText(hid_t group, const char* name, const char* text) {
-  char field[kTextWidth];
-  std::memset(field, ' ', sizeof field);
-  std::memcpy(field, text, std::strlen(text));
-  const Id type(H5Tcopy(H5T_C_S1), name);
-  Check(H5Tset_size(type.get(), sizeof field), name);
-  PutAttribute(group, name, type.get(), field);
 }
 
 /// What a dataset is made with: packed in one chunk, or as it is.

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <utility>
@@ -102,6 +103,23 @@ TEST_F(FileIndex, ServesReadsOfAFileThatStaysAsItIs) {
   EXPECT_EQ(Fetch(1), (std::vector<float>{10, 11, 12}));
   EXPECT_EQ(Fetch(2), (std::vector<float>{20, 21, 22}));
   EXPECT_TRUE(IsServed());
+}
+
+TEST_F(FileIndex, TakesBackslashesForSlashes) {
+  std::string path = path_;
+  std::ranges::replace(path, '/', '\\');
+  bool served_at_once = false;
+  bool served_later = true;
+  orvio::h5::EntryVoid([&] {
+    {
+      const FileInUse index(path.c_str());
+      served_at_once =
+          IsIndexed(ShortLease(path_.c_str())->GetFileId()) && IsIndexed(ShortLease(path.c_str())->GetFileId());
+    }
+    served_later = IsIndexed(ShortLease(path.c_str())->GetFileId());
+  });
+  EXPECT_TRUE(served_at_once);
+  EXPECT_FALSE(served_later);
 }
 
 TEST_F(FileIndex, IsSwitchedOffAndOn) {

@@ -176,6 +176,19 @@ const Damage kDamages[] = {
      "structure passes the end of the file"},
     {"HeaderAtTheEnd", kOldest, Plain, [](PatchedFile& f) { f.at(kSuperblock).put(64, 8, f.get(40, 8) - 9); },
      "object header passes the end of the file"},
+    {"MessageCount", kOldest, Plain, [](PatchedFile& f) { OldRoot(f).put(2, 2, 0); },
+     "object header counts fewer messages than it holds"},
+    {"MessageCountOfADataset", kOldest, Plain, [](PatchedFile& f) { OldExtent(f).put(-30, 2, 1); },
+     "object header counts fewer messages than it holds"},
+    {"EmptyMessagesAreCounted", kOldest, Plain,
+     [](PatchedFile& f) {
+       OldExtent(f);
+       const std::ptrdiff_t end = -16 + static_cast<std::ptrdiff_t>(f.get(-24, 4));
+       std::ptrdiff_t empty = -16;
+       while (f.get(empty, 2) != 0) empty += 8 + static_cast<std::ptrdiff_t>(f.get(empty + 2, 2));
+       for (; empty < end; empty += 8) f.put(empty, 8, 0);  // one large one becomes many small ones
+     },
+     "object header counts fewer messages than it holds"},
     {"MessageSize", kOldest, Plain, [](PatchedFile& f) { OldRoot(f).put(18, 2, 0xfff8); },
      "object header message passes its chunk"},
     {"MessageFlags", kOldest, Plain, [](PatchedFile& f) { OldRoot(f).put(20, 1, 6); },

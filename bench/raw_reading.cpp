@@ -1,14 +1,16 @@
-// Reading with HDF5 alone.
-
-#include "raw_hdf5.h"
+// Reading with HDF5 alone: every dataset by its full path, nothing looked for, nothing checked but HDF5's answers.
 
 #include <cstdio>
 #include <vector>
 
 #include "roads.h"
+#include "support/raw_hdf5.h"
 
 namespace orvio::bench {
 namespace {
+
+using orv_test::Check;
+using orv_test::Id;
 
 constexpr char kStates[] = "/post/singlestate";
 
@@ -61,12 +63,12 @@ class RawReader : public Reader {
   }
 
  private:
-  FileId Open() const { return {H5Fopen(path_.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), "H5Fopen"}; }
+  Id Open() const { return {H5Fopen(path_.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), "H5Fopen"}; }
 
   template <class Work>
   void WithFile(Work work) const {
     if (kept_.open()) return work(kept_.get());
-    const FileId file = Open();
+    const Id file = Open();
     work(file.get());
   }
 
@@ -78,7 +80,7 @@ class RawReader : public Reader {
   }
 
   static void ReadWhole(hid_t file, const std::string& path, hid_t type, void* to) {
-    const DatasetId data(H5Dopen2(file, path.c_str(), H5P_DEFAULT), "H5Dopen");
+    const Id data(H5Dopen2(file, path.c_str(), H5P_DEFAULT), "H5Dopen");
     Check(H5Dread(data.get(), type, H5S_ALL, H5S_ALL, H5P_DEFAULT, to), "H5Dread");
   }
 
@@ -87,14 +89,14 @@ class RawReader : public Reader {
     if (asked.node == Asked::kAll && asked.component == Asked::kAll) {
       return ReadWhole(file, path, H5T_NATIVE_FLOAT, to);
     }
-    const DatasetId data(H5Dopen2(file, path.c_str(), H5P_DEFAULT), "H5Dopen");
-    const SpaceId space(H5Dget_space(data.get()), "H5Dget_space");
+    const Id data(H5Dopen2(file, path.c_str(), H5P_DEFAULT), "H5Dopen");
+    const Id space(H5Dget_space(data.get()), "H5Dget_space");
     const int components = kQuantities[static_cast<std::size_t>(asked.quantity)].components;
     const hsize_t start[] = {First(asked.node), First(asked.component)};
     const hsize_t count[] = {Extent(asked.node, job_.nodes), Extent(asked.component, components)};
     const hsize_t total = count[0] * count[1];
     Check(H5Sselect_hyperslab(space.get(), H5S_SELECT_SET, start, nullptr, count, nullptr), "H5Sselect_hyperslab");
-    const SpaceId memory(H5Screate_simple(1, &total, nullptr), "H5Screate_simple");
+    const Id memory(H5Screate_simple(1, &total, nullptr), "H5Screate_simple");
     Check(H5Dread(data.get(), H5T_NATIVE_FLOAT, memory.get(), space.get(), H5P_DEFAULT, to), "H5Dread");
   }
 
@@ -112,7 +114,7 @@ class RawReader : public Reader {
 
   Job job_;
   std::string path_;
-  FileId kept_;
+  Id kept_;
   const char* data_ = job_.split ? "data" : "orvblock";
   const char* index_ = job_.split ? "index" : "orvblock";
 };
