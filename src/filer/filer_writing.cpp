@@ -15,6 +15,7 @@
 #include "h5/entry.h"
 #include "h5/file_access.h"
 #include "h5/group_paths.h"
+#include "h5/remembered_names.h"
 #include "h5/status.h"
 #include "h5/text_field.h"
 #include "orvio/orv_filer.h"
@@ -68,7 +69,7 @@ int RunWrite(ORVContainer& container, ORVBlock& block, const std::string& place,
 bool MayBeWritten(hid_t file, int state) {
   if (state == 0) return true;
   const h5::Group section = h5::OpenGroup(file, h5::GroupPath(h5::kSinglestate).c_str());
-  return section && state - 1 <= h5::CountLinks(section.get());
+  return section && state - 1 <= h5::StatesOfWriter(file, section.get()).count();
 }
 
 }  // namespace
@@ -76,6 +77,7 @@ bool MayBeWritten(hid_t file, int state) {
 int ORVFiler::BeginState(int state) {
   if (!m_pWriteData || m_pWriteData->change || state < 0) return kFail;
   return h5::Entry(kFail, [&] {
+    const Swapped among_itself(process().is_among_itself, true);
     auto change = std::make_unique<h5::WriteFile>(h5::OpenFile(m_pWriteData->path.c_str(), H5F_ACC_RDWR));
     if (!*change || !MayBeWritten(change->get(), state)) return kFail;
     m_pWriteData->change = std::move(change);

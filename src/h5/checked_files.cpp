@@ -76,13 +76,20 @@ std::shared_ptr<const structure::Catalogue> CheckedFiles::FindCatalogue(const Fi
   return found != sound_.end() && found->second.stamp == stamp ? found->second.catalogue : nullptr;
 }
 
-void CheckedFiles::RememberNames(const FileStamp& stamp, std::shared_ptr<const std::vector<std::string>> names) {
-  if (Sound* sound = Find(stamp)) sound->names = std::move(names);
+void CheckedFiles::RememberNames(const FileStamp& stamp, std::vector<std::string> names) {
+  if (Sound* sound = Find(stamp)) sound->names = std::make_shared<std::vector<std::string>>(std::move(names));
 }
 
 std::shared_ptr<const std::vector<std::string>> CheckedFiles::FindNames(const FileStamp& stamp) const {
   const auto found = sound_.find(KeyOf(stamp));
   return found != sound_.end() && found->second.stamp == stamp ? found->second.names : nullptr;
+}
+
+std::optional<std::vector<std::string>> CheckedFiles::TakeNames(const FileStamp& stamp) {
+  Sound* sound = Find(stamp);
+  const auto names = sound ? std::move(sound->names) : nullptr;
+  if (!names) return std::nullopt;
+  return names.use_count() == 1 ? std::move(*names) : *names;
 }
 
 CheckedFiles& KnownFiles() {

@@ -8,6 +8,7 @@
 #include <ctime>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -45,8 +46,10 @@ class CheckedFiles {
   std::shared_ptr<const structure::Catalogue> FindCatalogue(const FileStamp& stamp) const;
 
   /// The same for the names of its states.
-  void RememberNames(const FileStamp& stamp, std::shared_ptr<const std::vector<std::string>> names);
+  void RememberNames(const FileStamp& stamp, std::vector<std::string> names);
   std::shared_ptr<const std::vector<std::string>> FindNames(const FileStamp& stamp) const;
+  /// The same, for one who is going to change them.
+  std::optional<std::vector<std::string>> TakeNames(const FileStamp& stamp);
 
   bool IsBeingWritten(const FileStamp& stamp) const { return writing_.contains(KeyOf(stamp)); }
   void BeginWriting(const FileStamp& stamp) { ++writing_[KeyOf(stamp)]; }
@@ -62,7 +65,7 @@ class CheckedFiles {
     FileStamp stamp;
     int opens = 0;  ///< without a catalogue
     std::shared_ptr<const structure::Catalogue> catalogue = nullptr;
-    std::shared_ptr<const std::vector<std::string>> names = nullptr;
+    std::shared_ptr<std::vector<std::string>> names = nullptr;
   };
   Sound* Find(const FileStamp& stamp);
   void ForgetCatalogues();

@@ -105,6 +105,11 @@ bool Empty(int file, const std::string& path, struct stat& info) {
 
 /// HDF5 opens a file once more to find out that it has it open already.
 std::unique_ptr<DiskFile> SecondLook(Descriptor file, const struct stat& info) {
+  if (!process().is_among_itself) {
+    for (WrittenFile* written : process().written_files) {
+      if (written->IsSame(FileStamp(info))) written->Share();
+    }
+  }
   auto disk_file = std::make_unique<DiskFile>(info);
   disk_file->snapshot = std::make_shared<FileSnapshot>(std::move(file), std::string(), info);
   return disk_file;
@@ -159,7 +164,9 @@ WrittenFile::WrittenFile(Descriptor file, std::string path, const struct stat& i
       identity_(info),
       changes_(file_.get(), path_, info.st_mode, static_cast<std::uint64_t>(info.st_size), end,
                static_cast<Durability>(process().durability)),
-      sound_(process().file_check != 0) {
+      sound_(process().file_check != 0),
+      is_ours_alone_(process().is_among_itself) {
+  if (is_ours_alone_) state_names_ = KnownFiles().TakeNames(identity_);
   std::vector<WrittenFile*>& open = process().written_files;
   open.reserve(open.size() + 1);
   KnownFiles().BeginWriting(identity_);
@@ -199,6 +206,7 @@ void WrittenFile::RememberSound() {
   if (!sound_ || fstat(file_.get(), &info) != 0) return;
   try {
     KnownFiles().RememberWritten(FileStamp(info));
+    if (state_names_) KnownFiles().RememberNames(FileStamp(info), *std::move(state_names_));
   } catch (...) {  // NOLINT(bugprone-empty-catch): out of memory, so it will be looked at again
   }
 }

@@ -5,6 +5,9 @@
 #include <H5FDdevelop.h>
 
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "h5/file_changes.h"
 #include "h5/file_driver.h"
@@ -12,6 +15,9 @@
 #include "structure/catalogue.h"
 
 namespace orvio::h5 {
+
+/// Names of the states of a file, in order; nothing while they are not known.
+using StateNames = std::optional<std::vector<std::string>>;
 
 /// A file that is open for writing. What is changed becomes part of the file when HDF5 closes it, unless one who held it
 /// did not let it. A file that nobody holds is committed whenever HDF5 flushes it, too.
@@ -24,6 +30,7 @@ class WrittenFile {
 
   FileChanges& changes() { return changes_; }
   int* place() { return file_.place(); }
+  bool IsSame(const FileStamp& file) const { return file.device == identity_.device && file.inode == identity_.inode; }
 
   void Hold() { ++holders_; }
   /// Answers whether the changes can be kept so far.
@@ -33,6 +40,13 @@ class WrittenFile {
   /// HDF5 has come to the end of its open, in which it flushes what it is not done with.
   void EndOpening() { opening_ = false; }
   bool CommitsFlushes() const { return !opening_ && !IsHeld(); }
+
+  /// Null once code of a host may have changed the file by itself.
+  StateNames* state_names() { return is_ours_alone_ ? &state_names_ : nullptr; }
+  void Share() {
+    is_ours_alone_ = false;
+    state_names_.reset();
+  }
 
   /// Commits what was changed so far. False when that fails: the last error text tells.
   [[nodiscard]] bool Commit();
@@ -49,7 +63,9 @@ class WrittenFile {
   FileChanges changes_;
   int holders_ = 0;
   bool opening_ = true;
-  bool sound_;  ///< was so when it was opened
+  bool sound_;          ///< was so when it was opened
+  bool is_ours_alone_;  ///< HDF5 has handed no id of it to a host
+  StateNames state_names_;
 };
 
 /// HDF5 hands the first member back to every callback, and knows nothing of what follows it.

@@ -9,28 +9,30 @@
 #include "h5/entry.h"
 #include "h5/file_access.h"
 #include "h5/group_paths.h"
+#include "h5/remembered_names.h"
 #include "h5/status.h"
 #include "orvio/oh5_io.h"
 
 namespace orvio::h5 {
 namespace {
 
-/// The state with a 0-based index among `count` states; the next one is made when `create` is set.
-Group OpenState(hid_t section, int index, bool create) {
-  const hssize_t count = CountLinks(section);
+/// The state with a 0-based index; the next one is made when `create` is set.
+Group OpenState(hid_t file, hid_t section, int index, bool create) {
+  StatesOfWriter states(file, section);
+  const hssize_t count = states.count();
   if (count < 0 || index < 0) return Group();
   if (index < count) {
-    const std::string name = LinkName(section, static_cast<hsize_t>(index));
+    const std::string name = states.Name(static_cast<hsize_t>(index));
     return name.empty() ? Group() : OpenGroup(section, name.c_str());
   }
   // States are found by position, so a gap would give every later state the number of another.
   if (!create || count != index) return Group();
-  return OpenOrCreateGroup(section, StateName(index + 1).c_str());
+  return states.Make(StateName(index + 1));
 }
 
 int OpenStateIn(hid_t file, int index, hid_t* singlestate, hid_t* state, bool create) {
   Group section = OpenGroup(file, GroupPath(kSinglestate).c_str());
-  Group found = section ? OpenState(section.get(), index, create) : Group();
+  Group found = section ? OpenState(file, section.get(), index, create) : Group();
   if (!found) return kFail;
   *singlestate = section.release();
   *state = found.release();

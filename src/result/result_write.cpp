@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "block/block_keys.h"
+#include "block/file_in_use_by.h"
 #include "filer/process_state.h"
 #include "filer/versions.h"
 #include "h5/disk_names.h"
@@ -61,14 +62,21 @@ bool IsIdDataset(hid_t file, const std::string& path, const Shape& shape, _ORVDa
          OH5Read_DATATYPE(file, path.c_str(), &stored) == kOk && ORVBlock::IsORVIntType(stored);
 }
 
-/// Asks the block's callback where its ids stand already and links to them. False: they are to be stored.
-bool LinkIds(ORVResult& block, hid_t group, const ResultDataset& ids) {
-  if (!block.m_linkCallBack) return false;
+/// The path that a block's callback tells; empty for none.
+std::string AskForIds(ORVResult& block) {
+  const Swapped with_host(process().is_among_itself, false);
   char path[disk::kNameWidth] = {};
   (void)block.m_linkCallBack(ORV_ATT_IDS, &block, path, nullptr);  // the path tells, not the answer
   path[sizeof path - 1] = '\0';
-  const h5::File file = *path ? h5::FileOf(group) : h5::File();
-  const std::string target = std::string("/") + path;
+  return path;
+}
+
+/// Asks the block's callback where its ids stand already and links to them. False: they are to be stored.
+bool LinkIds(ORVResult& block, hid_t group, const ResultDataset& ids) {
+  if (!block.m_linkCallBack) return false;
+  const std::string path = AskForIds(block);
+  const h5::File file = path.empty() ? h5::File() : h5::FileOf(group);
+  const std::string target = "/" + path;
   if (!file || !IsIdDataset(file.get(), target, ids.shape, ids.type)) return false;
   return h5::SoftLinkTarget(group, ids.name) == target || h5::CreateSoftLink(group, ids.name, target) == kOk;
 }
@@ -159,6 +167,7 @@ int ORVResult::WriteBlock(const char* file, int state, int sections) {
   const ResultKind* kind = FindResultKind(m_BlkKey);
   if (!file || !kind || kind->IsProperties()) return kFail;
   return h5::Entry(kFail, [&] {
+    const Swapped among_itself(process().is_among_itself, IsOwnBlock(*this));
     const WriteAccess access;
     ResultPlace place(*this, *kind, file, state, OpenSection);
     if (!place) return kFail;
