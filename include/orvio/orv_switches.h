@@ -22,6 +22,12 @@ ORVIO_EXPORT int ORVGetResultBlockOverWriteMode();
 ORVIO_EXPORT void OH5SetCompression(int on, int digits);
 ORVIO_EXPORT void OH5GetCompression(int* on, int* digits);
 
+/// Entities in one chunk of a compressed dataset at most: 0 (the default) makes one chunk of all. With a few thousand, the
+/// values of one entity are found without unpacking those of all others. It counts along the axis of the entities of
+/// result values and along the first one of all else, in datasets that are made from here on. Every reader reads both.
+/// Answers the old setting; a negative value changes nothing.
+ORVIO_EXPORT int ORVSetChunkEntities(int entities);
+
 /// Whether the structure of a file is looked at before HDF5 opens it: 1 (the default) refuses a file with damage
 /// anywhere in it, 0 leaves that to HDF5, which may crash on such files. A file is looked at once, and again when it has
 /// changed. What keeps a file from leading to other files holds in both. Answers the old setting; any other value than

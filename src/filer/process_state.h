@@ -41,6 +41,8 @@ struct ProcessState {
   unsigned g_nReadAccess = 0;      ///< flags of the next open by a write helper; 0 is read-only
   hid_t g_hLastFile = -1;          ///< last file opened for a group lookup; only written
   Compression compression;         ///< see OH5SetCompression
+  int chunk_entities = 0;          ///< see ORVSetChunkEntities
+  int entity_axis = 0;             ///< of the dataset that is being written, whose chunks that limits
   int g_nResultOverwriteMode = 0;  ///< not 0: an existing result block may be written into
 
   int file_check = 1;        ///< see ORVSetFileCheck

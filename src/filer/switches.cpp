@@ -30,6 +30,12 @@ void OH5GetCompression(int* on, int* digits) {
   *digits = process().compression.g_nCompressionDigits;
 }
 
+int ORVSetChunkEntities(int entities) {
+  const int before = process().chunk_entities;
+  if (entities >= 0) process().chunk_entities = entities;
+  return before;
+}
+
 int ORVSetFileCheck(int mode) {
   const int before = process().file_check;
   if (mode == 0 || mode == 1) process().file_check = mode;

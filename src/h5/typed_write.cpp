@@ -30,10 +30,16 @@ Space SpaceOf(int rank, const hsize_t* dims) {
   return Space(rank < 1 ? H5Screate(H5S_SCALAR) : H5Screate_simple(rank, dims, nullptr));
 }
 
-/// HDF5 takes no chunk of 4 GiB or more: the one full-size chunk is halved along its first extent until it fits.
-bool SetOneChunk(hid_t list, int rank, const hsize_t* dims, size_t element) {
+/// One chunk of all, unless only so many entities are to be in one. HDF5 takes none of 4 GiB or more: what is larger is
+/// halved along its first extent until it fits.
+bool SetChunk(hid_t list, int rank, const hsize_t* dims, size_t element) {
   hsize_t chunk[H5S_MAX_RANK] = {};
   std::copy_n(dims, rank, chunk);
+  const ProcessState& state = process();
+  if (state.chunk_entities > 0 && state.entity_axis < rank) {
+    hsize_t& entities = chunk[state.entity_axis];
+    entities = std::min(entities, static_cast<hsize_t>(state.chunk_entities));
+  }
   constexpr std::uint64_t kChunkLimit = std::uint64_t{1} << 32;
   for (;;) {
     const auto points = Product(rank, chunk);
@@ -44,7 +50,7 @@ bool SetOneChunk(hid_t list, int rank, const hsize_t* dims, size_t element) {
   return H5Pset_chunk(list, rank, chunk) >= 0;
 }
 
-/// The creation list of a new numeric dataset: plain, or with the scale-offset filter over one chunk. Switches
+/// The creation list of a new numeric dataset: plain, or with the scale-offset filter over its chunks. Switches
 /// that are on with negative digits ask for a filter that HDF5 refuses; such data are written without one. So are
 /// data that the filter would damage, and single values.
 PropertyList CreationList(const Write& write, const TypeRow& row, hsize_t count) {
@@ -56,7 +62,7 @@ PropertyList CreationList(const Write& write, const TypeRow& row, hsize_t count)
   if (!list || !filtered) return list;
   const H5Z_SO_scale_type_t scale = row.type_class == H5T_FLOAT ? H5Z_SO_FLOAT_DSCALE : H5Z_SO_INT;
   const int factor = row.type_class == H5T_FLOAT ? digits : H5Z_SO_INT_MINBITS_DEFAULT;
-  if (H5Pset_layout(list.get(), H5D_CHUNKED) < 0 || !SetOneChunk(list.get(), write.rank, write.dims, row.size) ||
+  if (H5Pset_layout(list.get(), H5D_CHUNKED) < 0 || !SetChunk(list.get(), write.rank, write.dims, row.size) ||
       H5Pset_scaleoffset(list.get(), scale, factor) < 0) {
     list.reset();
   }

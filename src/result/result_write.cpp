@@ -108,6 +108,11 @@ void WriteFrames(const ORVResult& block, hid_t group) {
   }
 }
 
+int WriteValues(const ORVResult& block, const ResultKind& kind, hid_t group, const Shape& shape) {
+  const Swapped axis(process().entity_axis, kind.PositionOf(ORV_DIM_ENTITY));
+  return OH5Write_FLOAT(group, disk::res, shape.rank, shape.dims, block.m_resType, block.m_res);
+}
+
 const char* WordOr(const char* text, const char* word) { return *text ? text : word; }
 
 }  // namespace
@@ -221,7 +226,7 @@ int ORVResult::WriteData(hid_t group) {
       if (OH5Write_FLOAT(group, eloc.name, eloc.shape.rank, eloc.shape.dims, eloc.type, eloc.buffer) != kOk)
         return kFail;
     }
-    if (OH5Write_FLOAT(group, disk::res, shape.rank, shape.dims, m_resType, m_res) != kOk) return kFail;
+    if (WriteValues(*this, *kind, group, shape) != kOk) return kFail;
     const int ids = m_readIds ? WriteIds(*this, *kind, group) : kOk;
     const Swapped<Compression> plain(process().compression, Compression{});
     WriteFrames(*this, group);

@@ -228,6 +228,33 @@ TEST_F(CompressedWrite, KeepsTheDigitsOfFloatsInOneFullChunk) {
   for (size_t i = 0; i < kept.size(); ++i) EXPECT_NEAR(values[i], kept[i], 1e-9) << i;
 }
 
+TEST_F(CompressedWrite, MakesChunksOfAsManyEntitiesAsAreAskedFor) {
+  OH5SetCompression(1, 2);
+  EXPECT_EQ(ORVSetChunkEntities(2), 0);
+  const std::vector<double> values = {1.23, 2.5, 4, -4, 0, 100.13, 7, 8, 9, 10};
+  EXPECT_EQ(WriteFloat<double>("d", {5, 2}, ORV_DOUBLE, values), 0);
+  EXPECT_EQ(WriteInt<std::int32_t>("i", {5}, ORV_INT, {1, 2, 3, 4, 5}), 0);
+  EXPECT_EQ(WriteInt<std::int32_t>("short", {1}, ORV_INT, {1}), 0);
+  EXPECT_EQ(ORVSetChunkEntities(-1), 2) << "no number of entities";
+  EXPECT_EQ(ORVSetChunkEntities(0), 2);
+  const RawFile file = Look();
+  EXPECT_EQ(file.chunk(At("d")), (Dims{2, 2}));
+  EXPECT_EQ(file.chunk(At("i")), Dims{2});
+  EXPECT_EQ(file.chunk(At("short")), Dims{1});
+  EXPECT_EQ(file.filters(At("d")), std::vector<int>{H5Z_FILTER_SCALEOFFSET});
+  EXPECT_EQ(file.values<std::int32_t>(At("i")), (std::vector<std::int32_t>{1, 2, 3, 4, 5}));
+  const std::vector<double> kept = file.values<double>(At("d"));
+  ASSERT_EQ(kept.size(), values.size());
+  for (size_t i = 0; i < kept.size(); ++i) EXPECT_NEAR(kept[i], values[i], 1e-9) << i;
+}
+
+TEST_F(CompressedWrite, StoresPlainDataInOnePieceHoweverManyEntitiesAChunkMayHave) {
+  EXPECT_EQ(ORVSetChunkEntities(2), 0);
+  EXPECT_EQ(WriteFloat<double>("d", {3}, ORV_DOUBLE, {1, 2, 3}), 0);
+  EXPECT_EQ(ORVSetChunkEntities(0), 2);
+  EXPECT_EQ(Look().layout(At("d")), H5D_CONTIGUOUS);
+}
+
 TEST_F(CompressedWrite, GivesIntegersTheIntegerFormOfTheFilter) {
   OH5SetCompression(1, 2);
   EXPECT_EQ(WriteInt<std::int32_t>("i", {4}, ORV_INT, {1000001, 1000002, 1000003, 999999}), 0);

@@ -1,5 +1,6 @@
 // The data and index that a write of a result block leaves, looked at with HDF5 alone.
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <utility>
@@ -52,6 +53,37 @@ TEST_F(ResultWriteData, StoresValuesInTheShapeOfTheKind) {
     EXPECT_EQ(raw.values<float>(place).at(7), 7);
     EXPECT_EQ(raw.layout(place), H5D_CONTIGUOUS);
   }
+}
+
+/// As above, with two entities in a chunk.
+TEST_F(ResultWriteData, CutsChunksAlongTheAxisOfTheEntities) {
+  const std::pair<int, Shape> rows[] = {
+      {1000, {2, 5}},    {1001, {2, 5, 2}},    {1050, {2, 2, 5}},    {1051, {2, 2, 5, 2}},
+      {1100, {2, 4, 5}}, {1101, {2, 4, 5, 2}}, {1150, {2, 2, 4, 5}},
+  };
+  ASSERT_EQ(ORVSetChunkEntities(2), 0);
+  for (const auto& [kind, chunk] : rows) {
+    file_.emplace("write");
+    Nodes nodes(kind);
+    Floats values(240);
+    for (size_t i = 0; i < values.size(); ++i) values[i] = static_cast<float>(i);
+    nodes.block.m_res = values.data();
+    nodes.block.m_readIds = 0;
+    nodes.block.m_nstate = 2;
+    nodes.block.m_nent = 3;
+    nodes.block.m_numl = 4;
+    nodes.block.m_ncoo = 5;
+    nodes.block.m_nCompressionFactor = 3;
+    EXPECT_EQ(nodes.Write(file_->path(), 0, 3), 0) << kind;
+    const RawFile raw(file_->path());
+    const std::vector<std::string> tree =
+        raw.tree(nodes.block.IsMultistateBlk() ? "/post/multistate" : "/post/constant");
+    const auto place = std::ranges::find_if(tree, [](const std::string& path) { return path.ends_with("/data/res"); });
+    ASSERT_NE(place, tree.end()) << kind;
+    EXPECT_EQ(raw.chunk(*place), chunk) << kind;
+    EXPECT_EQ(raw.values<float>(*place).back(), static_cast<float>(raw.values<float>(*place).size() - 1)) << kind;
+  }
+  EXPECT_EQ(ORVSetChunkEntities(0), 2);
 }
 
 TEST_F(ResultWriteData, StoresDoublesAsSuch) {

@@ -139,6 +139,7 @@ Switches Switches::Now() {
   OH5GetCompression(&now.compression_on, &now.compression_digits);
   now.durability = ORVSetDurability(-1);
   now.lock_timeout = ORVSetLockTimeout(-1);
+  now.chunk_entities = ORVSetChunkEntities(-1);
   now.access = AccessOfWriteHelpers();
   now.message = ORVFiler::_m_pMessageFuc;
   H5Eauto_is_v2(H5E_DEFAULT, &now.error_is_v2);
@@ -156,6 +157,7 @@ void Switches::PutBack() const {
   OH5SetCompression(compression_on, compression_digits);
   ORVSetDurability(durability);
   ORVSetLockTimeout(lock_timeout);
+  ORVSetChunkEntities(chunk_entities);
   ORVFiler::_m_pMessageFuc = message;
   if (error_is_v2) {
     H5Eset_auto2(H5E_DEFAULT, error_handler2, error_data);
@@ -200,6 +202,7 @@ void OrvTest::ExpectSwitchesAsBefore() const {
   EXPECT_EQ(now.compression_on, before_.compression_on) << "compression left changed";
   EXPECT_EQ(now.compression_digits, before_.compression_digits) << "compression digits left changed";
   EXPECT_EQ(now.durability, before_.durability) << "durability left changed";
+  EXPECT_EQ(now.chunk_entities, before_.chunk_entities) << "entities of a chunk left changed";
   EXPECT_EQ(now.access, before_.access) << "access flags left changed";
   EXPECT_EQ(now.message, before_.message) << "message callback left set";
   if (may_silence_hdf5_) return;

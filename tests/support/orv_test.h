@@ -39,6 +39,7 @@ struct Switches {
   int compression_digits = 0;
   int durability = 1;
   int lock_timeout = 0;
+  int chunk_entities = 0;
   unsigned access = 0;  ///< flags of the opens by write helpers
   ORVMessageCallBack message = nullptr;
   unsigned error_is_v2 = 1;
