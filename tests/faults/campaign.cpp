@@ -121,6 +121,9 @@ std::vector<Trial> TrialsOf(const Wish& wish) {
   for (const Writer& writer : WritersOf(wish)) {
     (wish.form == Wish::Form::kFull ? AddFull : AddShort)(trials, writer);
   }
+  std::erase_if(trials, [&](const Trial& trial) {
+    return trial.example.states < wish.first_states || trial.example.states > wish.last_states;
+  });
   // The longest first, so that no process works on while the others are done.
   std::stable_sort(trials.begin(), trials.end(),
                    [](const Trial& one, const Trial& other) { return one.example.states > other.example.states; });

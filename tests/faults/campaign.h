@@ -14,12 +14,16 @@ struct Trial {
   Effort effort;
 };
 
+inline constexpr int kMostStates = 1000;  ///< of a file that is tried
+
 struct Wish {
   enum class Form { kShort, kFull };
 
   Form form = Form::kShort;
-  bool plain = false;   ///< HDF5 alone
-  int durability = -1;  ///< only this one; -1 for those that promise something
+  bool plain = false;             ///< HDF5 alone
+  int durability = -1;            ///< only this one; -1 for those that promise something
+  int first_states = 1;           ///< files of fewer states are left out,
+  int last_states = kMostStates;  ///< and files of more
   int jobs = 1;
   std::string folder;  ///< where the files go; empty for memory
 };

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <exception>
 #include <optional>
+#include <string>
 
 #include "faults/campaign.h"
 #include "faults/process.h"
@@ -15,7 +16,8 @@ namespace orvio::faults {
 namespace {
 
 constexpr char kUsage[] =
-    "usage: orvio_faults [--short | --full] [--plain | --durability 0|1|2] [--jobs N] [--folder FOLDER]\n";
+    "usage: orvio_faults [--short | --full] [--plain | --durability 0|1|2] [--states A-B] [--jobs N] [--folder "
+    "FOLDER]\n";
 
 bool TakeFlag(const char* word, Wish& wish) {
   if (std::strcmp(word, "--short") == 0) {
@@ -38,7 +40,20 @@ std::optional<int> NumberIn(const char* word, int least, int most) {
   return static_cast<int>(number);
 }
 
+/// A range of numbers of states: "1-40".
+bool TakeStates(const char* range, Wish& wish) {
+  const char* dash = std::strchr(range, '-');
+  if (!dash) return false;
+  const auto first = NumberIn(std::string(range, dash).c_str(), 1, kMostStates);
+  const auto last = NumberIn(dash + 1, 1, kMostStates);
+  if (!first || !last) return false;
+  wish.first_states = *first;
+  wish.last_states = *last;
+  return true;
+}
+
 bool TakeSetting(const char* word, const char* value, Wish& wish) {
+  if (std::strcmp(word, "--states") == 0) return TakeStates(value, wish);
   if (std::strcmp(word, "--folder") == 0) {
     wish.folder = value;
     return true;
