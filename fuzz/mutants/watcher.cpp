@@ -94,7 +94,7 @@ class Post {
  private:
   /// Counts what happened and names it.
   const char* Judge(int status, Outcome& outcome) const {
-    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM) {
+    if (WIFSIGNALED(status) && (WTERMSIG(status) == SIGPROF || WTERMSIG(status) == SIGALRM)) {
       ++outcome.hangs;
       return "hang";
     }

@@ -4,6 +4,7 @@
 #include <sanitizer/common_interface_defs.h>
 #include <sanitizer/lsan_interface.h>
 #include <sys/mman.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,7 +21,8 @@
 namespace orvio::fuzz {
 namespace {
 
-constexpr unsigned kSeconds = 10;         // for one mutant
+constexpr unsigned kSeconds = 10;         // of work for one mutant
+constexpr unsigned kSecondsAsleep = 600;  // of anything, on a machine that is busy with other things
 constexpr std::uint64_t kBatch = 500;     // mutants between two looks for leaks
 constexpr std::uint64_t kEveryRoad = 16;  // one mutant of as many is read by every road, which takes five times as long
 
@@ -44,6 +46,14 @@ void Watch(const volatile void* /*memory*/, std::size_t size) {
 }
 
 void Forget(const volatile void* /*memory*/) {}
+
+/// Ends the process when it has worked for so long. 0: it may work on.
+void SetTimer(unsigned seconds) {
+  itimerval timer = {};
+  timer.it_value.tv_sec = seconds;
+  (void)setitimer(ITIMER_PROF, &timer, nullptr);
+  (void)alarm(seconds > 0 ? kSecondsAsleep : 0);
+}
 
 class Worker {
  public:
@@ -88,13 +98,13 @@ class Worker {
     const Bytes bytes = MakeMutant(plan_, seeds_, index);
     const ByteFile file(bytes.data(), bytes.size());
     constexpr std::size_t kAlwaysAllowed = std::size_t{64} << 20U;
-    g_watch.limit = std::max(kAlwaysAllowed, 10 * bytes.size());
+    g_watch.limit = kAlwaysAllowed + 10 * bytes.size();
     g_watch.largest = 0;
-    alarm(kSeconds);
+    SetTimer(kSeconds);
     g_watch.on = !shift_.plain;
     const bool same = Read(file.path(), index % kEveryRoad == 0);
     g_watch.on = false;
-    alarm(0);
+    SetTimer(0);
     ++board_.counts.mutants;
     if (g_watch.largest > 0) KeepOversized(index, bytes);
     if (!same) KeepDiffering(index, bytes);

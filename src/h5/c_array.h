@@ -32,9 +32,9 @@ template <class T>
   std::size_t bytes = 0;
   if (__builtin_mul_overflow(count, sizeof(T), &bytes) || bytes > PTRDIFF_MAX) return nullptr;
   if (bytes < kWorthIt) return CArray<T>(static_cast<T*>(std::malloc(bytes)));
-  bytes = (bytes + kLargePage - 1) / kLargePage * kLargePage;
-  void* memory = std::aligned_alloc(kLargePage, bytes);
-  if (memory) (void)madvise(memory, bytes, MADV_HUGEPAGE);  // a wish
+  void* memory = nullptr;
+  if (posix_memalign(&memory, kLargePage, bytes) != 0) return nullptr;
+  (void)madvise(memory, bytes, MADV_HUGEPAGE);  // a wish
   return CArray<T>(static_cast<T*>(memory));
 }
 

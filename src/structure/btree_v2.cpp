@@ -56,7 +56,8 @@ class TreeWalk {
     node_size_ = in.U32();
     const std::uint64_t record_size = in.U16();
     root.depth = in.U16();
-    in.Skip(2);  // when nodes are split and merged
+    const unsigned split = in.U8();
+    const unsigned merge = in.U8();
     root.address = in.Address();
     root.records = in.U16();
     total_ = in.Length();
@@ -66,8 +67,15 @@ class TreeWalk {
     if (type != shape_.type || record_size != shape_.record_size) {
       return walk_.Refuse(header, "B-tree is for records of another kind");
     }
+    if (!MayChange(split, merge)) return walk_.Refuse(header, "B-tree splits and merges its nodes at once");
     if (root.depth > kDeepest) return walk_.Refuse(header, "B-tree is too deep");
     return SetLevels(root.depth) || walk_.Refuse(header, "B-tree has nodes of an impossible size");
+  }
+
+  /// How full nodes are, in percent, that are split or merged. HDF5 relies on them.
+  static bool MayChange(unsigned split, unsigned merge) {
+    constexpr unsigned kFull = 100;
+    return split > 0 && split <= kFull && merge <= kFull && merge < split / 2;
   }
 
   bool SetLevels(unsigned depth) {

@@ -13,7 +13,7 @@ namespace orvio::faults {
 
 /// What is tried with an append.
 struct Effort {
-  bool faults = false;   ///< each kind of fault at each call, and an error at each read
+  bool faults = false;   ///< each kind of fault at each call; errors at each read, or at some where they are many
   int seeds = 0;         ///< images of each power cut; 0 for no power cuts
   int second_every = 0;  ///< of the faults that leave a journal, how many are followed by another while it is put right
   bool tell_findings = true;  ///< each on a line of stderr
