@@ -18,15 +18,29 @@ using namespace orvio;
 
 namespace {
 
-/// Empty parts, such as the one in front of a leading slash, are dropped.
+/// Takes the first part off a path; empty when there is none. Empty parts, such as the one in front of a leading slash, are
+/// dropped.
+std::string_view TakePart(std::string_view& path) {
+  path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
+  const std::string_view part = path.substr(0, path.find('/'));
+  path.remove_prefix(part.size());
+  return part;
+}
+
 std::vector<std::string_view> Split(std::string_view path) {
   std::vector<std::string_view> parts;
-  while (!path.empty()) {
-    const std::string_view part = path.substr(0, path.find('/'));
-    path.remove_prefix(std::min(part.size() + 1, path.size()));
-    if (!part.empty()) parts.push_back(part);
-  }
+  for (std::string_view part = TakePart(path); !part.empty(); part = TakePart(path)) parts.push_back(part);
   return parts;
+}
+
+/// What a stored path has behind the parts that a real one takes the place of; empty when that is nothing.
+std::string_view BehindReal(std::string_view stored, std::string_view real) {
+  if (TakePart(real).empty()) return {};
+  do {
+    (void)TakePart(stored);
+  } while (!TakePart(real).empty());
+  stored.remove_prefix(std::min(stored.find_first_not_of('/'), stored.size()));
+  return stored;
 }
 
 }  // namespace
@@ -53,6 +67,10 @@ int ORVBlock::ConstructSchemaPath(hid_t group, std::string& out) {
 
 hid_t ORVBlock::GetBlkGrpUsingSchemaPath(hid_t file, hid_t group) {
   return h5::Entry<hid_t>(H5I_INVALID_HID, [&]() -> hid_t {
+    const bool is_there = group >= 0 && h5::IsOpenIn(file, group);
+    const std::string_view rest = is_there ? BehindReal(m_BlkPath, h5::NameOf(group)) : std::string_view();
+    // The path leads through the group: there is no need to find it again.
+    if (!rest.empty()) return h5::OpenGroup(group, std::string(rest).c_str()).release();
     std::string path;
     if (ConstructSchemaPath(group, path) != kOk || path.empty()) return H5I_INVALID_HID;
     return h5::OpenGroup(file, path.c_str()).release();

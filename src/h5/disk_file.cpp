@@ -5,6 +5,7 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include "filer/process_state.h"
@@ -17,20 +18,41 @@ namespace orvio::h5 {
 namespace {
 
 /// The name may be that of a pipe: without O_NONBLOCK the open itself would hang.
-Descriptor OpenDescriptor(const char* name, unsigned flags) {
-  int how = O_CLOEXEC | O_NONBLOCK | (flags & H5F_ACC_RDWR ? O_RDWR : O_RDONLY);
+Descriptor OpenDescriptor(const char* name, unsigned flags, int more = 0) {
+  int how = O_CLOEXEC | O_NONBLOCK | (flags & H5F_ACC_RDWR ? O_RDWR : O_RDONLY) | more;
   if (flags & H5F_ACC_CREAT) how |= O_CREAT;
   if (flags & H5F_ACC_EXCL) how |= O_EXCL;
   return Descriptor(::open(name, how, 0666));
 }
 
-Descriptor OpenRegularFile(const char* name, unsigned flags, struct stat& info) {
-  Descriptor file = OpenDescriptor(name, flags);
+Descriptor IfRegular(Descriptor file, const char* name, struct stat& info) {
   if (!file || fstat(file.get(), &info) != 0) return {};
   if (S_ISREG(info.st_mode)) return file;
   SetLastError("File::\n\t \"%s\" is no regular file", name);
   return {};
 }
+
+Descriptor OpenRegularFile(const char* name, unsigned flags, struct stat& info) {
+  return IfRegular(OpenDescriptor(name, flags), name, info);
+}
+
+/// A regular file that is read.
+struct ReadFile {
+  explicit ReadFile(const char* file) : name(file), path(file) {
+    Descriptor opened = OpenDescriptor(file, 0, O_NOFOLLOW);
+    if (!opened && errno == ELOOP) {
+      opened = OpenDescriptor(file, 0);
+      path = ResolvedPath(file);
+    }
+    descriptor = IfRegular(std::move(opened), file, info);
+  }
+  explicit operator bool() const { return static_cast<bool>(descriptor); }
+
+  const char* name;
+  std::string path;  ///< what lies beside the file lies beside that
+  struct stat info = {};
+  Descriptor descriptor;
+};
 
 bool TellFault(const char* name, const std::optional<structure::Fault>& fault) {
   if (!fault) return true;
@@ -116,22 +138,21 @@ std::unique_ptr<DiskFile> SecondLook(Descriptor file, const struct stat& info) {
 }
 
 /// The state of a sound file that the running operation sees; null for a file that is not sound.
-std::shared_ptr<FileSnapshot> SnapshotOf(const char* name, Descriptor file, const struct stat& info) {
-  const FileStamp identity(info);
+std::shared_ptr<FileSnapshot> SnapshotOf(ReadFile file) {
+  const FileStamp identity(file.info);
   if (auto held = FindHeldSnapshot(identity)) return held;
-  auto snapshot = std::make_shared<FileSnapshot>(std::move(file), ResolvedPath(name), info);
-  if (!snapshot->Take() || !IsSound(name, *snapshot)) return nullptr;
+  auto snapshot = std::make_shared<FileSnapshot>(std::move(file.descriptor), std::move(file.path), file.info);
+  if (!snapshot->Take() || !IsSound(file.name, *snapshot)) return nullptr;
   HoldSnapshot(identity, snapshot);
   return snapshot;
 }
 
 std::unique_ptr<DiskFile> OpenForReading(const char* name) {
-  struct stat info = {};
-  Descriptor file = OpenRegularFile(name, 0, info);
+  ReadFile file(name);
   if (!file) return nullptr;
-  if (KnownFiles().IsBeingWritten(FileStamp(info))) return SecondLook(std::move(file), info);
-  auto disk_file = std::make_unique<DiskFile>(info);
-  disk_file->snapshot = SnapshotOf(name, std::move(file), info);
+  if (KnownFiles().IsBeingWritten(FileStamp(file.info))) return SecondLook(std::move(file.descriptor), file.info);
+  auto disk_file = std::make_unique<DiskFile>(file.info);
+  disk_file->snapshot = SnapshotOf(std::move(file));
   return disk_file->snapshot ? std::move(disk_file) : nullptr;
 }
 
@@ -227,11 +248,10 @@ bool DiskFile::Read(haddr_t address, size_t count, void* buffer) {
 }
 
 CataloguedFile OpenCatalogued(const char* name) {
-  struct stat info = {};
-  Descriptor file = OpenRegularFile(name, 0, info);
-  if (!file || process().file_check == 0 || KnownFiles().IsBeingWritten(FileStamp(info))) return {};
+  ReadFile file(name);
+  if (!file || process().file_check == 0 || KnownFiles().IsBeingWritten(FileStamp(file.info))) return {};
   CataloguedFile found;
-  found.snapshot = SnapshotOf(name, std::move(file), info);
+  found.snapshot = SnapshotOf(std::move(file));
   const bool is_present = found.snapshot && found.snapshot->IsPresent();
   if (is_present) found.catalogue = KnownFiles().FindCatalogue(found.snapshot->stamp());
   return found;

@@ -120,6 +120,16 @@ Group OpenGroup(hid_t loc, const char* name, hid_t access) {
   return Group(MayBeOpened(loc, name, access) ? H5Gopen2(loc, name, ListOr(access)) : H5I_INVALID_HID);
 }
 
+Group OpenGroupAt(hid_t group, hsize_t position, const std::string& name, hid_t access) {
+  const IndexedPlace place(group);
+  if (place && position < place.catalogue().CountLinks(place.object)) {
+    const auto found = place.catalogue().LinkObject(place.object, static_cast<std::uint32_t>(position));
+    const bool is_group = found.answer == structure::Catalogue::Answer::kYes && place.catalogue().IsGroup(found.object);
+    if (is_group) return Group(place.file->IdOf(found.object));
+  }
+  return OpenGroup(group, name.c_str(), access);
+}
+
 Object OpenObject(hid_t loc, const char* name, hid_t access) {
   const Hdf5Location by_hdf5(loc);
   loc = by_hdf5.get();
@@ -173,6 +183,12 @@ std::string NameOf(hid_t object) {
   const ssize_t length = H5Iget_name(object, name, sizeof name);
   if (length < 0 || static_cast<size_t>(length) >= sizeof name) return {};
   return name;
+}
+
+bool IsOpenIn(hid_t file, hid_t object) {
+  if (const IndexedPlace place(object); place) return file == place.file->IdOf(place.catalogue().root());
+  const File opened(H5Iget_file_id(object));
+  return opened && opened.get() == file;
 }
 
 hssize_t CountLinks(hid_t group) {

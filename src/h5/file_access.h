@@ -27,6 +27,8 @@ bool FileExists(const char* name);
 /// Opens a group or object. Links into other files are refused on every level of the path. `access` is an access
 /// list of the caller, or 0 for that of the library.
 Group OpenGroup(hid_t loc, const char* name, hid_t access = H5P_DEFAULT);
+/// The same for the link at a position in the order of names, which has that name.
+Group OpenGroupAt(hid_t group, hsize_t position, const std::string& name, hid_t access);
 Object OpenObject(hid_t loc, const char* name, hid_t access = H5P_DEFAULT);
 
 /// The access list of datasets: external links are refused. The open itself is that of StoredDataset.
@@ -47,6 +49,9 @@ bool LinkExists(hid_t loc, const char* name);
 
 /// Absolute path of an object; empty when it has none or one of 3000 bytes and more.
 std::string NameOf(hid_t object);
+
+/// Whether an object was opened through that id of its file.
+bool IsOpenIn(hid_t file, hid_t object);
 
 /// Number of links of a group; -1 on failure.
 hssize_t CountLinks(hid_t group);

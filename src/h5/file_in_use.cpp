@@ -2,8 +2,6 @@
 
 #include "h5/file_in_use.h"
 
-#include <utility>
-
 #include "filer/process_state.h"
 #include "h5/reader_pool.h"
 
@@ -12,12 +10,11 @@ namespace orvio::h5 {
 FileInUse::FileInUse(const char* file) : was_among_itself_(process().is_among_itself) {
   if (!file) return;
   OH5ReaderPool& pool = OH5ReaderPool::Get();
-  std::string path = OH5ReaderPool::KeyOf(file);
-  const bool is_used = FindIndexedFile(path) || pool.IsKeptOpen(path.c_str());
-  if (!is_used && process().file_index != 0) file_ = IndexedFile::Open(path.c_str());
+  const bool is_used = FindIndexedFile(file) || pool.IsKeptOpen(file);
+  if (!is_used && process().file_index != 0) file_ = IndexedFile::Open(OH5ReaderPool::KeyOf(file).c_str());
   if (!is_used && !file_) {
-    pool.KeepOpen(path.c_str(), 1);
-    kept_ = std::move(path);
+    pool.KeepOpen(file, 1);
+    kept_ = file;
   }
   process().is_among_itself = true;
 }

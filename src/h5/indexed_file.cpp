@@ -83,8 +83,9 @@ Hdf5Location::Hdf5Location(hid_t loc) : loc_(loc) {
 }
 
 IndexedFile* FindIndexedFile(std::string_view name) {
+  const auto is_same = [](char wanted, char there) { return (wanted == '\\' ? '/' : wanted) == there; };
   for (IndexedFile* file : Slots()) {
-    if (file && file->name() == name) return file;
+    if (file && std::ranges::equal(name, file->name(), is_same)) return file;
   }
   return nullptr;
 }

@@ -83,7 +83,7 @@ class Hdf5Location {
   hid_t loc_;
 };
 
-/// The file of that name that is in use; null when there is none.
+/// The file of that name that is in use; null when there is none. Backslashes stand for slashes.
 IndexedFile* FindIndexedFile(std::string_view name);
 
 }  // namespace orvio::h5

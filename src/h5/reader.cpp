@@ -123,7 +123,7 @@ int OH5Reader::GetChildByIndex(hid_t group, int index, std::string& name, hid_t*
     std::string found = h5::LinkName(group, static_cast<hsize_t>(index));
     if (found.empty()) return kFail;
     name = std::move(found);
-    if (child) *child = h5::OpenGroup(group, name.c_str(), access).release();
+    if (child) *child = h5::OpenGroupAt(group, static_cast<hsize_t>(index), name, access).release();
     return kOk;
   });
 }

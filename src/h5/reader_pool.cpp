@@ -35,10 +35,10 @@ class IndexedReader : public OH5Reader {
 }  // namespace
 
 IOH5Reader* OH5ReaderPool::Request(const char* file, unsigned flags) {
-  const std::string key = KeyOf(file);
-  if (const orvio::h5::IndexedFile* indexed = orvio::h5::FindIndexedFile(key); indexed && flags == 0) {
+  if (const orvio::h5::IndexedFile* indexed = orvio::h5::FindIndexedFile(file); indexed && flags == 0) {
     return new IndexedReader(*indexed);
   }
+  const std::string key = KeyOf(file);
   const auto kept = open_.find(key);
   if (kept != open_.end() && kept->second) return kept->second;
   auto reader = std::make_unique<OH5Reader>(key.c_str(), flags);
@@ -67,6 +67,7 @@ void OH5ReaderPool::KeepOpen(const char* file, int keep) {
 }
 
 bool OH5ReaderPool::IsKeptOpen(const char* file) const {
+  if (keep_open_.empty()) return false;
   const auto mark = keep_open_.find(KeyOf(file));
   return mark != keep_open_.end() && mark->second == 1;
 }

@@ -29,9 +29,7 @@ Catalogue::Found Catalogue::Child(Id group, std::string_view name) const {
   const auto found = std::lower_bound(
       first, end, name, [&](const Link& link, std::string_view text) { return *names_[link.name] < text; });
   if (found == end || *names_[found->name] != name) return {Answer::kNo, kNone};
-  const Id object = found->object;
-  const bool is_told = object != kNone && !(IsGroup(object) && objects_[object].has_several_paths);
-  return is_told ? Found{Answer::kYes, object} : Found{Answer::kUnknown, kNone};
+  return Told(found->object);
 }
 
 std::string Catalogue::PathOf(Id object) const {

@@ -61,6 +61,8 @@ class Catalogue {
   const std::string& LinkName(Id group, std::uint32_t index) const {
     return *names_[links_[objects_[group].first_link + index].name];
   }
+  /// What such a link leads to.
+  Found LinkObject(Id group, std::uint32_t index) const { return Told(links_[objects_[group].first_link + index].object); }
   /// Where its object header is, as links have it.
   std::uint64_t AddressOf(Id object) const { return objects_[object].header; }
   bool HasHardLinksOnly(Id group) const { return !objects_[group].has_soft_links; }
@@ -89,6 +91,10 @@ class Catalogue {
     std::uint64_t values = kUndefined;
     std::uint64_t header = kUndefined;
   };
+  Found Told(Id object) const {
+    const bool is_told = object != kNone && !(IsGroup(object) && objects_[object].has_several_paths);
+    return is_told ? Found{Answer::kYes, object} : Found{Answer::kUnknown, kNone};
+  }
   const std::string& NameOf(Id object) const { return *names_[objects_[object].name]; }
 
   struct Link {
