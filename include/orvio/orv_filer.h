@@ -44,6 +44,12 @@ class ORVIO_EXPORT ORVFiler {
   bool IsConfigToSkipMultiStateData();
   bool IsConfigToSkipSingleStateData();
 
+  /// Keeps the file of reads open between operations, which saves most of the time of small ones, until it is called with
+  /// false or the filer ends. Each operation still sees the file as it is then: one that was changed or replaced is opened
+  /// anew. It keeps no writer waiting, and a write by this process closes the file for its time. Not kept is a file that
+  /// has changed within the last moment. 1 for a filer without a file.
+  int KeepFileOpen(bool keep = true);
+
   const char* GetFilePath();
   /// Version of the file, read on first demand and kept; 0.0.0 for a file that cannot be read.
   ORVFileVersion* GetFileVersion();

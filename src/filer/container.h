@@ -9,6 +9,7 @@
 
 #include "entity/incr_states.h"
 #include "h5/file_access.h"
+#include "h5/kept_files.h"
 #include "orvio/orv_buffer.h"
 #include "orvio/orv_definitions.h"
 #include "orvio/orv_ext_var.h"
@@ -32,6 +33,7 @@ struct ORVContainer {
   int sharers = 1;
   std::unique_ptr<ORVFileVersion> version;       ///< read on first demand
   std::unique_ptr<orvio::h5::WriteFile> change;  ///< between BeginState and EndState
+  std::unique_ptr<orvio::h5::KeepingOpen> keeping_open;  ///< see ORVFiler::KeepFileOpen
   std::string path;
   std::unique_ptr<ORVSystem> system;               ///< with its arrays; none until read
   std::unique_ptr<ORVSimulationType> index_types;  ///< with its names; none until read

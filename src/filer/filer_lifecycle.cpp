@@ -63,6 +63,14 @@ bool ORVFiler::IsConfigToSkipSingleStateData() {
   return CheckConfig(ORV_CONFIG_SKIP_SINGLESTATE) != 0 || CheckConfig(ORV_CONFIG_SKIP_CONSTANT) != 0;
 }
 
+int ORVFiler::KeepFileOpen(bool keep) {
+  if (!m_pData || m_pData->path.empty()) return kFail;
+  return h5::Entry(kFail, [&] {
+    m_pData->keeping_open = keep ? std::make_unique<h5::KeepingOpen>(m_pData->path.c_str()) : nullptr;
+    return kOk;
+  });
+}
+
 const char* ORVFiler::GetFilePath() { return m_pData ? m_pData->path.c_str() : nullptr; }
 
 ORVFileVersion* ORVFiler::GetFileVersion() {

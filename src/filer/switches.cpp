@@ -10,6 +10,7 @@
 
 #include "filer/process_state.h"
 #include "h5/entry.h"
+#include "h5/kept_files.h"
 #include "orvio/oh5_io.h"
 #include "orvio/orv_filer.h"
 
@@ -36,17 +37,22 @@ int ORVSetChunkEntities(int entities) {
   return before;
 }
 
-int ORVSetFileCheck(int mode) {
-  const int before = process().file_check;
-  if (mode == 0 || mode == 1) process().file_check = mode;
+namespace {
+
+/// A switch of how files are read. Files that are open were opened under its old setting.
+int SetReading(int& place, int mode) {
+  const int before = place;
+  if (mode != 0 && mode != 1) return before;
+  place = mode;
+  if (mode != before && process().kept_files) orvio::h5::EntryVoid([] { process().kept_files->CloseAll(); });
   return before;
 }
 
-int ORVSetFileIndex(int mode) {
-  const int before = process().file_index;
-  if (mode == 0 || mode == 1) process().file_index = mode;
-  return before;
-}
+}  // namespace
+
+int ORVSetFileCheck(int mode) { return SetReading(process().file_check, mode); }
+
+int ORVSetFileIndex(int mode) { return SetReading(process().file_index, mode); }
 
 int ORVSetDurability(int mode) {
   const int before = process().durability;

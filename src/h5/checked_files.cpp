@@ -27,12 +27,16 @@ bool CheckedFiles::IsSound(const FileStamp& stamp) const {
   return found != sound_.end() && found->second.stamp == stamp;
 }
 
-void CheckedFiles::RememberSeen(const FileStamp& stamp) {
+bool IsSettled(const FileStamp& stamp) {
   timespec now = {};
-  if (clock_gettime(CLOCK_REALTIME, &now) != 0) return;
+  if (clock_gettime(CLOCK_REALTIME, &now) != 0) return false;
   const auto seconds = static_cast<double>(now.tv_sec - stamp.changed.first);
   const double age = seconds + 1e-9 * static_cast<double>(now.tv_nsec - stamp.changed.second);
-  if (age > process().clock_step) Remember(stamp);
+  return age > process().clock_step;
+}
+
+void CheckedFiles::RememberSeen(const FileStamp& stamp) {
+  if (IsSettled(stamp)) Remember(stamp);
 }
 
 void CheckedFiles::Remember(const FileStamp& stamp) {

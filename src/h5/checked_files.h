@@ -75,6 +75,9 @@ class CheckedFiles {
   std::map<Key, int> writing_;
 };
 
+/// Whether one more change of the file would give it another time: the clock of files moves in steps.
+bool IsSettled(const FileStamp& stamp);
+
 /// Those of the process.
 CheckedFiles& KnownFiles();
 

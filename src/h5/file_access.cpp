@@ -10,6 +10,7 @@
 #include "filer/process_state.h"
 #include "h5/file_driver.h"
 #include "h5/indexed_file.h"
+#include "h5/kept_files.h"
 #include "h5/status.h"
 
 namespace orvio::h5 {
@@ -70,7 +71,17 @@ bool IsRegularFile(const char* name) {
 
 }  // namespace
 
+namespace {
+
+/// HDF5 opens no file for writing that it has open for reading.
+void CloseKeptFiles() {
+  if (process().kept_files) process().kept_files->CloseAll();
+}
+
+}  // namespace
+
 File OpenFile(const char* name, unsigned flags) {
+  if (flags & H5F_ACC_RDWR) CloseKeptFiles();
   const hid_t access = Lists().file_access;
   File file(access > 0 ? H5Fopen(name, flags, access) : H5I_INVALID_HID);
   if (file && (flags & H5F_ACC_RDWR)) EndOpening(file.get());
@@ -78,6 +89,7 @@ File OpenFile(const char* name, unsigned flags) {
 }
 
 File CreateFile(const char* name) {
+  CloseKeptFiles();
   const hid_t access = Lists().file_access;
   if (access <= 0 || (FileExists(name) && !IsRegularFile(name))) return File();
   File file(H5Fcreate(name, H5F_ACC_TRUNC, H5P_DEFAULT, access));

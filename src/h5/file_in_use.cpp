@@ -2,29 +2,68 @@
 
 #include "h5/file_in_use.h"
 
+#include <utility>
+
 #include "filer/process_state.h"
+#include "h5/entry.h"
+#include "h5/held_snapshots.h"
+#include "h5/kept_files.h"
 #include "h5/reader_pool.h"
 
 namespace orvio::h5 {
+namespace {
+
+bool IsUsed(const char* file) { return FindIndexedFile(file) || OH5ReaderPool::Get().IsKeptOpen(file); }
+
+/// The snapshot of an open file; null when it has none, because it is being written.
+std::shared_ptr<FileSnapshot> SnapshotOf(hid_t file) {
+  void* place = nullptr;
+  return H5Fget_vfd_handle(file, H5P_DEFAULT, &place) < 0 ? nullptr : FindHeldSnapshot(place);
+}
+
+}  // namespace
 
 FileInUse::FileInUse(const char* file) : was_among_itself_(process().is_among_itself) {
-  if (!file) return;
-  OH5ReaderPool& pool = OH5ReaderPool::Get();
-  const bool is_used = FindIndexedFile(file) || pool.IsKeptOpen(file);
-  if (!is_used && process().file_index != 0) file_ = IndexedFile::Open(OH5ReaderPool::KeyOf(file).c_str());
-  if (!is_used && !file_) {
-    pool.KeepOpen(file, 1);
-    kept_ = file;
-  }
+  if (file && !IsUsed(file)) Begin(file);
   process().is_among_itself = true;
+}
+
+void FileInUse::Begin(const char* file) {
+  path_ = OH5ReaderPool::KeyOf(file);
+  const bool is_wanted = process().kept_files && process().kept_files->IsWanted(path_);
+  KeptFile kept = is_wanted ? process().kept_files->Take(path_) : KeptFile();
+  file_ = std::move(kept.indexed);
+  if (!file_ && !kept.reader && process().file_index != 0) file_ = IndexedFile::Open(path_.c_str());
+  if (file_) return;
+  OH5ReaderPool& pool = OH5ReaderPool::Get();
+  if (kept.reader) pool.Adopt(path_.c_str(), std::move(kept.reader));
+  pool.KeepOpen(path_.c_str(), 1);
+}
+
+/// What is known of a file is had by opening it again and again: as long as there may be more, it is not kept by HDF5.
+void FileInUse::PutBack() {
+  KeptFile kept;
+  if (file_) {
+    kept.snapshot = file_->snapshot();
+    kept.indexed = std::move(file_);
+  } else if (process().file_index == 0) {
+    kept.reader = OH5ReaderPool::Get().TakeOut(path_.c_str());
+    kept.snapshot = kept.reader ? SnapshotOf(kept.reader->GetFileId()) : nullptr;
+  }
+  kept.path = path_;
+  if (kept.snapshot) process().kept_files->Put(std::move(kept));
+}
+
+void FileInUse::End() {
+  OH5ReaderPool& pool = OH5ReaderPool::Get();
+  if (!file_) pool.KeepOpen(path_.c_str(), 0);
+  if (process().kept_files && process().kept_files->IsWanted(path_)) EntryVoid([this] { PutBack(); });
+  pool.RemovePath(path_.c_str());
 }
 
 FileInUse::~FileInUse() {
   process().is_among_itself = was_among_itself_;
-  if (kept_.empty()) return;
-  OH5ReaderPool& pool = OH5ReaderPool::Get();
-  pool.KeepOpen(kept_.c_str(), 0);
-  pool.RemovePath(kept_.c_str());
+  if (!path_.empty()) End();
 }
 
 }  // namespace orvio::h5

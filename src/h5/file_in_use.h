@@ -20,9 +20,13 @@ class FileInUse {
   ~FileInUse();
 
  private:
+  void Begin(const char* file);
+  void End();
+  void PutBack();
+
   bool was_among_itself_;
-  std::string kept_;  ///< by the pool of readers; empty: not for this one
-  std::unique_ptr<IndexedFile> file_;
+  std::string path_;                   ///< empty: it was in use before
+  std::unique_ptr<IndexedFile> file_;  ///< null: it is kept by the pool of readers
 };
 
 }  // namespace orvio::h5

@@ -53,6 +53,11 @@ bool AnnounceReader(int descriptor) {
   return fcntl(descriptor, F_OFD_SETLK, &byte) == 0;
 }
 
+void WithdrawReader(int descriptor) {
+  struct flock byte = ReaderByte(F_UNLCK);
+  (void)fcntl(descriptor, F_OFD_SETLK, &byte);  // a lock of one's own can be given up
+}
+
 bool HasReaders(int descriptor) {
   struct flock byte = ReaderByte(F_WRLCK);
   return fcntl(descriptor, F_OFD_GETLK, &byte) == 0 && byte.l_type != F_UNLCK;

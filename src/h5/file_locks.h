@@ -13,6 +13,9 @@ namespace orvio::h5 {
 /// what it overwrites a little longer. False where the file system knows no such locks.
 [[nodiscard]] bool AnnounceReader(int descriptor);
 
+/// Takes that back.
+void WithdrawReader(int descriptor);
+
 /// Whether a reader has announced itself. Where the file system cannot tell, nobody has.
 bool HasReaders(int descriptor);
 

@@ -54,6 +54,22 @@ bool FileSnapshot::Take() {
   return false;
 }
 
+bool FileSnapshot::Rest() {
+  if (announced_) WithdrawReader(file_.get());
+  announced_ = false;
+  return journals_.empty() && IsPresent();
+}
+
+/// As Take() does it: the journal is looked for behind the announcement. One that is there belongs to a change that came
+/// meanwhile, or that this snapshot would have to follow from its middle.
+bool FileSnapshot::Resume(const char* name) {
+  announced_ = AnnounceReader(file_.get());
+  struct stat info = {};
+  if (stat(name, &info) != 0 || FileStamp(info) != stamp_) return false;
+  const JournalReader journal(JournalPath(path_));
+  return !journal && !journal.IsUnreadable();
+}
+
 void FileSnapshot::TakeRecord(const JournalReader::Record& record) {
   for (std::size_t i = 0; i < record.entries.size(); ++i) {
     const JournalEntry& entry = record.entries[i];

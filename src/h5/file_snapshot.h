@@ -25,6 +25,11 @@ class FileSnapshot : public structure::ByteSource {
   /// Takes the snapshot: from here on others may change the file. False when the disk fails.
   [[nodiscard]] bool Take();
 
+  /// Lets writers forget it until Resume. False when it has followed a change, and is of no more use then.
+  [[nodiscard]] bool Rest();
+  /// Goes on when the file of that name is still the same, in the same state.
+  [[nodiscard]] bool Resume(const char* name);
+
   int* place() { return file_.place(); }
   /// As the file was found when somebody looked last.
   const FileStamp& stamp() const { return stamp_; }

@@ -39,7 +39,19 @@ IndexedFile::IndexedFile(std::string name, std::shared_ptr<FileSnapshot> snapsho
       bytes_(*snapshot_),
       slot_(TakeSlot(this)) {}
 
-IndexedFile::~IndexedFile() { Slots()[slot_] = nullptr; }
+IndexedFile::~IndexedFile() { Rest(); }
+
+void IndexedFile::Rest() {
+  if (Slots()[slot_] == this) Slots()[slot_] = nullptr;
+}
+
+bool IndexedFile::Wake() {
+  void* place = nullptr;
+  const bool is_open =
+      !by_hdf5_ || (H5Fget_vfd_handle(by_hdf5_.get(), H5P_DEFAULT, &place) >= 0 && place == snapshot_->place());
+  slot_ = TakeSlot(this);
+  return is_open;
+}
 
 std::unique_ptr<IndexedFile> IndexedFile::Open(const char* name) {
   CataloguedFile found = OpenCatalogued(name);

@@ -41,6 +41,11 @@ class IndexedFile {
   IndexedFile& operator=(const IndexedFile&) = delete;
   ~IndexedFile();
 
+  /// Its ids are nobody's until Wake(), which answers whether all that it had open still is.
+  void Rest();
+  bool Wake();
+
+  const std::shared_ptr<FileSnapshot>& snapshot() const { return snapshot_; }
   const structure::Catalogue& catalogue() const { return *catalogue_; }
   structure::ByteSource& bytes() { return bytes_; }
   const std::string& name() const { return name_; }

@@ -81,12 +81,29 @@ void OH5ReaderPool::Keep(const std::string& key, IOH5Reader* reader) {
   open_[key] = reader;
 }
 
-void OH5ReaderPool::Remove(IOH5Reader* reader) {
+void OH5ReaderPool::Forget(const IOH5Reader* reader) {
   std::erase_if(open_, [reader](const auto& entry) { return entry.second == reader; });
-  age_.remove(reader);
+  age_.remove_if([reader](const IOH5Reader* each) { return each == reader; });
   youngest_ = age_.before_begin();
   for (auto next = age_.begin(); next != age_.end(); ++next) youngest_ = next;
+}
+
+void OH5ReaderPool::Remove(IOH5Reader* reader) {
+  Forget(reader);
   delete reader;
+}
+
+std::unique_ptr<IOH5Reader> OH5ReaderPool::TakeOut(const char* file) {
+  const auto kept = open_.find(KeyOf(file));
+  if (kept == open_.end()) return nullptr;
+  std::unique_ptr<IOH5Reader> reader(kept->second);
+  Forget(reader.get());
+  return reader;
+}
+
+void OH5ReaderPool::Adopt(const char* file, std::unique_ptr<IOH5Reader> reader) {
+  Keep(KeyOf(file), reader.get());
+  (void)reader.release();
 }
 
 void OH5ReaderPool::RemoveOldest() {

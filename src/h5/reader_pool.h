@@ -4,6 +4,7 @@
 
 #include <forward_list>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "orvio/oh5_reader.h"
@@ -29,6 +30,10 @@ class OH5ReaderPool {
   void KeepOpen(const char* file, int keep);
   bool IsKeptOpen(const char* file) const;
 
+  /// Takes the kept reader of a file out, for somebody else to keep; null when there is none. Adopt takes it back.
+  std::unique_ptr<IOH5Reader> TakeOut(const char* file);
+  void Adopt(const char* file, std::unique_ptr<IOH5Reader> reader);
+
   /// Removal of readers, for files that are about to be replaced. Each closes what it removes.
   void RemovePath(const char* file);
   void RemoveReader(const IOH5Reader* reader);
@@ -43,6 +48,7 @@ class OH5ReaderPool {
   bool Holds(const IOH5Reader* reader) const;
   void Keep(const std::string& key, IOH5Reader* reader);
   void Remove(IOH5Reader* reader);
+  void Forget(const IOH5Reader* reader);
 
   size_t limit_ = kMaxOpen;
   std::map<std::string, IOH5Reader*> open_;
