@@ -29,8 +29,8 @@ void TakeStates(ORVFiler& filer, Listing& listing) {
 
 class LibraryReader : public Reader {
  public:
-  explicit LibraryReader(const Files& files) : job_(files.job), path_(files.orv), filer_(path_.c_str()) {
-    Start(filer_);
+  LibraryReader(const Files& files, bool kept) : job_(files.job), path_(files.orv), filer_(path_.c_str()), kept_(kept) {
+    StartOwn();
     for (std::size_t i = 0; i < kQuantities.size(); ++i) {
       std::vector<const char*> names = {kQuantities[i].name};
       filer_.GetResultBlks(names, blocks_[i], -1, 1, false);
@@ -62,12 +62,17 @@ class LibraryReader : public Reader {
 
   void PrepareStates() override {
     filer_ = ORVFiler(path_.c_str());
-    Start(filer_);
+    StartOwn();
   }
   void ReadStates(Listing& listing) override { TakeStates(filer_, listing); }
 
  private:
   using Values = ORVResultValuesBase<float, int>;
+
+  void StartOwn() {
+    if (kept_) DemandOk(filer_.KeepFileOpen(), "KeepFileOpen");
+    Start(filer_);
+  }
 
   static const char* QuantityName(int quantity) { return kQuantities[static_cast<std::size_t>(quantity)].name; }
 
@@ -128,11 +133,15 @@ class LibraryReader : public Reader {
   Job job_;
   std::string path_;
   ORVFiler filer_;
+  bool kept_;
   std::vector<ORVResult*> blocks_[kQuantities.size()];
 };
 
 }  // namespace
 
-std::unique_ptr<Reader> MakeLibraryReader(const Files& files) { return std::make_unique<LibraryReader>(files); }
+std::unique_ptr<Reader> MakeLibraryReader(const Files& files) { return std::make_unique<LibraryReader>(files, false); }
+std::unique_ptr<Reader> MakeKeptLibraryReader(const Files& files) {
+  return std::make_unique<LibraryReader>(files, true);
+}
 
 }  // namespace orvio::bench

@@ -10,7 +10,9 @@ constexpr Road kRoads[] = {
     {"raw", MakeRawReader, MakeRawWriter, false, false, nullptr},
     {"raw-kept", MakeKeptRawReader, nullptr, false, false, nullptr},
     {"library", MakeLibraryReader, MakeLibraryWriter, false, true, [] { (void)ORVSetFileIndex(0); }},
+    {"library-kept", MakeKeptLibraryReader, nullptr, false, true, [] { (void)ORVSetFileIndex(0); }},
     {"library-index", MakeLibraryReader, MakeLibraryWriter, false, true, [] { (void)ORVSetFileIndex(1); }},
+    {"library-index-kept", MakeKeptLibraryReader, nullptr, false, true, [] { (void)ORVSetFileIndex(1); }},
 };
 
 }  // namespace

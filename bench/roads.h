@@ -78,6 +78,7 @@ std::unique_ptr<Reader> MakeRawReader(const Files& files);      ///< opens and c
 std::unique_ptr<Reader> MakeKeptRawReader(const Files& files);  ///< opens it once
 std::unique_ptr<Writer> MakeRawWriter(const std::string& path, const Commit& commit);
 std::unique_ptr<Reader> MakeLibraryReader(const Files& files);
+std::unique_ptr<Reader> MakeKeptLibraryReader(const Files& files);
 std::unique_ptr<Writer> MakeLibraryWriter(const std::string& path, const Commit& commit);
 
 }  // namespace orvio::bench
