@@ -36,17 +36,45 @@ To Converted(From number) {
   }
 }
 
+template <class T>
+T NumberAt(const std::uint8_t* numbers, std::size_t index) {
+  T number;
+  std::memcpy(&number, numbers + index * sizeof number, sizeof number);
+  return number;
+}
+
+template <class To, class From>
+void ConvertOneByOne(const std::uint8_t* from, To* to, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) to[i] = Converted<To>(NumberAt<From>(from, i));
+}
+
+/// Whether no number is beyond the largest float. In bits, as compilers compare those many at once: the numbers without
+/// their signs are in the order of their bits, infinity and what is no number come last.
+bool AreFloats(const std::uint8_t* doubles, std::size_t count) {
+  constexpr auto kMost = std::bit_cast<std::uint64_t>(static_cast<double>(std::numeric_limits<float>::max()));
+  std::uint64_t beyond = 0;
+  for (std::size_t i = 0; i < count; ++i) beyond |= kMost - (NumberAt<std::uint64_t>(doubles, i) << 1 >> 1);
+  return beyond >> 63 == 0;
+}
+
 template <class To, class From>
 void ConvertEach(const std::uint8_t* from, void* to, std::size_t count) {
+  auto* numbers = static_cast<To*>(to);
   if constexpr (std::is_same_v<To, From>) {
     std::memcpy(to, from, count * sizeof(To));
-  } else {
-    auto* numbers = static_cast<To*>(to);
-    for (std::size_t i = 0; i < count; ++i) {
-      From number;
-      std::memcpy(&number, from + i * sizeof number, sizeof number);
-      numbers[i] = Converted<To>(number);
+  } else if constexpr (std::is_same_v<From, double> && std::is_same_v<To, float>) {
+    constexpr std::size_t kAtOnce = 1024;
+    for (std::size_t done = 0; done < count; done += kAtOnce) {
+      const std::size_t part = std::min(kAtOnce, count - done);
+      const std::uint8_t* some = from + done * sizeof(From);
+      if (AreFloats(some, part)) {
+        for (std::size_t i = 0; i < part; ++i) numbers[done + i] = static_cast<float>(NumberAt<double>(some, i));
+      } else {
+        ConvertOneByOne<To, From>(some, numbers + done, part);
+      }
     }
+  } else {
+    ConvertOneByOne<To, From>(from, numbers, count);
   }
 }
 
