@@ -22,6 +22,7 @@ namespace orvio {
 namespace h5 {
 class CheckedFiles;
 class IndexedFile;
+class FileInUse;
 class KeptFiles;
 class WrittenFile;
 struct HeldSnapshots;
@@ -80,6 +81,7 @@ struct ProcessState {
   std::vector<h5::IndexedFile*> indexed_files;  ///< those of the running operation; see FileInUse
   /// Arrays of the running operation, from the first byte to the one behind the last; see UnsetMemory.
   std::vector<std::pair<std::uintptr_t, std::uintptr_t>> unset_memory;
+  h5::FileInUse* file_in_use = nullptr;         ///< of the running operation, the innermost
   h5::KeptFiles* kept_files = nullptr;          ///< made at the first wish, never destroyed
   h5::HeldSnapshots* held_snapshots = nullptr;  ///< of the running operation; made at the first, never destroyed
   bool is_among_itself = false;                 ///< no code of a host runs before the running operation ends

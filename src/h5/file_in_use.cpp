@@ -15,6 +15,9 @@ namespace {
 
 bool IsUsed(const char* file) { return FindIndexedFile(file) || OH5ReaderPool::Get().IsKeptOpen(file); }
 
+/// The same group once more, with an end of its own.
+hid_t Shared(hid_t group) { return IsIndexed(group) || H5Iinc_ref(group) > 0 ? group : H5I_INVALID_HID; }
+
 /// The snapshot of an open file; null when it has none, because it is being written.
 std::shared_ptr<FileSnapshot> SnapshotOf(hid_t file) {
   void* place = nullptr;
@@ -28,16 +31,30 @@ FileInUse::FileInUse(const char* file) : was_among_itself_(process().is_among_it
   process().is_among_itself = true;
 }
 
+hid_t FileInUse::FindGroup(hid_t file, std::string_view question) {
+  const FileInUse* use = process().file_in_use;
+  const bool is_answered = use && use->answered_.file == file && use->answered_.question == question;
+  return is_answered ? Shared(use->answered_.group.get()) : H5I_INVALID_HID;
+}
+
+void FileInUse::RememberGroup(hid_t file, std::string question, hid_t group) {
+  FileInUse* use = process().file_in_use;
+  if (use && group > 0) use->answered_ = {file, std::move(question), Group(Shared(group))};
+}
+
 void FileInUse::Begin(const char* file) {
   path_ = OH5ReaderPool::KeyOf(file);
   const bool is_wanted = process().kept_files && process().kept_files->IsWanted(path_);
   KeptFile kept = is_wanted ? process().kept_files->Take(path_) : KeptFile();
   file_ = std::move(kept.indexed);
   if (!file_ && !kept.reader && process().file_index != 0) file_ = IndexedFile::Open(path_.c_str());
-  if (file_) return;
-  OH5ReaderPool& pool = OH5ReaderPool::Get();
-  if (kept.reader) pool.Adopt(path_.c_str(), std::move(kept.reader));
-  pool.KeepOpen(path_.c_str(), 1);
+  if (!file_) {
+    OH5ReaderPool& pool = OH5ReaderPool::Get();
+    if (kept.reader) pool.Adopt(path_.c_str(), std::move(kept.reader));
+    pool.KeepOpen(path_.c_str(), 1);
+  }
+  outer_ = std::exchange(process().file_in_use, this);  // last: without memory it does not begin
+  is_begun_ = true;
 }
 
 /// What is known of a file is had by opening it again and again: as long as there may be more, it is not kept by HDF5.
@@ -55,6 +72,8 @@ void FileInUse::PutBack() {
 }
 
 void FileInUse::End() {
+  process().file_in_use = outer_;
+  answered_ = Answered();
   OH5ReaderPool& pool = OH5ReaderPool::Get();
   if (!file_) pool.KeepOpen(path_.c_str(), 0);
   if (process().kept_files && process().kept_files->IsWanted(path_)) EntryVoid([this] { PutBack(); });
@@ -63,7 +82,7 @@ void FileInUse::End() {
 
 FileInUse::~FileInUse() {
   process().is_among_itself = was_among_itself_;
-  if (!path_.empty()) End();
+  if (is_begun_) End();
 }
 
 }  // namespace orvio::h5

@@ -1,6 +1,7 @@
 // Reading of one dataset, whole or in part, with full checks of type, rank and size. Attributes are in
 // attribute_read.cpp. The texts of failures stay inside the library: only the status goes out.
 
+#include <optional>
 #include <string>
 
 #include "filer/process_state.h"
@@ -8,6 +9,7 @@
 #include "h5/entry.h"
 #include "h5/extents.h"
 #include "h5/file_access.h"
+#include "h5/plain_dataset.h"
 #include "h5/plain_numbers.h"
 #include "h5/scale_offset_read.h"
 #include "h5/status.h"
@@ -33,9 +35,9 @@ bool FitsWhole(const Extents& stored, int rank, const hsize_t* dims) {
   return true;
 }
 
-/// Whether values need no HDF5. A selection that leaves the dataset is HDF5's to refuse.
-bool IsReadPlain(const StoredDataset& dataset, const TypeRow& row, const Slab* slab) {
-  if (!dataset.indexed() || !IsPlain(dataset.indexed()->values.shape, row)) return false;
+/// Whether a selection is of single elements within the dataset, or there is none. What leaves the dataset is HDF5's to
+/// refuse.
+bool IsPlainSelection(const StoredDataset& dataset, const Slab* slab) {
   if (!slab) return true;
   if (slab->stride || slab->block) return false;
   const Extents& stored = dataset.extents();
@@ -45,15 +47,25 @@ bool IsReadPlain(const StoredDataset& dataset, const TypeRow& row, const Slab* s
   return true;
 }
 
+/// Reads values as they lie in the file; nothing where that is not possible.
+std::optional<bool> ReadWithoutHdf5(StoredDataset& dataset, const TypeRow& row, const Slab* slab, void* buffer) {
+  if (!IsPlainSelection(dataset, slab)) return std::nullopt;
+  const PlainSlab part = slab ? PlainSlab{slab->start, slab->count} : PlainSlab{};
+  const PlainSlab* selected = slab ? &part : nullptr;
+  if (const auto& indexed = dataset.indexed()) {
+    if (!IsPlain(indexed->values.shape, row)) return std::nullopt;
+    return ReadPlain(indexed->bytes, indexed->values, row, selected, buffer);
+  }
+  PlainDataset plain(dataset, row);
+  return plain ? std::optional(plain.Read(row, selected, buffer)) : std::nullopt;
+}
+
 /// Reads what went through the scale-offset filter alone by the library's own decoder: HDF5 cannot read all that its filter
-/// writes. All else, `count` values, is for `by_hdf5`.
+/// writes. All else that is not plain, `count` values, is for `by_hdf5`.
 template <class ByHdf5>
 bool ReadValues(StoredDataset& dataset, const TypeRow& row, const Slab* slab, hsize_t count, void* buffer,
                 ByHdf5 by_hdf5) {
-  if (IsReadPlain(dataset, row, slab)) {
-    const PlainSlab part = slab ? PlainSlab{slab->start, slab->count} : PlainSlab{};
-    return ReadPlain(dataset.indexed()->bytes, dataset.indexed()->values, row, slab ? &part : nullptr, buffer);
-  }
+  if (const auto read = ReadWithoutHdf5(dataset, row, slab, buffer)) return *read;
   if (dataset.is_filtered()) {
     const Decoded decoded = ReadScaleOffset(dataset.get(), dataset.extents(), row, slab, buffer);
     if (decoded != Decoded::kNotOurs) return decoded == Decoded::kDone;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "block/block_keys.h"
+#include "block/file_in_use_by.h"
 #include "block/reader_lease.h"
 #include "block/walk.h"
 #include "h5/disk_names.h"
@@ -78,11 +79,30 @@ hid_t ORVResult::GetResultBlkGrp(const _OH5BlockKeyMap* key, hid_t place) {
   return group ? group.release() : by_stored_path();
 }
 
+namespace {
+
+/// All that the place of a block of the library follows from.
+std::string PlaceQuestion(ORVResult& block, int state) {
+  std::string question = std::to_string(state) + '\n' + std::to_string(block.GetKey()) + '\n' + block.GetBlkPath();
+  for (const char* name : {block.m_series, block.m_etyp, block.m_etypvar, block.m_subBlockName}) {
+    question.append("\n").append(Content(name));
+  }
+  return question;
+}
+
+}  // namespace
+
 hid_t ORVResult::OpenBlockGroup(int state) {
   if (!GetH5Reader()) return H5I_INVALID_HID;
   return h5::Entry<hid_t>(H5I_INVALID_HID, [&]() -> hid_t {
+    const hid_t file = GetH5Reader()->GetFileId();
+    const std::string question = IsOwnBlock(*this) ? PlaceQuestion(*this, state) : std::string();
+    const hid_t known = question.empty() ? H5I_INVALID_HID : h5::FileInUse::FindGroup(file, question);
+    if (known > 0) return known;
     const h5::Group place(GetResultGrp(state));
-    return place ? GetResultBlkGrp(FindBlockKey(m_BlkKey), place.get()) : H5I_INVALID_HID;
+    h5::Group found(place ? GetResultBlkGrp(FindBlockKey(m_BlkKey), place.get()) : H5I_INVALID_HID);
+    if (!question.empty()) h5::FileInUse::RememberGroup(file, question, found.get());
+    return found.release();
   });
 }
 

@@ -80,6 +80,13 @@ TEST(PlainNumbers, DoublesBecomeFloatsAsByHdf5) {
   ExpectAsHdf5<float>(ElementKind::kFloat, ORV_FLOAT, H5T_NATIVE_DOUBLE, H5T_NATIVE_FLOAT, StrangeDoubles());
 }
 
+TEST(PlainNumbers, DoublesThatAreNoLargerThanFloatsBecomeFloatsAsByHdf5) {
+  std::vector<double> numbers = StrangeDoubles();
+  std::erase_if(numbers, [](double number) { return !(std::abs(number) <= std::numeric_limits<float>::max()); });
+  ASSERT_GT(numbers.size(), 1024U) << "numbers are converted in blocks";
+  ExpectAsHdf5<float>(ElementKind::kFloat, ORV_FLOAT, H5T_NATIVE_DOUBLE, H5T_NATIVE_FLOAT, numbers);
+}
+
 TEST(PlainNumbers, FloatsBecomeDoublesAsByHdf5) {
   std::vector<float> numbers = {0.F, -0.F, .1F, 3e38F, 1e-45F, HUGE_VALF, -HUGE_VALF, std::nanf("")};
   for (std::uint32_t bits = 1; numbers.size() < 5000; bits = bits * 1664525U + 1013904223U) {
