@@ -122,6 +122,32 @@ TEST_F(FileIndex, TakesBackslashesForSlashes) {
   EXPECT_FALSE(served_later);
 }
 
+TEST_F(FileIndex, IsOfNoUseForAFileWithoutAName) {
+  orvio::h5::EntryVoid([] {
+    const FileInUse nothing("");
+    const FileInUse null(nullptr);
+  });
+  EXPECT_EQ(orvio::process().file_in_use, nullptr);
+}
+
+TEST_F(FileIndex, StepsOfAnOperationFindTheGroupOfABlockOnce) {
+  orvio::h5::EntryVoid([&] {
+    const FileInUse use(path_.c_str());
+    const ShortLease reader(path_.c_str());
+    const hid_t file = reader->GetFileId();
+    EXPECT_LT(FileInUse::FindGroup(file, "first"), 0);
+    FileInUse::RememberGroup(file, "first", file);
+    EXPECT_EQ(FileInUse::FindGroup(file, "first"), file);
+    EXPECT_LT(FileInUse::FindGroup(file, "second"), 0);
+    EXPECT_LT(FileInUse::FindGroup(file + 1, "first"), 0);
+  });
+  orvio::h5::EntryVoid([&] {
+    const FileInUse use(path_.c_str());
+    const ShortLease reader(path_.c_str());
+    EXPECT_LT(FileInUse::FindGroup(reader->GetFileId(), "first"), 0) << "an operation begins anew";
+  });
+}
+
 TEST_F(FileIndex, IsSwitchedOffAndOn) {
   EXPECT_EQ(ORVSetFileIndex(0), 1);
   EXPECT_FALSE(IsServed());
