@@ -31,8 +31,8 @@ struct ORVContainer {
   explicit ORVContainer(const char* file) : path(file ? file : "") {}
 
   int sharers = 1;
-  std::unique_ptr<ORVFileVersion> version;       ///< read on first demand
-  std::unique_ptr<orvio::h5::WriteFile> change;  ///< between BeginState and EndState
+  std::unique_ptr<ORVFileVersion> version;               ///< read on first demand
+  std::unique_ptr<orvio::h5::WriteFile> change;          ///< between BeginState and EndState
   std::unique_ptr<orvio::h5::KeepingOpen> keeping_open;  ///< see ORVFiler::KeepFileOpen
   std::string path;
   std::unique_ptr<ORVSystem> system;               ///< with its arrays; none until read

@@ -62,7 +62,9 @@ class Catalogue {
     return *names_[links_[objects_[group].first_link + index].name];
   }
   /// What such a link leads to.
-  Found LinkObject(Id group, std::uint32_t index) const { return Told(links_[objects_[group].first_link + index].object); }
+  Found LinkObject(Id group, std::uint32_t index) const {
+    return Told(links_[objects_[group].first_link + index].object);
+  }
   /// Where its object header is, as links have it.
   std::uint64_t AddressOf(Id object) const { return objects_[object].header; }
   bool HasHardLinksOnly(Id group) const { return !objects_[group].has_soft_links; }
