@@ -73,15 +73,15 @@ bool IsRegularFile(const char* name) {
 
 namespace {
 
-/// HDF5 opens no file for writing that it has open for reading.
-void CloseKeptFiles() {
-  if (process().kept_files) process().kept_files->CloseAll();
+/// HDF5 would answer with the file that is open already: for reading only, and as it was when it was opened.
+void CloseKept(const char* name) {
+  if (process().kept_files) process().kept_files->Close(name);
 }
 
 }  // namespace
 
 File OpenFile(const char* name, unsigned flags) {
-  if (flags & H5F_ACC_RDWR) CloseKeptFiles();
+  CloseKept(name);
   const hid_t access = Lists().file_access;
   File file(access > 0 ? H5Fopen(name, flags, access) : H5I_INVALID_HID);
   if (file && (flags & H5F_ACC_RDWR)) EndOpening(file.get());
@@ -89,7 +89,7 @@ File OpenFile(const char* name, unsigned flags) {
 }
 
 File CreateFile(const char* name) {
-  CloseKeptFiles();
+  CloseKept(name);
   const hid_t access = Lists().file_access;
   if (access <= 0 || (FileExists(name) && !IsRegularFile(name))) return File();
   File file(H5Fcreate(name, H5F_ACC_TRUNC, H5P_DEFAULT, access));

@@ -46,6 +46,16 @@ void KeptFiles::Put(KeptFile file) {
   files_.push_back(std::move(file));
 }
 
+void KeptFiles::Close(const char* name) {
+  struct stat info = {};
+  if (files_.empty() || stat(name, &info) != 0) return;
+  const FileStamp named(info);
+  std::erase_if(files_, [&](const KeptFile& file) {
+    const FileStamp& kept = file.snapshot->stamp();
+    return kept.device == named.device && kept.inode == named.inode;
+  });
+}
+
 KeptFiles& FilesKeptOpen() {
   KeptFiles*& kept = process().kept_files;
   if (!kept) kept = new KeptFiles;  // lives as long as the process, as the other lists here

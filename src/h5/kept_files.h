@@ -31,7 +31,8 @@ class KeptFiles {
   KeptFile Take(const std::string& path);
   /// Keeps the file if it will be known again: one that was changed a moment ago may change without a trace.
   void Put(KeptFile file);
-  /// One of them is about to be written, or read in another way.
+  /// A file is about to be opened once more, under whatever name.
+  void Close(const char* name);
   void CloseAll() { files_.clear(); }
 
  private:

@@ -162,6 +162,34 @@ TEST_P(KeptFile, IsWrittenByTheSameProcess) {
   EXPECT_EQ(Fetch(1), (std::vector<float>{10, 11, 12}));
 }
 
+/// Some operations open the file by themselves.
+TEST_P(KeptFile, IsNotInTheWayOfOtherOpens) {
+  EXPECT_EQ(Fetch(2), (std::vector<float>{20, 21, 22}));
+  {
+    const Id file(H5Fopen(path_.c_str(), H5F_ACC_RDWR, H5P_DEFAULT), "file");
+    const Id made(H5Gcreate2(file.get(), "/post/singlestate/state000000000003", H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT),
+                  "state");
+  }
+  int states = 0;
+  EXPECT_EQ(ReadNumState(path_.c_str(), &states), 0);
+  EXPECT_EQ(states, 3);
+  EXPECT_EQ(Fetch(1), (std::vector<float>{10, 11, 12}));
+  ORVFiler other(path_.c_str());
+  int next_id = 1;
+  EXPECT_EQ(other.InitReader(next_id), 0);
+  EXPECT_EQ(Fetch(2), (std::vector<float>{20, 21, 22}));
+}
+
+TEST_P(KeptFile, IsNotInTheWayOfOpensUnderAnotherName) {
+  EXPECT_EQ(Fetch(2), (std::vector<float>{20, 21, 22}));
+  const std::string other = TempPath("other name");
+  std::filesystem::create_symlink(path_, other);
+  std::filesystem::last_write_time(path_, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+  int states = 0;
+  EXPECT_EQ(ReadNumState(other.c_str(), &states), 0);
+  EXPECT_EQ(states, 2);
+}
+
 /// A writer leaves its journal for readers that it knows of.
 TEST_P(KeptFile, IsNoReaderToWritersBetweenOperations) {
   EXPECT_EQ(Fetch(2), (std::vector<float>{20, 21, 22}));
