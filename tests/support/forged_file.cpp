@@ -82,7 +82,9 @@ ForgedFile::ForgedFile(ForgedFile&& other) noexcept
 
 ForgedFile::~ForgedFile() {
   file_ = Id();
-  if (!path_.empty()) unlink(path_.c_str());
+  if (path_.empty()) return;
+  unlink(path_.c_str());
+  unlink((path_ + "-journal").c_str());  // that a writer left for readers
 }
 
 hid_t ForgedFile::File() {
