@@ -27,9 +27,10 @@ int OpenHdf5Files() { return static_cast<int>(H5Fget_obj_count(H5F_OBJ_ALL, H5F_
 
 /// The first descriptor that this process has of a file; -1 for none.
 int DescriptorOf(const std::string& path) {
+  const std::filesystem::path real = std::filesystem::weakly_canonical(path);
   for (const auto& link : std::filesystem::directory_iterator("/proc/self/fd")) {
     std::error_code gone;
-    if (std::filesystem::read_symlink(link.path(), gone) == path) return std::stoi(link.path().filename().string());
+    if (std::filesystem::read_symlink(link.path(), gone) == real) return std::stoi(link.path().filename().string());
   }
   return -1;
 }
