@@ -21,8 +21,8 @@ namespace orvio {
 
 namespace h5 {
 class CheckedFiles;
-class IndexedFile;
 class FileInUse;
+class IndexedFile;
 class KeptFiles;
 class WrittenFile;
 struct HeldSnapshots;

@@ -69,10 +69,6 @@ bool IsRegularFile(const char* name) {
   return stat(name, &info) == 0 && S_ISREG(info.st_mode);
 }
 
-}  // namespace
-
-namespace {
-
 /// HDF5 would answer with the file that is open already: for reading only, and as it was when it was opened.
 void CloseKept(const char* name) {
   if (process().kept_files) process().kept_files->Close(name);

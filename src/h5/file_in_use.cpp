@@ -74,10 +74,11 @@ void FileInUse::PutBack() {
 void FileInUse::End() {
   process().file_in_use = outer_;
   answered_ = Answered();
+  const bool is_pooled = !file_;
   OH5ReaderPool& pool = OH5ReaderPool::Get();
-  if (!file_) pool.KeepOpen(path_.c_str(), 0);
+  if (is_pooled) pool.KeepOpen(path_.c_str(), 0);
   if (process().kept_files && process().kept_files->IsWanted(path_)) EntryVoid([this] { PutBack(); });
-  pool.RemovePath(path_.c_str());
+  if (is_pooled) pool.RemovePath(path_.c_str());
 }
 
 FileInUse::~FileInUse() {

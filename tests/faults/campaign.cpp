@@ -4,6 +4,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <stdexcept>
 
 #include "faults/concurrent.h"
 
@@ -137,6 +138,7 @@ int Run(const Wish& wish) {
   const WorkFolder folder(wish.folder);
   const std::vector<Writer> writers = WritersOf(wish);
   const std::vector<Trial> trials = TrialsOf(wish);
+  if (trials.empty()) throw std::runtime_error("no file of so many states is tried");
   const Shared<Board> board;
   std::vector<int> processes;
   for (int job = 0; job < wish.jobs; ++job) {

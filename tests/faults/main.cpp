@@ -46,7 +46,7 @@ bool TakeStates(const char* range, Wish& wish) {
   if (!dash) return false;
   const auto first = NumberIn(std::string(range, dash).c_str(), 1, kMostStates);
   const auto last = NumberIn(dash + 1, 1, kMostStates);
-  if (!first || !last) return false;
+  if (!first || !last || *first > *last) return false;
   wish.first_states = *first;
   wish.last_states = *last;
   return true;

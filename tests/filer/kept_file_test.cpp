@@ -1,6 +1,5 @@
 // A file that stays open between operations: they see it as it is all the same, and nobody is kept from writing it.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -9,19 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "filer/process_state.h"
-#include "h5/file_changes.h"
-#include "h5/kept_files.h"
-#include "orvio/orvio.h"
-#include "support/forged_model.h"
-#include "support/orv_test.h"
+#include "support/two_states.h"
 
 namespace {
 
 using namespace orv_test;
 using testing::IsEmpty;
-
-constexpr char kValues[] = "/post/singlestate/state000000000002/entityresults/NODE/Speed/orvblock/res";
 
 int OpenHdf5Files() { return static_cast<int>(H5Fget_obj_count(H5F_OBJ_ALL, H5F_OBJ_FILE)); }
 
@@ -38,63 +30,14 @@ int DescriptorOf(const std::string& path) {
 bool IsOpen(const std::string& path) { return DescriptorOf(path) >= 0; }
 
 /// Read with what is known of files (1) and by HDF5 (0).
-class KeptFile : public OrvTest, public testing::WithParamInterface<int> {
+class KeptFile : public TwoStates, public testing::WithParamInterface<int> {
  protected:
   KeptFile() {
     MaySilenceHdf5();
-    model_.variable({.name = "Speed", .key = "Speed"});
-    for (int state = 1; state <= 2; ++state) {
-      const float first = 10.F * static_cast<float>(state);
-      model_.in_state(state, {.variable = "Speed",
-                              .nent = 3,
-                              .values = {first, first + 1, first + 2},
-                              .ids = {7, 8, 9},
-                              .index = {.5F * static_cast<float>(state)}});
-    }
-    path_ = model_.path();
-    Start();
     EXPECT_EQ(filer_.KeepFileOpen(), 0);
   }
 
-  void Start() {
-    filer_ = ORVFiler(path_.c_str());
-    int next_id = 1;
-    EXPECT_EQ(filer_.InitReader(next_id), 0);
-  }
-  /// Values at a state; empty when the fetch fails.
-  std::vector<float> Fetch(int state) {
-    ORVResultValuesBase<float, int> values;
-    values.m_state = state;
-    if (filer_.GetValues(values, filer_.GetResultList(1), -1, -1, "Speed") != 0) return {};
-    std::vector<float> fetched(values.m_values, values.m_values + values.m_valueCount);
-    values.DeleteAllocation(true);
-    return fetched;
-  }
-  void Overwrite(float value) {
-    const Id file(H5Fopen(path_.c_str(), H5F_ACC_RDWR, H5P_DEFAULT), "file");
-    const Id values(H5Dopen2(file.get(), kValues, H5P_DEFAULT), kValues);
-    const std::vector<float> all(3, value);
-    Check(H5Dwrite(values.get(), H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT, all.data()), "write");
-  }
-  int WriteState(int state) {
-    ORVResult block(ORV_RESULT_ENTITY);
-    block.SetEntityAndVarName("NODE", "Speed");
-    std::vector<int> ids = {7, 8, 9};
-    std::vector<float> values = {31, 32, 33};
-    block.m_nent = 3;
-    block.m_ncoo = 1;
-    block.m_readIds = 1;
-    block.m_entid = ids.data();
-    block.m_res = values.data();
-    if (filer_.InitForWriting(path_.c_str(), ORV_VERSION_2_2, ORV_FILE_APPEND, true) != 0) return 1;
-    return filer_.WriteBlock(&block, state, ORV_WRITE_HEADER | ORV_WRITE_DATA);
-  }
-
-  const orvio::Swapped<double> at_once_{orvio::process().clock_step, -1};
   const orvio::Swapped<int> index_{orvio::process().file_index, GetParam()};
-  ForgedModel model_;
-  std::string path_;
-  ORVFiler filer_{nullptr};
 };
 
 TEST_P(KeptFile, StaysOpenFromOneFetchToTheNext) {
@@ -156,9 +99,9 @@ TEST_P(KeptFile, IsMissedWhenItIsGone) {
 
 TEST_P(KeptFile, IsWrittenByTheSameProcess) {
   EXPECT_EQ(Fetch(2), (std::vector<float>{20, 21, 22}));
-  ASSERT_EQ(WriteState(3), 0);
+  ASSERT_EQ(WriteState(3, {31, 32, 33}), 0);
   EXPECT_EQ(Fetch(3), (std::vector<float>{31, 32, 33}));
-  ASSERT_EQ(WriteState(4), 0);
+  ASSERT_EQ(WriteState(4, {31, 32, 33}), 0);
   EXPECT_EQ(Fetch(4), (std::vector<float>{31, 32, 33}));
   EXPECT_EQ(Fetch(1), (std::vector<float>{10, 11, 12}));
 }
@@ -194,18 +137,7 @@ TEST_P(KeptFile, IsNotInTheWayOfOpensUnderAnotherName) {
 /// A writer leaves its journal for readers that it knows of.
 TEST_P(KeptFile, IsNoReaderToWritersBetweenOperations) {
   EXPECT_EQ(Fetch(2), (std::vector<float>{20, 21, 22}));
-  haddr_t place = 0;
-  {
-    const Id file(H5Fopen(path_.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), "file");
-    const Id dataset(H5Dopen2(file.get(), kValues, H5P_DEFAULT), kValues);
-    place = H5Dget_offset(dataset.get());
-  }
-  const orvio::h5::Descriptor file(open(path_.c_str(), O_RDWR | O_CLOEXEC));
-  const auto size = std::filesystem::file_size(path_);
-  orvio::h5::FileChanges changes(file.get(), path_, 0644, size, size, orvio::h5::Durability::kKillSafe);
-  const float values[] = {1, 2, 3};
-  ASSERT_TRUE(changes.Write(place, values, sizeof values));
-  ASSERT_TRUE(changes.Commit());
+  Commit({1, 2, 3});
   EXPECT_FALSE(std::filesystem::exists(path_ + "-journal"));
   EXPECT_EQ(Fetch(2), (std::vector<float>{1, 2, 3}));
 }

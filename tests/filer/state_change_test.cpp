@@ -13,6 +13,7 @@
 #include <functional>
 #include <thread>
 
+#include "filer/two_nodes.h"
 #include "orvio/orv_filer.h"
 #include "orvio/orv_result.h"
 #include "orvio/orv_switches.h"
@@ -39,16 +40,8 @@ class StateChange : public OrvTest {
   }
 
   int Write(const char* variable, int state, float value = 1.5F) {
-    int ids[] = {5, 9};
-    float values[] = {value, value};
     ORVResult result(ORV_RESULT_ENTITY);
-    result.SetEntityAndVarName("NODE", variable);
-    result.m_nent = 2;
-    result.m_ncoo = 1;
-    result.m_readIds = 1;
-    result.m_entid = ids;
-    result.m_res = values;
-    return filer_->WriteBlock(&result, state, ORV_WRITE_HEADER | ORV_WRITE_DATA);
+    return WriteTwoNodes(*filer_, result, variable, state, value);
   }
   /// Answers what a process of its own answers: below 128.
   static int InAnotherProcess(const std::function<int()>& ask) {

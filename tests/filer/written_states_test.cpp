@@ -6,7 +6,7 @@
 
 #include <sys/stat.h>
 
-#include "filer/process_state.h"
+#include "filer/two_nodes.h"
 #include "h5/checked_files.h"
 #include "orvio/oh5_io.h"
 #include "orvio/orv_filer.h"
@@ -46,13 +46,7 @@ class WrittenStates : public OrvTest {
   }
 
   int Write(ORVResult& result, const char* variable, int state) {
-    result.SetEntityAndVarName("NODE", variable);
-    result.m_nent = 2;
-    result.m_ncoo = 1;
-    result.m_readIds = 1;
-    result.m_entid = ids_;
-    result.m_res = values_;
-    return filer_.WriteBlock(&result, state, ORV_WRITE_HEADER | ORV_WRITE_DATA);
+    return WriteTwoNodes(filer_, result, variable, state, 1.5F);
   }
   int Write(const char* variable, int state) {
     ORVResult result(ORV_RESULT_ENTITY);
@@ -72,8 +66,6 @@ class WrittenStates : public OrvTest {
     const Id made(H5Gcreate2(file.get(), path.c_str(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), name);
   }
 
-  int ids_[2] = {5, 9};
-  float values_[2] = {1.5F, 2.5F};
   const std::string path_ = TempPath("states.orv");
   ORVFiler filer_{path_.c_str()};
 };

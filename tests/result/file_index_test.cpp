@@ -12,13 +12,10 @@
 
 #include "filer/process_state.h"
 #include "h5/entry.h"
-#include "h5/file_changes.h"
 #include "h5/file_in_use.h"
 #include "h5/reader_pool.h"
-#include "orvio/orvio.h"
-#include "support/forged_model.h"
-#include "support/orv_test.h"
 #include "support/raw_file.h"
+#include "support/two_states.h"
 
 namespace {
 
@@ -27,37 +24,8 @@ using orvio::h5::FileInUse;
 using orvio::h5::IsIndexed;
 using orvio::h5::ShortLease;
 
-constexpr char kValues[] = "/post/singlestate/state000000000002/entityresults/NODE/Speed/orvblock/res";
-
-/// Two states of a block, in a file that is remembered however young it is.
-class FileIndex : public OrvTest {
+class FileIndex : public TwoStates {
  protected:
-  FileIndex() {
-    model_.variable({.name = "Speed", .key = "Speed"});
-    for (int state = 1; state <= 2; ++state) {
-      const float first = 10.F * static_cast<float>(state);
-      model_.in_state(state, {.variable = "Speed",
-                              .nent = 3,
-                              .values = {first, first + 1, first + 2},
-                              .ids = {7, 8, 9},
-                              .index = {.5F * static_cast<float>(state)}});
-    }
-    path_ = model_.path();
-    filer_ = ORVFiler(path_.c_str());
-    int next_id = 1;
-    EXPECT_EQ(filer_.InitReader(next_id), 0);
-  }
-
-  /// Values at a state; empty when the fetch fails.
-  std::vector<float> Fetch(int state) {
-    ORVResultValuesBase<float, int> values;
-    values.m_state = state;
-    if (filer_.GetValues(values, filer_.GetResultList(1), -1, -1, "Speed") != 0) return {};
-    std::vector<float> fetched(values.m_values, values.m_values + values.m_valueCount);
-    values.DeleteAllocation(true);
-    return fetched;
-  }
-
   /// Whether readers of the library need no HDF5 for the file now.
   bool IsServed() const {
     bool served = false;
@@ -68,34 +36,6 @@ class FileIndex : public OrvTest {
     });
     return served;
   }
-
-  /// Overwrites one value in place with HDF5 alone.
-  void Overwrite(const char* dataset, float value) {
-    const Id file(H5Fopen(path_.c_str(), H5F_ACC_RDWR, H5P_DEFAULT), "file");
-    const Id values(H5Dopen2(file.get(), dataset, H5P_DEFAULT), dataset);
-    const std::vector<float> all(3, value);
-    Check(H5Dwrite(values.get(), H5T_NATIVE_FLOAT, H5S_ALL, H5S_ALL, H5P_DEFAULT, all.data()), "write");
-  }
-
-  /// What a writer in another process does.
-  void Commit(const std::vector<float>& values) {
-    haddr_t place = 0;
-    {
-      const Id file(H5Fopen(path_.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), "file");
-      const Id dataset(H5Dopen2(file.get(), kValues, H5P_DEFAULT), kValues);
-      place = H5Dget_offset(dataset.get());
-    }
-    const orvio::h5::Descriptor file(open(path_.c_str(), O_RDWR));
-    const auto size = std::filesystem::file_size(path_);
-    orvio::h5::FileChanges changes(file.get(), path_, 0644, size, size, orvio::h5::Durability::kKillSafe);
-    ASSERT_TRUE(changes.Write(place, values.data(), values.size() * sizeof(float)));
-    ASSERT_TRUE(changes.Commit());
-  }
-
-  const orvio::Swapped<double> at_once_{orvio::process().clock_step, -1};
-  ForgedModel model_;
-  std::string path_;
-  ORVFiler filer_{nullptr};
 };
 
 TEST_F(FileIndex, ServesReadsOfAFileThatStaysAsItIs) {
@@ -166,24 +106,14 @@ TEST_F(FileIndex, ServesNothingWithoutTheLookAtTheFile) {
 TEST_F(FileIndex, ForgetsAFileInWhichAValueWasOverwritten) {
   EXPECT_EQ(Fetch(2), (std::vector<float>{20, 21, 22}));
   usleep(20'000);  // a step of the clock that the file's times are taken from
-  Overwrite(kValues, 99);
+  Overwrite(99);
   EXPECT_EQ(Fetch(2), (std::vector<float>{99, 99, 99}));
   EXPECT_EQ(Fetch(1), (std::vector<float>{10, 11, 12}));
 }
 
 TEST_F(FileIndex, ForgetsAFileThatTheLibraryHasWritten) {
   MaySilenceHdf5();
-  ORVResult block(ORV_RESULT_ENTITY);
-  block.SetEntityAndVarName("NODE", "Speed");
-  block.m_nent = 2;
-  block.m_ncoo = 1;
-  std::vector<int> ids = {7, 8};
-  std::vector<float> values = {31, 32};
-  block.m_readIds = 1;
-  block.m_entid = ids.data();
-  block.m_res = values.data();
-  ASSERT_EQ(filer_.InitForWriting(path_.c_str(), ORV_VERSION_2_2, ORV_FILE_APPEND, true), 0);
-  ASSERT_EQ(filer_.WriteBlock(&block, 3, ORV_WRITE_HEADER | ORV_WRITE_DATA), 0);
+  ASSERT_EQ(WriteState(3, {31, 32}), 0);
   EXPECT_EQ(Fetch(3), (std::vector<float>{31, 32}));
   EXPECT_EQ(Fetch(1), (std::vector<float>{10, 11, 12}));
 }

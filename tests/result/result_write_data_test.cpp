@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -21,6 +22,20 @@ class ResultWriteData : public OrvTest {
   std::optional<ForgedFile> file_{std::in_place, "write"};
 };
 
+/// A block of a kind with 2 states, 3 entities, 4 layers and 5 components; each value is its position.
+struct Numbered : Nodes {
+  explicit Numbered(int kind) : Nodes(kind) {
+    values.resize(240);
+    std::iota(values.begin(), values.end(), 0.F);
+    block.m_res = values.data();
+    block.m_readIds = 0;
+    block.m_nstate = 2;
+    block.m_nent = 3;
+    block.m_numl = 4;
+    block.m_ncoo = 5;
+  }
+};
+
 /// Extents of `res` for each kind with 2 states, 3 entities, 4 layers and 5 components.
 TEST_F(ResultWriteData, StoresValuesInTheShapeOfTheKind) {
   const std::pair<int, Shape> rows[] = {
@@ -29,15 +44,7 @@ TEST_F(ResultWriteData, StoresValuesInTheShapeOfTheKind) {
   };
   for (const auto& [kind, shape] : rows) {
     file_.emplace("write");
-    Nodes nodes(kind);
-    Floats values(240);
-    for (size_t i = 0; i < values.size(); ++i) values[i] = static_cast<float>(i);
-    nodes.block.m_res = values.data();
-    nodes.block.m_readIds = 0;
-    nodes.block.m_nstate = 2;
-    nodes.block.m_nent = 3;
-    nodes.block.m_numl = 4;
-    nodes.block.m_ncoo = 5;
+    Numbered nodes(kind);
     EXPECT_EQ(nodes.Write(file_->path(), 0, 3), 0) << kind;
     const RawFile raw(file_->path());
     const std::string section = nodes.block.IsMultistateBlk() ? "/post/multistate/" : "/post/constant/";
@@ -64,15 +71,7 @@ TEST_F(ResultWriteData, CutsChunksAlongTheAxisOfTheEntities) {
   ASSERT_EQ(ORVSetChunkEntities(2), 0);
   for (const auto& [kind, chunk] : rows) {
     file_.emplace("write");
-    Nodes nodes(kind);
-    Floats values(240);
-    for (size_t i = 0; i < values.size(); ++i) values[i] = static_cast<float>(i);
-    nodes.block.m_res = values.data();
-    nodes.block.m_readIds = 0;
-    nodes.block.m_nstate = 2;
-    nodes.block.m_nent = 3;
-    nodes.block.m_numl = 4;
-    nodes.block.m_ncoo = 5;
+    Numbered nodes(kind);
     nodes.block.m_nCompressionFactor = 3;
     EXPECT_EQ(nodes.Write(file_->path(), 0, 3), 0) << kind;
     const RawFile raw(file_->path());
