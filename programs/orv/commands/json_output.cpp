@@ -1,0 +1,27 @@
+#include "commands/json_output.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+namespace orvio::program {
+namespace {
+
+template <class T>
+Json Number(T value) {
+  if (!std::isfinite(value)) return fmt::format("{}", value);
+  return value;
+}
+
+}  // namespace
+
+Json JsonAnswer(std::string_view command, const std::string& file) {
+  return {{"schema_version", kSchemaVersion}, {"command", command}, {"file", file}};
+}
+
+Json JsonNumber(double value) { return Number(value); }
+Json JsonNumber(float value) { return Number(value); }
+
+void PrintJson(const Json& answer) { fmt::print("{}\n", answer.dump(1, ' ', false, Json::error_handler_t::replace)); }
+
+}  // namespace orvio::program
