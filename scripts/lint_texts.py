@@ -3,7 +3,10 @@
 
 - A word that is stored in files is spelled once, in src/h5/disk_names.h; nowhere else in src/ does it stand in quotes.
 - A comment that begins with QUIRK: names the test that pins it, 'Pinned by Suite.Test', and that test exists.
-- No source of the library is longer than 400 lines.
+- No source of the library, the public headers or the program is longer than 400 lines.
+- A folder of src/ includes its own headers and those of the folders below it, see LAYERS. Public headers include public
+  ones alone.
+- HDF5's calls for datasets and attributes stand in src/h5, and an id is closed by its handle.
 """
 import pathlib
 import re
@@ -12,7 +15,16 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 DISK_NAMES = ROOT / "src/h5/disk_names.h"
 LONGEST = 400
-SUFFIXES = {".h", ".cpp"}
+SUFFIXES = {".h", ".hpp", ".cpp"}
+# From the lowest on. Those of a row may include each other.
+LAYERS = [{"structure"}, {"h5"}, {"block"}, {"variable", "unit", "result", "entity"}, {"filer"}]
+# What outlives a call, versions and messages are below all others, wherever they stand.
+BELOW_ALL = {"filer/process_state.h", "filer/versions.h", "filer/messages.h"}
+# What a filer has read: the families fill it and look into it.
+SHARED = {"filer/container.h": LAYERS[3]}
+INCLUDE = re.compile(r'^#include "([^"]+)"')
+DATA_CALL = re.compile(r"\bH5[DA](?!I)[a-z]\w*\s*\(")
+CLOSE_CALL = re.compile(r"\bH5[A-Z]close\s*\(")
 TEST = re.compile(r"\b(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\)")
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 
@@ -73,15 +85,46 @@ def unpinned_quirks():
                 yield path, number, "'Pinned by' without a Suite.Test behind it"
 
 
-def long_sources():
+def rank(folder):
+    return next((i for i, row in enumerate(LAYERS) if folder in row), None)
+
+
+def upward_includes():
     for path in sources("src"):
+        folder = path.relative_to(ROOT / "src").parts[0]
+        for number, line in enumerate(path.read_text().splitlines(), 1):
+            match = INCLUDE.match(line)
+            target = rank(match[1].split("/")[0]) if match else None
+            if target is None or target <= rank(folder) or match[1] in BELOW_ALL or folder in SHARED.get(match[1], ()):
+                continue
+            yield path, number, f"src/{folder} is below {match[1]}"
+    for path in sources("include"):
+        for number, line in enumerate(path.read_text().splitlines(), 1):
+            match = INCLUDE.match(line)
+            if match and not match[1].startswith("orvio/"):
+                yield path, number, f"{match[1]} is no public header"
+
+
+def misplaced_hdf5_calls():
+    for path in sources("src"):
+        if path.parts[len(ROOT.parts) + 1] == "h5":
+            continue
+        for number, line in code_lines(path):
+            if DATA_CALL.search(line) or CLOSE_CALL.search(line):
+                yield path, number, "datasets, attributes and ids are the business of src/h5"
+
+
+def long_sources():
+    for path in sources("src", "include", "programs"):
+        if path.name == "orv_filer.h":  # one class, one header
+            continue
         length = len(path.read_text().splitlines())
         if length > LONGEST:
             yield path, LONGEST + 1, f"{length} lines: split it by what its parts do"
 
 
 def main():
-    faults = [*repeated_disk_words(), *unpinned_quirks(), *long_sources()]
+    faults = [*repeated_disk_words(), *unpinned_quirks(), *long_sources(), *upward_includes(), *misplaced_hdf5_calls()]
     for path, number, text in faults:
         print(f"{path.relative_to(ROOT)}:{number}: {text}")
     return 1 if faults else 0

@@ -38,14 +38,14 @@ void Field::SetAbsent(std::int64_t number) const {
 HeaderReader::HeaderReader(IOH5Reader* reader, hid_t header)
     : reader_(reader), header_(header), status_(reader ? kOk : kFail) {}
 
-bool HeaderReader::Has(const char* name) const {
+bool HasAttribute(hid_t object, const char* name) {
   return Entry(false, [&] {
-    if (const IndexedPlace place(header_); place) {
+    if (const IndexedPlace place(object); place) {
       structure::Catalogue::Attribute found = {};
       const auto answer = place.catalogue().FindAttribute(place.object, name, found);
       if (answer != structure::Catalogue::Answer::kUnknown) return answer == structure::Catalogue::Answer::kYes;
     }
-    const Hdf5Location by_hdf5(header_);
+    const Hdf5Location by_hdf5(object);
     return H5Aexists(by_hdf5.get(), name) > 0;
   });
 }

@@ -28,6 +28,9 @@ class Field {
   std::size_t size_;  ///< bytes of a text member, its terminator included
 };
 
+/// Whether an object has an attribute of that name.
+bool HasAttribute(hid_t object, const char* name);
+
 /// Reads a block header, one attribute per line, in the order of the lines. Once a line has failed the later ones
 /// do nothing and their members keep what they held; status() is then 1.
 ///                   absent                 present but unreadable
@@ -54,7 +57,7 @@ class HeaderReader {
   [[nodiscard]] int status() const { return status_; }
 
  private:
-  bool Has(const char* name) const;
+  bool Has(const char* name) const { return HasAttribute(header_, name); }
 
   IOH5Reader* reader_;
   hid_t header_;

@@ -48,6 +48,9 @@ class StoredDataset {
     return !indexed_ && H5Pget_layout(creation_list()) == H5D_CHUNKED && H5Pget_nfilters(creation_list()) > 0;
   }
 
+  /// Bytes that its values take in the file.
+  std::uint64_t stored_bytes() { return H5Dget_storage_size(get()); }
+
   /// What is known of its values without HDF5; nothing for most. They are in one piece.
   const std::optional<IndexedValues>& indexed() const { return indexed_; }
 

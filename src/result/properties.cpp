@@ -161,7 +161,7 @@ using Bytes = std::unique_ptr<char, Free>;
 /// Bytes that the stored texts take in the file; their extents alone may claim anything.
 std::uint64_t StoredBytes(hid_t data) {
   h5::StoredDataset dataset(data, disk::cparam);
-  return dataset ? H5Dget_storage_size(dataset.get()) : 0;
+  return dataset ? dataset.stored_bytes() : 0;
 }
 
 /// Writers leave the ids out where all entities have a record.

@@ -63,7 +63,7 @@ class GroupScan : public ORVVariableGrp {
         h5::OpenGroup(GetH5Reader()->GetFileId(), single ? m_BlkPath.c_str() : (m_BlkPath + "/" + disk::data).c_str());
     h5::StoredDataset keys = data ? h5::StoredDataset(data.get(), disk::varkey) : h5::StoredDataset();
     if (!keys) return 0;
-    return static_cast<std::int64_t>(std::min<std::uint64_t>(keys.extents().points, H5Dget_storage_size(keys.get())));
+    return static_cast<std::int64_t>(std::min<std::uint64_t>(keys.extents().points, keys.stored_bytes()));
   }
 
   std::vector<ORVVariableGrp*>& found_;

@@ -10,6 +10,7 @@
 #include "h5/entry.h"
 #include "h5/file_access.h"
 #include "h5/group_paths.h"
+#include "h5/header_io.h"
 #include "h5/status.h"
 #include "orvio/oh5_io.h"
 #include "orvio/orv_variable.h"
@@ -42,7 +43,7 @@ class TableWriter {
     status_ = OH5Write_CHAR(data_, name, 1, &count, width, values);
   }
   void TotalUnlessThere(const char* name, std::uint64_t total) {
-    if (H5Aexists(data_, name) > 0) return;
+    if (h5::HasAttribute(data_, name)) return;
     const int value = static_cast<int>(std::min<std::uint64_t>(total, INT_MAX));
     status_ = OH5write_ATTRIBUTE(data_, name, nullptr, ORV_INT, 0, &value);
   }
