@@ -99,7 +99,7 @@ inline void append_parts(ORVFiler& filer, const std::string& type, int state, st
   std::vector<std::string> titles;
   (void)filer.GetPartInfo(type, ids, titles, materials, material_types, state);  // 0: the lists are empty
   for (std::size_t i = 0; i < ids.size(); ++i) {
-    Part part{ids[i], i < titles.size() ? titles[i] : "", {}, {}, type};
+    Part part{ids[i], i < titles.size() ? text_of(titles[i].c_str(), titles[i].size()) : "", {}, {}, type};
     if (i < materials.size()) part.material = materials[i];
     if (i < material_types.size()) part.material_type = material_types[i];
     parts.push_back(std::move(part));
