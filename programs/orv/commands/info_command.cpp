@@ -9,6 +9,7 @@
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/ranges.h"
 #include "commands/table.h"
 #include "reading/file_model.h"
 #include "reading/units.h"
@@ -82,19 +83,6 @@ void PrintJson(const FileModel& model) {
   fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
 }
 
-/// "1-51", "3", "11-13, 20".
-std::string Ranges(const std::vector<int>& states) {
-  std::vector<std::string> ranges;
-  for (std::size_t first = 0; first < states.size();) {
-    std::size_t last = first;
-    while (last + 1 < states.size() && states[last + 1] == states[last] + 1) ++last;
-    ranges.push_back(first == last ? fmt::format("{}", states[first])
-                                   : fmt::format("{}-{}", states[first], states[last]));
-    first = last + 1;
-  }
-  return fmt::format("{}", fmt::join(ranges, ", "));
-}
-
 std::string Counts(const ResultInfo& result) {
   if (result.count_min == result.count_max) return fmt::format("{}", result.count_max);
   return fmt::format("{}-{}", result.count_min, result.count_max);
@@ -164,7 +152,7 @@ void PrintResults(const std::vector<ResultInfo>& results) {
   Table table({"result", "of", "count", "components", "type", "where"});
   for (const ResultInfo& result : results) {
     const std::string layers = result.is_element ? fmt::format(" x {} layers", result.layers) : "";
-    const std::string where = result.section == "state" ? "states " + Ranges(result.states) : result.section;
+    const std::string where = result.section == "state" ? "states " + RangesOf(result.states) : result.section;
     table.Add({result.variable, result.entity, Counts(result) + layers, fmt::format("{}", result.components),
                (result.is_complex ? "complex " : "") + result.value_type, where});
   }
@@ -191,7 +179,7 @@ void PrintIncremental(const std::vector<ResultInfo>& results) {
   double stored = 0, full = 0;
   for (const ResultInfo& result : results) {
     if (result.incremental_states.empty()) continue;
-    table.Add({result.variable, result.entity, Ranges(result.incremental_states), Bytes(result.stored_bytes),
+    table.Add({result.variable, result.entity, RangesOf(result.incremental_states), Bytes(result.stored_bytes),
                Bytes(result.full_bytes), Share(result.full_bytes - result.stored_bytes, result.full_bytes)});
     stored += result.stored_bytes;
     full += result.full_bytes;

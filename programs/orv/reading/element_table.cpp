@@ -27,30 +27,34 @@ void CheckSize(const std::string& file, const ORVEleConnectivity& block) {
 
 ElementTable ReadTable(const std::string& file, ORVEleConnectivity block) {
   CheckSize(file, block);
-  ElementTable table{TextOf(block.m_etypelem), TextOf(block.m_etyppart), block.m_npele, block.m_ndim, {}, {}, {}};
   const auto count = static_cast<std::size_t>(block.m_nele);
-  std::vector<std::int64_t> ids(count), parts(count), nodes(count * static_cast<std::size_t>(block.m_npele));
-  block.m_idele = ids.data();
-  block.m_pid = parts.data();
-  block.m_ic = nodes.data();
+  ElementTable table;
+  table.type = TextOf(block.m_etypelem);
+  table.part_type = TextOf(block.m_etyppart);
+  table.node_type = TextOf(block.m_etypnode);
+  table.nodes_per_element = block.m_npele;
+  table.dimension = block.m_ndim;
+  table.ids.resize(count);
+  table.parts.resize(count);
+  table.nodes.resize(count * static_cast<std::size_t>(block.m_npele));
+  block.m_idele = table.ids.data();
+  block.m_pid = table.parts.data();
+  block.m_ic = table.nodes.data();
   block.m_ideleType = block.m_pidType = block.m_icType = ORV_LONG;
   if (block.ReadBlockByBlockPath(file.c_str(), ORV_READ_DATA) != 0) {
     throw Trouble(file, fmt::format("block {} cannot be read: {}", block.GetBlkPath(), LibraryText("reading failed")),
                   "the file is damaged, or from another kind of writer");
   }
-  table.ids.assign(ids.begin(), ids.end());
-  table.parts.assign(parts.begin(), parts.end());
-  table.nodes.assign(nodes.begin(), nodes.end());
   return table;
 }
 
 }  // namespace
 
-std::vector<ElementTable> ReadElementTables(const std::string& file, const std::string& type) {
+std::vector<ElementTable> ReadElementTables(const std::string& file, const std::string& type, int state) {
   (void)CheckResultFile(file);  // for its failures
   std::vector<ElementTable> tables;
   std::vector<std::string> names;
-  for (const ORVEleConnectivity& block : ReadElementHeaders(file)) {
+  for (const ORVEleConnectivity& block : ReadElementHeaders(file, state)) {
     if (block.m_nele == 0) continue;
     names.push_back(TextOf(block.m_etypelem));
     if (type.empty() || SameWord(names.back(), type)) tables.push_back(ReadTable(file, block));

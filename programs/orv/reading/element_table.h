@@ -10,6 +10,7 @@ namespace orvio::program {
 struct ElementTable {
   std::string type;
   std::string part_type;  ///< of what `parts` refers to
+  std::string node_type;  ///< of what `nodes` refers to
   long long nodes_per_element = 0;
   long long dimension = -1;
   std::vector<long long> ids;
@@ -17,8 +18,8 @@ struct ElementTable {
   std::vector<long long> nodes;  ///< ids x nodes_per_element, row-major
 };
 
-/// One table per element type of the constant mesh, or only that of `type` where it is not empty. Throws Trouble when
-/// there is none or one cannot be read.
-std::vector<ElementTable> ReadElementTables(const std::string& file, const std::string& type);
+/// One table per element type of the constant mesh, or of the mesh of a state, or only that of `type` where it is not
+/// empty. Throws Trouble when there is none or one cannot be read.
+std::vector<ElementTable> ReadElementTables(const std::string& file, const std::string& type, int state = 0);
 
 }  // namespace orvio::program

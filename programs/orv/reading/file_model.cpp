@@ -193,11 +193,11 @@ int CheckResultFile(const std::string& path) {
   return states;
 }
 
-std::vector<ORVEleConnectivity> ReadElementHeaders(const std::string& path) {
+std::vector<ORVEleConnectivity> ReadElementHeaders(const std::string& path, int state) {
   std::vector<ORVEleConnectivity> blocks;
   Target() = &blocks;
   ORVEleConnectivity probe;
-  (void)probe.IterateBlock(path.c_str(), 0, ORV_READ_HEADER, CollectHeader);  // none: none
+  (void)probe.IterateBlock(path.c_str(), state, ORV_READ_HEADER, CollectHeader);  // none: none
   Target() = nullptr;
   return blocks;
 }
@@ -213,6 +213,14 @@ VariableInfo DescribeVariable(ORVFiler& filer, ORVVariable& variable) {
   return info;
 }
 
+std::vector<VariableInfo> ListVariables(ResultFile& file) {
+  std::vector<VariableInfo> variables;
+  for (ORVVariable* variable : file.filer().GetVariables()) {
+    if (IsShown(file, *variable, variables)) variables.push_back(DescribeVariable(file.filer(), *variable));
+  }
+  return variables;
+}
+
 FileModel ReadFileModel(const std::string& path) {
   ResultFile file(path);
   file.LearnLaterResults(0);
@@ -225,9 +233,7 @@ FileModel ReadFileModel(const std::string& path) {
   if (filer.GetSystem()) model.unit_system = TextOf(filer.GetSystem()->m_sys);
   model.index_names = file.IndexNames();
   model.index_units = file.IndexUnits();
-  for (ORVVariable* variable : filer.GetVariables()) {
-    if (IsShown(file, *variable, model.variables)) model.variables.push_back(DescribeVariable(filer, *variable));
-  }
+  model.variables = ListVariables(file);
   model.elements = ReadElements(path);
   for (const int list : {1, 0}) {
     for (ORVResult* block : filer.GetResultList(list)) Add(model, Describe(file, *block));

@@ -61,8 +61,11 @@ FileModel ReadFileModel(const std::string& path);
 /// What a variable of a filer is.
 VariableInfo DescribeVariable(ORVFiler& filer, ORVVariable& variable);
 
-/// Headers of the connectivity blocks of the constant section.
-std::vector<ORVEleConnectivity> ReadElementHeaders(const std::string& path);
+/// The variables of a file; those that only name columns of the state index are left out.
+std::vector<VariableInfo> ListVariables(ResultFile& file);
+
+/// Headers of the connectivity blocks of a state, or of the constant section (0).
+std::vector<ORVEleConnectivity> ReadElementHeaders(const std::string& path, int state = 0);
 
 /// Opens the file for a moment: throws Trouble when it is missing, no file, damaged or no result file. Answers the
 /// number of states.

@@ -63,13 +63,13 @@ void Append(ORVFiler& filer, const std::string& type, int state, const ElementCo
 
 }  // namespace
 
-std::vector<Part> ReadParts(const std::string& file, const std::string& type, int state) {
+std::vector<Part> ReadParts(const std::string& file, const std::string& type, int state, bool counts_elements) {
   const int states = CheckResultFile(file);
   if (state < 0 || state > states) {
     throw Trouble(file, fmt::format("has no state {}", state), fmt::format("it has {}", states));
   }
   ORVFiler filer(file.c_str());
-  const ElementCounts counts = CountElements(file);
+  const ElementCounts counts = counts_elements ? CountElements(file) : ElementCounts();
   std::vector<Part> parts;
   for (const std::string& name : TypeScan().Run(file, state)) {
     if (type.empty() || SameWord(name, type)) Append(filer, name, state, counts, parts);

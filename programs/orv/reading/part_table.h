@@ -12,11 +12,11 @@ struct Part {
   int id = 0;
   std::string title;
   std::optional<int> material, material_type;  ///< not told by every file
-  std::size_t elements = 0;                    ///< of the constant mesh
+  std::size_t elements = 0;                    ///< of the constant mesh; 0 where they are not counted
 };
 
 /// The parts of the constant section (state 0) or of a state, of all types or of one. Throws Trouble for a file that
 /// is no result file, a state that is not there and a type without parts.
-std::vector<Part> ReadParts(const std::string& file, const std::string& type, int state);
+std::vector<Part> ReadParts(const std::string& file, const std::string& type, int state, bool counts_elements = true);
 
 }  // namespace orvio::program

@@ -17,10 +17,14 @@
 namespace orvio::program {
 namespace {
 
-/// File of the running ResultFile: a message comes with its text alone.
-std::string& NamedInMessages() {
-  static std::string path;
-  return path;
+struct Listening {
+  int listeners = 0;
+  std::string path;  ///< of the file that was chosen last
+};
+
+Listening& Process() {
+  static Listening listening;
+  return listening;
 }
 
 /// One line, whatever the text has of line ends.
@@ -29,38 +33,51 @@ void PrintMessage(_ORVMesgType /*type*/, const char* text) {
   std::ranges::replace_if(
       line, [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
   line.erase(0, line.find_first_not_of(' '));
-  fmt::print(stderr, "orv: {}: {}\n", NamedInMessages(), line);
+  fmt::print(stderr, "orv: {}: {}\n", Process().path, line);
 }
 
 }  // namespace
 
-ResultFile::ResultFile(std::string path)
-    : path_(std::move(path)), states_(CheckResultFile(path_)), filer_(path_.c_str()) {
-  NamedInMessages() = path_;
-  ORVFiler::SetVerbosCallback(PrintMessage);
-  filer_.SetConfig(ORV_CONFIG_ASSIGN_UNITS);
-  int next_id = 1;
-  (void)filer_.InitReader(next_id);  // a file without results still has a mesh to show
+MessageListener::MessageListener() {
+  if (Process().listeners++ == 0) ORVFiler::SetVerbosCallback(PrintMessage);
 }
 
-ResultFile::~ResultFile() { ORVFiler::SetVerbosCallback(nullptr); }
+MessageListener::~MessageListener() {
+  if (--Process().listeners == 0) ORVFiler::SetVerbosCallback(nullptr);
+}
+
+void MessageListener::Choose(const std::string& path) {
+  if (Process().path != path) Process().path = path;
+}
+
+ResultFile::ResultFile(std::string path)
+    : path_(std::move(path)), states_(CheckResultFile(path_)), filer_(path_.c_str()) {
+  filer().SetConfig(ORV_CONFIG_ASSIGN_UNITS);
+  int next_id = 1;
+  (void)filer().InitReader(next_id);  // a file without results still has a mesh to show
+}
+
+IndexFiler& ResultFile::Filer() {
+  MessageListener::Choose(path_);
+  return filer_;
+}
 
 void ResultFile::LearnLaterResults(int state) {
   if (knows_all_results_) return;
   knows_all_results_ = state == 0;
   int added = 0;
   constexpr int kNextAfterTheLargest = -1;
-  (void)filer_.UpdateContainer(state, added, kNextAfterTheLargest, 0);  // what cannot be read is not there
+  (void)Filer().UpdateContainer(state, added, kNextAfterTheLargest, 0);  // what cannot be read is not there
 }
 
 std::size_t ResultFile::IndexColumns() {
-  const ORVIndexBase<int, double>* index = filer_.GetStateIndexDP(false);
+  const ORVIndexBase<int, double>* index = Filer().GetStateIndexDP(false);
   const bool has_rows = index && index->GetNumState() > 0;  // the number of columns alone is a claim of the file
   return has_rows ? static_cast<std::size_t>(index->GetNumIndex()) : 0;
 }
 
 std::vector<std::string> ResultFile::IndexNames(std::size_t columns) {
-  const ORVSimulationType* types = filer_.GetIndexTypes();
+  const ORVSimulationType* types = Filer().GetIndexTypes();
   std::vector<std::string> names;
   for (std::size_t i = 0; i < columns; ++i) {
     const bool is_named = types && i < static_cast<std::size_t>(types->m_nindex);
@@ -72,20 +89,20 @@ std::vector<std::string> ResultFile::IndexNames(std::size_t columns) {
 
 /// The columns are named by variables: those of a group, or in older files those of the same names.
 std::vector<std::string> ResultFile::IndexUnits(std::size_t columns) {
-  const ORVSimulationType* types = filer_.GetIndexTypes();
-  const ORVVariableGrp* group = types ? filer_.GetVariableGroup(types->m_etypvar) : nullptr;
+  const ORVSimulationType* types = Filer().GetIndexTypes();
+  const ORVVariableGrp* group = types ? Filer().GetVariableGroup(types->m_etypvar) : nullptr;
   std::vector<std::string> units;
   for (const std::string& name : IndexNames(columns)) {
     const std::size_t i = units.size();
     const bool is_member = group && i < group->m_variables.size();
-    ORVVariable* variable = is_member ? group->m_variables[i] : filer_.GetVariable(name.c_str());
+    ORVVariable* variable = is_member ? group->m_variables[i] : Filer().GetVariable(name.c_str());
     units.push_back(variable ? UnitOf(filer_, *variable, 0) : "");
   }
   return units;
 }
 
 std::vector<double> ResultFile::IndexOf(int state) {
-  const ORVIndexBase<int, double>* index = filer_.GetStateIndexDP(false);
+  const ORVIndexBase<int, double>* index = Filer().GetStateIndexDP(false);
   if (!index || state < 1 || state > index->GetNumState()) return {};
   const double* row = index->GetIndexVals() + (state - 1) * index->GetNumIndex();
   return {row, row + index->GetNumIndex()};
@@ -95,7 +112,7 @@ std::vector<std::vector<double>> ResultFile::IndexOver(ORVResult& result) {
   int states = 0;
   int* ids = nullptr;
   float* values = nullptr;
-  const int columns = filer_.ReadMultistateIndexValues(&result, states, ids, values);  // checks what the file claims
+  const int columns = Filer().ReadMultistateIndexValues(&result, states, ids, values);  // checks what the file claims
   std::free(ids);
   std::free(values);
   if (columns < 1 || states < 1) return {};
@@ -119,7 +136,7 @@ long long ResultFile::CountAt(const ORVResult& result, int state) const {
 
 bool ResultFile::IsDouble(ORVResult& result, int state) {
   std::vector<ORVResult*> list = {&result};
-  return filer_.IsResultValueInDoublePrecision(list, state);
+  return Filer().IsResultValueInDoublePrecision(list, state);
 }
 
 bool ResultFile::IsIncremental(const ORVResult& result, int state) const {
@@ -147,7 +164,7 @@ const StateOrder& ResultFile::OrderOf(ORVResult& result) {
   StateOrder& order = place->second;
   OwnIndex index;
   std::vector<int> states, flags;
-  if (!is_new || !result.IsSingleStatePath() || filer_.ReadIncrIndex(result, index, 1) != 0) return order;
+  if (!is_new || !result.IsSingleStatePath() || Filer().ReadIncrIndex(result, index, 1) != 0) return order;
   if (index.GetNumIndex() != 1 || index.GetStateIncrFlagInfo(states, flags) != 0) return order;
   std::map<int, std::size_t> rows;
   for (std::size_t row = 0; row < states.size(); ++row) rows.emplace(index.GetIndexIds()[row], row);
@@ -163,7 +180,7 @@ StateChain ResultFile::ChainOf(ORVResult& result, int state) {
   constexpr bool kAnew = true;
   const StateOrder& order = OrderOf(result);
   const auto place = std::ranges::find(order.states, state);
-  const bool is_mapped = order == mapped_ || filer_.BuildGlobalIncrMap(result, 1, kAnew) == 0;
+  const bool is_mapped = order == mapped_ || Filer().BuildGlobalIncrMap(result, 1, kAnew) == 0;
   if (place == order.states.end() || !is_mapped) {
     throw Trouble(path_,
                   fmt::format("block {} holds changes in state {}, and there is no telling what they build upon",

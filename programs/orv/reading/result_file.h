@@ -33,17 +33,29 @@ class IndexFiler : public ORVFiler {
   using ORVFiler::ReadIncrIndex;
 };
 
-/// A filer after its start-up. What the library tells goes to standard error. One object at a time.
+/// Receives what the library tells while any of these lives, and prints it on standard error. A message does not say of
+/// which file it is: the one that was chosen last is named.
+class MessageListener {
+ public:
+  MessageListener();
+  ~MessageListener();
+  MessageListener(const MessageListener&) = delete;
+  MessageListener& operator=(const MessageListener&) = delete;
+
+  static void Choose(const std::string& path);
+};
+
+/// A filer after its start-up. What the library tells goes to standard error, under the name of the file whose filer was
+/// asked for last: with several files, ask for it anew for each operation.
 class ResultFile {
  public:
   /// Throws Trouble for a file that is no result file.
   explicit ResultFile(std::string path);
-  ~ResultFile();
   ResultFile(const ResultFile&) = delete;
   ResultFile& operator=(const ResultFile&) = delete;
 
   const std::string& path() const { return path_; }
-  ORVFiler& filer() { return filer_; }
+  ORVFiler& filer() { return Filer(); }
   int states() const { return states_; }
 
   /// Makes the results known that only later states have: those of one state, or of all (0).
@@ -76,10 +88,12 @@ class ResultFile {
   bool IsFirstLook(const ORVResult& result, int state) { return seen_.emplace(result.GetBlkPath(), state).second; }
 
  private:
+  IndexFiler& Filer();
   std::size_t IndexColumns();
 
   std::string path_;
   int states_;
+  MessageListener listener_;
   bool knows_all_results_ = false;
   std::map<std::string, StateOrder> orders_;  ///< by the path of the block
   std::set<std::pair<std::string, int>> seen_;
