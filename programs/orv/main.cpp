@@ -1,5 +1,5 @@
 // orv: looks into result files, and makes them from the results of other programs. Data go to standard output and all
-// else to standard error. Exit codes: 0 fine, 1 something was found (orv check) or lost (orv repair),
+// else to standard error. Exit codes: 0 fine, 1 something was found (orv check, orv diff) or lost (orv repair),
 // 2 trouble.
 
 #include <fmt/format.h>
@@ -45,6 +45,7 @@ int Run(int argc, char** argv) {
   orvio::program::AddValuesCommand(app);
   orvio::program::AddHistoryCommand(app);
   orvio::program::AddElementsCommand(app);
+  orvio::program::AddDiffCommand(app);
   orvio::program::AddCheckCommand(app);
   orvio::program::AddRepairCommand(app);
   try {

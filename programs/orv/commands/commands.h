@@ -7,6 +7,7 @@
 namespace orvio::program {
 
 void AddCheckCommand(CLI::App& app);
+void AddDiffCommand(CLI::App& app);
 void AddImportCommand(CLI::App& app);
 void AddElementsCommand(CLI::App& app);
 void AddHistoryCommand(CLI::App& app);
