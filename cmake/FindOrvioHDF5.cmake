@@ -5,7 +5,7 @@
 # where scripts/setup keeps the one it builds. What is there but does not fit is passed over, and named in
 # OrvioHDF5_NOT_FOUND_MESSAGE if nothing else turns up.
 #
-# Defines the imported target orvio::hdf5, OrvioHDF5_FOUND and OrvioHDF5_VERSION.
+# Defines the imported targets orvio::hdf5 and, for who calls none of its functions, orvio::hdf5_headers, OrvioHDF5_FOUND and OrvioHDF5_VERSION.
 # HDF5's own package files are not used: some distributions ship none, and CMake's FindHDF5 settles for the first
 # version it meets.
 
@@ -97,6 +97,8 @@ else()
     add_library(orvio::hdf5 SHARED IMPORTED)
     set_target_properties(orvio::hdf5 PROPERTIES
       IMPORTED_LOCATION "${OrvioHDF5_LIBRARY}" INTERFACE_INCLUDE_DIRECTORIES "${OrvioHDF5_INCLUDE_DIR}")
+    add_library(orvio::hdf5_headers INTERFACE IMPORTED)
+    set_target_properties(orvio::hdf5_headers PROPERTIES INTERFACE_INCLUDE_DIRECTORIES "${OrvioHDF5_INCLUDE_DIR}")
   endif()
   if(NOT OrvioHDF5_FIND_QUIETLY AND NOT OrvioHDF5_REPORTED STREQUAL OrvioHDF5_LIBRARY)
     message(STATUS "HDF5 ${OrvioHDF5_VERSION}: ${OrvioHDF5_LIBRARY}")

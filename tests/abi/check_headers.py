@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks the public headers as texts.
 
-orvio.h includes every other one; none includes anything but its own kind, HDF5's and the standard's headers; and none
+orvio.h includes every other .h, a .hpp is included by those who want it; none includes anything but its own kind, HDF5's and the standard's headers; and none
 defines a macro.
 """
 import pathlib
@@ -11,12 +11,15 @@ import sys
 
 def main(folder: pathlib.Path) -> int:
     faults = []
-    headers = {path.name: path.read_text() for path in folder.glob("*.h")}
+    paths = [*folder.rglob("*.h"), *folder.rglob("*.hpp")]
+    headers = {str(path.relative_to(folder)): path.read_text() for path in paths}
     included = set(re.findall(r'#include [<"]orvio/([^">]+)[">]', headers.get("orvio.h", "")))
-    faults += [f"orvio.h does not include {name}" for name in sorted(set(headers) - included - {"orvio.h"})]
+    expected = {name for name in headers if name.endswith(".h")} - {"orvio.h"}
+    faults += [f"orvio.h does not include {name}" for name in sorted(expected - included)]
     for name, text in sorted(headers.items()):
+        own = r"\w+\.h" if name.endswith(".h") else r"[\w/]+\.h(?:pp)?"
         for target in re.findall(r'#include (\S+)', text):
-            if not re.fullmatch(r'[<"]orvio/\w+\.h[">]|<H5\w*\.h>|<hdf5\.h>|<\w+>', target):
+            if not re.fullmatch(rf'[<"]orvio/{own}[">]|<H5\w*\.h>|<hdf5\.h>|<\w+>', target):
                 faults.append(f"{name} includes {target}")
         faults += [f"{name} defines the macro {macro}" for macro in re.findall(r"^\s*#\s*define\s+(\w+)", text, re.M)]
     print("\n".join(faults) if faults else f"{len(headers)} public headers, no fault")

@@ -1,5 +1,5 @@
-# Installs BUILD, moves the result, and builds CONSUMER and the program of EXAMPLES against it by CMake and by
-# pkg-config; the programs must run, and the examples must print what the files hold.
+# Installs BUILD, moves the result, and builds a copy of EXAMPLES against it by CMake and by pkg-config, as C++17 and
+# without a warning. The programs must write what they are to write, and print what the files hold.
 
 file(REMOVE_RECURSE "${SCRATCH}")
 file(MAKE_DIRECTORY "${SCRATCH}")
@@ -20,35 +20,56 @@ if(EXISTS "${prefix}/bin/orv")
   run("${prefix}/bin/orv" --help)
 endif()
 
-run("${CMAKE_COMMAND}" -G Ninja -S "${CONSUMER}" -B "${SCRATCH}/cmake" "-DCMAKE_CXX_COMPILER=${COMPILER}"
-  "-DCMAKE_PREFIX_PATH=${prefix}" "-DHDF5_ROOT=${HDF5_ROOT}" "-DEXAMPLES=${EXAMPLES}")
-run("${CMAKE_COMMAND}" --build "${SCRATCH}/cmake")
-run("${SCRATCH}/cmake/consumer")
+# Every public header is there, in its folder.
+file(GLOB_RECURSE headers RELATIVE "${HEADERS}" "${HEADERS}/*.h" "${HEADERS}/*.hpp")
+foreach(header IN LISTS headers ITEMS orvio/orvio_export.h)
+  if(NOT EXISTS "${prefix}/include/${header}")
+    message(FATAL_ERROR "${header} is not installed")
+  endif()
+endforeach()
 
 # Stresses of the two shells in their first layer, then those of an imported result.
-function(expect_values file text)
-  run("${SCRATCH}/cmake/read_values" "${file}")
+function(expect_values program file text)
+  run("${program}" "${file}")
   string(FIND "${output}" "${text}" place)
   if(place EQUAL -1)
-    message(FATAL_ERROR "read_values ${file} did not print \"${text}\":\n${output}")
+    message(FATAL_ERROR "${program} ${file} did not print \"${text}\":\n${output}")
   endif()
 endfunction()
-run("${SCRATCH}/cmake/write_model" "${SCRATCH}/model.orv")
-expect_values("${SCRATCH}/model.orv" "11 200\n12 212\n")
+
+# $1: a folder that holds the two programs.
+function(use_examples folder)
+  run("${folder}/write_model" "${SCRATCH}/model.orv")
+  expect_values("${folder}/read_values" "${SCRATCH}/model.orv" "11 200\n12 212\n")
+endfunction()
+
+file(COPY "${EXAMPLES}/" DESTINATION "${SCRATCH}/examples" FILES_MATCHING PATTERN "*.cpp" PATTERN "CMakeLists.txt"
+  PATTERN data EXCLUDE)
+set(warnings -Wall -Wextra -Werror)
+list(JOIN warnings " " flags)
+run("${CMAKE_COMMAND}" -G Ninja -S "${SCRATCH}/examples" -B "${SCRATCH}/cmake" "-DCMAKE_CXX_COMPILER=${COMPILER}"
+  "-DCMAKE_PREFIX_PATH=${prefix}" "-DHDF5_ROOT=${HDF5_ROOT}" -DCMAKE_CXX_STANDARD=17 -DCMAKE_CXX_EXTENSIONS=OFF
+  "-DCMAKE_CXX_FLAGS=${flags}")
+run("${CMAKE_COMMAND}" --build "${SCRATCH}/cmake")
+use_examples("${SCRATCH}/cmake")
+
+set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIBDIR}/pkgconfig:${HDF5_LIBRARIES}/pkgconfig:$ENV{PKG_CONFIG_PATH}")
+run(pkg-config --cflags --libs orvio)
+separate_arguments(flags UNIX_COMMAND "${output}")
+file(MAKE_DIRECTORY "${SCRATCH}/by_pkg_config")
+foreach(example read_values write_model)
+  run("${COMPILER}" -std=c++17 ${warnings} "${SCRATCH}/examples/${example}.cpp" -o "${SCRATCH}/by_pkg_config/${example}"
+    ${flags} "-Wl,-rpath,${prefix}/${LIBDIR}")
+endforeach()
+use_examples("${SCRATCH}/by_pkg_config")
+
 if(EXISTS "${prefix}/bin/orv")
   run("${prefix}/bin/orv" values "${SCRATCH}/model.orv" --var STRESS_SXX --states last --csv)
   if(NOT output STREQUAL "id,layer,STRESS_SXX\n11,1,200\n11,2,206\n12,1,212\n12,2,218\n")
     message(FATAL_ERROR "orv values printed of the model:\n${output}")
   endif()
   run("${prefix}/bin/orv" import "${EXAMPLES}/data/plate_impact.frd.gz" "${SCRATCH}/plate.orv")
-  expect_values("${SCRATCH}/plate.orv" "\n771 232.128\n")
+  expect_values("${SCRATCH}/cmake/read_values" "${SCRATCH}/plate.orv" "\n771 232.128\n")
 endif()
-
-set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIBDIR}/pkgconfig:${HDF5_LIBRARIES}/pkgconfig:$ENV{PKG_CONFIG_PATH}")
-run(pkg-config --cflags --libs orvio)
-separate_arguments(flags UNIX_COMMAND "${output}")
-run("${COMPILER}" -std=c++17 "${CONSUMER}/main.cpp" -o "${SCRATCH}/by_pkg_config" ${flags}
-  "-Wl,-rpath,${prefix}/${LIBDIR}")
-run("${SCRATCH}/by_pkg_config")
 
 file(REMOVE_RECURSE "${SCRATCH}")
