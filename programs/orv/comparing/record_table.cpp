@@ -158,7 +158,7 @@ std::vector<std::string> ListRecordTypes(ResultFile& file, RecordKind kind, int 
       }
       break;
     case RecordKind::kPart:
-      for (const Part& part : ReadParts(file.path(), "", state, false)) types.push_back(part.type);
+      for (const Part& part : FindParts(file.path(), "", state)) types.push_back(part.type);
       break;
     case RecordKind::kAttribute:
       types = ListAttributes(file.filer(), state);
@@ -180,7 +180,7 @@ RecordTable ReadRecords(ResultFile& file, RecordKind kind, const std::string& ty
     case RecordKind::kElement:
       return Records(std::move(ReadElementTables(file.path(), type, state).front()));
     case RecordKind::kPart:
-      return Records(ReadParts(file.path(), type, state, false));
+      return Records(FindParts(file.path(), type, state));
     case RecordKind::kAttribute:
       return ReadAttribute<ORVEntAttribute>(file, kind, type, state);
     case RecordKind::kIdentifier:

@@ -11,6 +11,7 @@
 #include "reading/file_model.h"
 #include "reading/stored_size.h"
 #include "reading/words.h"
+#include "suggestion.h"
 #include "trouble.h"
 
 namespace orvio::program {
@@ -60,7 +61,7 @@ std::vector<ElementTable> ReadElementTables(const std::string& file, const std::
     if (type.empty() || SameWord(names.back(), type)) tables.push_back(ReadTable(file, block));
   }
   if (tables.empty() && !type.empty()) {
-    throw Trouble(file, fmt::format("has no elements of type \"{}\"", type),
+    throw Trouble(file, fmt::format("has no elements of type \"{}\"{}", type, DidYouMean(type, names)),
                   names.empty() ? "it has no elements at all" : fmt::format("it has {}", fmt::join(names, ", ")));
   }
   return tables;

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "reading/file_model.h"
+#include "suggestion.h"
 #include "trouble.h"
 
 namespace orvio::program {
@@ -228,6 +229,22 @@ std::string AbsolutePath(const std::string& place) {
   return path;
 }
 
+/// What DidYouMean() says of the first name of a path that is not there.
+std::string NeighbourOf(hid_t file, const std::string& path) {
+  for (std::size_t begin = 1; begin < path.size();) {
+    const std::size_t end = std::min(path.find('/', begin), path.size());
+    const std::string part = path.substr(0, end);
+    if (!HasGroup(file, part.c_str())) {
+      const Id parent(H5Gopen2(file, path.substr(0, begin).c_str(), H5P_DEFAULT));
+      std::vector<std::string> names;
+      for (const Link& link : LinksOf(parent.get())) names.push_back(link.name);
+      return DidYouMean(path.substr(begin, end - begin), names);
+    }
+    begin = end + 1;
+  }
+  return {};
+}
+
 /// Opens a group without following links, which could lead out of the file.
 Id OpenPlace(hid_t file, const std::string& path) {
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
@@ -247,7 +264,10 @@ std::vector<TreeEntry> ListTree(const std::string& file, const std::string& plac
   if (opened.GetFileId() < 0) throw Trouble(file, "cannot be opened", "check your permissions");
   const std::string path = AbsolutePath(place);
   const Id group = OpenPlace(opened.GetFileId(), path);
-  if (!group) throw Trouble(file, "has no group " + path, "orv ls " + file + " shows what there is");
+  if (!group) {
+    throw Trouble(file, "has no group " + path + NeighbourOf(opened.GetFileId(), path),
+                  "orv ls " + file + " shows what there is");
+  }
   Lister lister(options);
   const bool is_block = static_cast<bool>(OpenHeader(group.get()));
   if (is_block) {

@@ -175,7 +175,9 @@ History ReadStateByState(ResultFile& file, const HistoryRequest& request) {
   }
   if (!in_states) {
     const std::string of_entity = request.values.entity.empty() ? "" : fmt::format(" of \"{}\"", request.values.entity);
-    throw Trouble(file.path(), fmt::format("no state has values of \"{}\"{}", request.values.variable, of_entity),
+    throw Trouble(file.path(),
+                  fmt::format("no state has values of \"{}\"{}{}", request.values.variable, of_entity,
+                              is_constant ? "" : SuggestionFor(file, request.values)),
                   is_constant ? "they are constant: orv values shows them" : "orv info lists the results of the file");
   }
   collector.RequireAll("orv values shows which ids there are");

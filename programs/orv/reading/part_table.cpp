@@ -12,6 +12,7 @@
 #include "reading/element_table.h"
 #include "reading/file_model.h"
 #include "reading/words.h"
+#include "suggestion.h"
 #include "trouble.h"
 
 namespace orvio::program {
@@ -46,8 +47,7 @@ ElementCounts CountElements(const std::string& file) {
   return counts;
 }
 
-void Append(ORVFiler& filer, const std::string& type, int state, const ElementCounts& counts,
-            std::vector<Part>& parts) {
+void Append(ORVFiler& filer, const std::string& type, int state, std::vector<Part>& parts) {
   std::vector<int> ids, materials, material_types;
   std::vector<std::string> titles;
   (void)filer.GetPartInfo(type, ids, titles, materials, material_types, state);  // 0: the lists are empty
@@ -55,27 +55,36 @@ void Append(ORVFiler& filer, const std::string& type, int state, const ElementCo
     Part part{type, ids[i], i < titles.size() ? titles[i] : "", {}, {}, 0};
     if (i < materials.size()) part.material = materials[i];
     if (i < material_types.size()) part.material_type = material_types[i];
-    const auto count = counts.find({type, ids[i]});
-    if (count != counts.end()) part.elements = count->second;
     parts.push_back(std::move(part));
   }
 }
 
 }  // namespace
 
-std::vector<Part> ReadParts(const std::string& file, const std::string& type, int state, bool counts_elements) {
+std::vector<Part> FindParts(const std::string& file, const std::string& type, int state) {
   const int states = CheckResultFile(file);
   if (state < 0 || state > states) {
     throw Trouble(file, fmt::format("has no state {}", state), fmt::format("it has {}", states));
   }
   ORVFiler filer(file.c_str());
-  const ElementCounts counts = counts_elements ? CountElements(file) : ElementCounts();
   std::vector<Part> parts;
-  for (const std::string& name : TypeScan().Run(file, state)) {
-    if (type.empty() || SameWord(name, type)) Append(filer, name, state, counts, parts);
+  const std::vector<std::string> types = TypeScan().Run(file, state);
+  for (const std::string& name : types) {
+    if (type.empty() || SameWord(name, type)) Append(filer, name, state, parts);
   }
   if (parts.empty() && !type.empty()) {
-    throw Trouble(file, fmt::format("has no parts of type \"{}\"", type), "orv parts without --type lists all");
+    throw Trouble(file, fmt::format("has no parts of type \"{}\"{}", type, DidYouMean(type, types)),
+                  "orv parts without --type lists all");
+  }
+  return parts;
+}
+
+std::vector<Part> ReadParts(const std::string& file, const std::string& type, int state) {
+  std::vector<Part> parts = FindParts(file, type, state);
+  const ElementCounts counts = CountElements(file);
+  for (Part& part : parts) {
+    const auto count = counts.find({part.type, part.id});
+    if (count != counts.end()) part.elements = count->second;
   }
   return parts;
 }

@@ -17,6 +17,9 @@ struct Part {
 
 /// The parts of the constant section (state 0) or of a state, of all types or of one. Throws Trouble for a file that
 /// is no result file, a state that is not there and a type without parts.
-std::vector<Part> ReadParts(const std::string& file, const std::string& type, int state, bool counts_elements = true);
+std::vector<Part> ReadParts(const std::string& file, const std::string& type, int state);
+
+/// The same without the numbers of elements, which take the longest.
+std::vector<Part> FindParts(const std::string& file, const std::string& type, int state);
 
 }  // namespace orvio::program

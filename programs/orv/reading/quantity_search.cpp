@@ -9,6 +9,7 @@
 #include "reading/file_model.h"
 #include "reading/units.h"
 #include "reading/words.h"
+#include "suggestion.h"
 #include "trouble.h"
 
 namespace orvio::program {
@@ -62,6 +63,13 @@ std::vector<ComponentColumn> AllColumnsOf(ORVFiler& filer, const ORVResult& bloc
   return columns;
 }
 
+/// In order, each once.
+std::vector<std::string> WithoutTwins(std::vector<std::string> names) {
+  std::ranges::sort(names);
+  names.erase(std::unique(names.begin(), names.end()), names.end());
+  return names;
+}
+
 /// A column by its label or its 1-based number.
 ComponentColumn ChooseColumn(const ResultFile& file, const ValueRequest& request,
                              const std::vector<ComponentColumn>& columns) {
@@ -75,7 +83,9 @@ ComponentColumn ChooseColumn(const ResultFile& file, const ValueRequest& request
   }
   std::vector<std::string> labels;
   std::ranges::transform(columns, std::back_inserter(labels), &ComponentColumn::label);
-  throw Trouble(file.path(), fmt::format("\"{}\" has no component \"{}\"", request.variable, request.component),
+  throw Trouble(file.path(),
+                fmt::format("\"{}\" has no component \"{}\"{}", request.variable, request.component,
+                            DidYouMean(request.component, labels)),
                 fmt::format("its components are {}", fmt::join(labels, ", ")));
 }
 
@@ -104,6 +114,35 @@ FoundQuantity FindQuantity(ResultFile& file, const std::string& name, ResultList
     if (!quantity.blocks.empty()) break;
   }
   return quantity;
+}
+
+std::vector<std::string> QuantityNames(ResultFile& file) {
+  std::vector<std::string> names;
+  for (const int list : {1, 0}) {
+    for (const ORVResult* block : file.filer().GetResultList(list)) {
+      names.push_back(TextOf(block->m_etypvar));
+      if (block->m_variable) names.push_back(TextOf(block->m_variable->m_varnam));
+    }
+  }
+  for (const ORVExtVar* handle : file.filer().GetExtVariables()) names.emplace_back(handle->GetName());
+  return WithoutTwins(std::move(names));
+}
+
+std::vector<std::string> EntityNames(ResultFile& file) {
+  std::vector<std::string> names;
+  for (const int list : {1, 0}) {
+    for (const ORVResult* block : file.filer().GetResultList(list)) names.push_back(TextOf(block->m_etyp));
+  }
+  return WithoutTwins(std::move(names));
+}
+
+std::string SuggestionFor(ResultFile& file, const ValueRequest& request) {
+  const auto suggestion = [](const std::string& word, const std::vector<std::string>& known) {
+    const bool is_known = std::ranges::any_of(known, [&](const std::string& name) { return SameWord(name, word); });
+    return is_known ? std::string() : DidYouMean(word, known);
+  };
+  const std::string variable = suggestion(request.variable, QuantityNames(file));
+  return variable.empty() ? suggestion(request.entity, EntityNames(file)) : variable;
 }
 
 void CheckDefinition(ResultFile& file, const std::string& name) {

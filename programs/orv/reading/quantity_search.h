@@ -31,6 +31,15 @@ enum class ResultList { kSingleState = 1, kMultiState = 2 };
 /// By key or name of a variable, by its name where it has another key, or by the name of a handle.
 FoundQuantity FindQuantity(ResultFile& file, const std::string& name, ResultList list);
 
+/// All names that FindQuantity knows; those of later states once the file has learned them.
+std::vector<std::string> QuantityNames(ResultFile& file);
+/// Entity and element types that have results.
+std::vector<std::string> EntityNames(ResultFile& file);
+
+/// What DidYouMean() says of a variable or an entity type of a request that the file does not have; empty when it has
+/// both.
+std::string SuggestionFor(ResultFile& file, const ValueRequest& request);
+
 /// Throws Trouble when the blocks of that name lack a definition: they have no components to ask for.
 void CheckDefinition(ResultFile& file, const std::string& name);
 

@@ -190,7 +190,9 @@ std::vector<ValueTable> ReadValueTables(ResultFile& file, const ValueRequest& re
   const bool any_entity = request.entity.empty();
   const std::string of_entity = any_entity ? "" : fmt::format(" of \"{}\"", request.entity);
   const bool over_states = !FindBlocks(file, request, ResultList::kMultiState).blocks.empty();
-  throw Trouble(file.path(), fmt::format("{} has no values of \"{}\"{}", Place(state), request.variable, of_entity),
+  const std::string suggestion = over_states ? "" : SuggestionFor(file, request);
+  throw Trouble(file.path(),
+                fmt::format("{} has no values of \"{}\"{}{}", Place(state), request.variable, of_entity, suggestion),
                 over_states ? "they are stored over all states: orv history shows them"
                             : fmt::format("stored there: {}", NamesAt(file, state, !any_entity)));
 }
