@@ -64,7 +64,7 @@ TEST_F(ElementsCommand, PrintsTypesWithAsManyNodesUnderOneHeading) {
 }
 
 TEST_F(ElementsCommand, PrintsJson) {
-  json expected = json::parse(R"({"groups": [
+  json expected = json::parse(R"({"schema_version": 1, "command": "elements", "groups": [
     {"type": "SHELL", "nodes_per_element": 4, "dimension": 2, "rows": [
       {"id": 11, "part": 7, "nodes": [1, 2, 3, 4]}, {"id": 12, "part": 7, "nodes": [2, 5, 6, 3]}]},
     {"type": "SOLID", "nodes_per_element": 3, "dimension": 3, "rows": [{"id": 21, "part": 7, "nodes": [7, 8, 9]}]}]})");

@@ -135,7 +135,10 @@ TEST_F(HistoryCommand, PrintsJsonWithNullWhereAStateHasNoValue) {
   json history = json::parse(History({"STRESS", "--ids", "21", "--component", "SXX", "--json"}));
   EXPECT_EQ(history.at("file"), file_.path());
   history.erase("file");
-  EXPECT_EQ(history, json::parse(R"({"variable": "STRESS", "index": ["TIME", "STEP"], "index_units": ["", ""],
+  EXPECT_EQ(
+      history,
+      json::parse(
+          R"({"schema_version": 1, "command": "history", "variable": "STRESS", "index": ["TIME", "STEP"], "index_units": ["", ""],
     "states": [{"state": 1, "index": [0.125, 1.0]}, {"state": 2, "index": [0.25, 1.0]}],
     "curves": [{"entity": "SOLID", "component": "SXX", "unit": "", "id": 21, "layer": 1, "values": [-1.0, null]}]})"));
 }

@@ -71,7 +71,7 @@ TEST_F(InfoCommand, TellsTheSameAsJson) {
   FillForgedResults(file);
   const std::string path = file.path();
   json expected = json::parse(R"({
-    "format_version": "2.0.0", "title": "", "solver": "", "unit_system": "", "index": ["TIME", "STEP"],
+    "schema_version": 1, "command": "info", "format_version": "2.0.0", "title": "", "solver": "", "unit_system": "", "index": ["TIME", "STEP"],
     "index_units": ["", ""],
     "states": [{"state": 1, "index": [0.125, 1]}, {"state": 2, "index": [0.25, 1]}],
     "variables": [
@@ -220,7 +220,9 @@ TEST_F(InfoCommand, CutsALongListOfComponents) {
 TEST_F(InfoCommand, TellsOfAFileWithoutAnyBlock) {
   ForgedFile file;
   const std::string path = file.path();
-  json expected = {{"file", path},
+  json expected = {{"schema_version", 1},
+                   {"command", "info"},
+                   {"file", path},
                    {"format_version", "2.0.0"},
                    {"title", ""},
                    {"solver", ""},

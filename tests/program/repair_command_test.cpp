@@ -58,6 +58,7 @@ TEST_F(RepairCommand, TellsTheSameInJson) {
   EXPECT_EQ(run.exit_code, 1);
   const nlohmann::json expected = {
       {"schema_version", 1},
+      {"command", "repair"},
       {"file", damaged_},
       {"out", Out()},
       {"sound", false},

@@ -73,7 +73,7 @@ TEST_F(ValuesCommand, PrintsCommaSeparatedValuesUnderOneHeading) {
 
 TEST_F(ValuesCommand, PrintsJson) {
   const json values = json::parse(Values({"STRESS", "--state", "1", "--json"}));
-  json expected = json::parse(R"({"blocks": [
+  json expected = json::parse(R"({"schema_version": 1, "command": "values", "blocks": [
     {"entity": "SHELL", "variable": "STRESS", "state": 1, "columns": ["SXX", "S,Y"], "units": ["", ""], "rows": [
       {"id": 11, "layer": 1, "values": [1, 2]}, {"id": 11, "layer": 2, "values": [3, 4]},
       {"id": 12, "layer": 1, "values": [5, 6]}, {"id": 12, "layer": 2, "values": [7, 8]}]},

@@ -5,21 +5,20 @@
 #include <array>
 #include <cmath>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "checking/file_check.h"
 #include "checking/rules.h"
 #include "commands/commands.h"
+#include "commands/help_text.h"
+#include "commands/json_output.h"
 #include "commands/table.h"
+#include "suggestion.h"
 #include "trouble.h"
 
 namespace orvio::program {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr int kSchemaVersion = 1;
 constexpr int kFoundSomething = 1;
 
 struct Options {
@@ -51,45 +50,57 @@ Json ToJson(const Finding& finding) {
           {"text", finding.text}};
 }
 
-void Print(const Json& json) { fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace)); }
+/// An answer about the rules themselves has the member `file`, too, and in it nothing.
+void PrintAsJson(const Json& rules) {
+  Json json = JsonAnswer("check", "");
+  json["rules"] = rules;
+  PrintJson(json);
+}
 
 void PrintRules(bool json) {
   if (json) {
     Json rules = Json::array();
     for (const Rule& rule : AllRules()) rules.push_back(ToJson(rule));
-    return Print({{"schema_version", kSchemaVersion}, {"rules", rules}});
+    return PrintAsJson(rules);
   }
   Table table({"rule", "level", "name", "what holds in a sound file"});
   for (const Rule& rule : AllRules()) table.Add({rule.id, WordOf(rule.level), rule.name, rule.wants});
   table.Print("");
 }
 
+std::vector<std::string> RuleIds() {
+  std::vector<std::string> ids;
+  for (const Rule& rule : AllRules()) ids.emplace_back(rule.id);
+  return ids;
+}
+
 void Explain(const std::string& id, bool json) {
   const Rule* rule = FindRule(id);
-  if (!rule) throw Trouble(id, "there is no such rule", "orv check --list-rules shows them");
-  if (json) return Print({{"schema_version", kSchemaVersion}, {"rules", Json::array({ToJson(*rule)})}});
+  if (!rule)
+    throw Trouble(id, "there is no such rule" + DidYouMean(id, RuleIds()), "orv check --list-rules shows them");
+  if (json) return PrintAsJson(Json::array({ToJson(*rule)}));
   fmt::print("{} {} ({})\n\n{}\n\nWhy: {}\nWhat to do: {}\n", rule->id, rule->name, WordOf(rule->level), rule->wants,
              rule->why, rule->advice);
 }
 
-void PrintJson(const Options& options, const Report& report, Level least) {
+void PrintAsJson(const Options& options, const Report& report, Level least) {
   const auto counts = CountByLevel(report);
   Json findings = Json::array();
   for (const Finding& finding : report.findings) {
     if (finding.rule->level >= least) findings.push_back(ToJson(finding));
   }
-  Print({{"schema_version", kSchemaVersion},
-         {"file", options.file},
-         {"complete", report.is_complete},
-         {"errors", counts[2]},
-         {"warnings", counts[1]},
-         {"notes", counts[0]},
-         {"looked_at",
-          {{"states", report.looked_at.states},
-           {"blocks", report.looked_at.blocks},
-           {"datasets", report.looked_at.datasets},
-           {"values", report.looked_at.values}}},
-         {"findings", findings}});
+  Json json = JsonAnswer("check", options.file);
+  json.update({{"complete", report.is_complete},
+               {"errors", counts[2]},
+               {"warnings", counts[1]},
+               {"notes", counts[0]},
+               {"looked_at",
+                {{"states", report.looked_at.states},
+                 {"blocks", report.looked_at.blocks},
+                 {"datasets", report.looked_at.datasets},
+                 {"values", report.looked_at.values}}},
+               {"findings", findings}});
+  PrintJson(json);
 }
 
 void PrintText(const Report& report, Level least) {
@@ -113,7 +124,7 @@ void Run(const Options& options) {
   if (std::isnan(options.limits.seconds)) throw CLI::ValidationError("--time", "nan is no number of seconds");
   const Level least = *LevelOf(options.level);
   const Report report = CheckFile(options.file, options.limits);
-  options.json ? PrintJson(options, report, least) : PrintText(report, least);
+  options.json ? PrintAsJson(options, report, least) : PrintText(report, least);
   const auto counts = CountByLevel(report);
   if (counts[1] + counts[2] > 0) throw CLI::RuntimeError(kFoundSomething);
 }
@@ -123,17 +134,24 @@ void Run(const Options& options) {
 void AddCheckCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App* command = app.add_subcommand("check", "Tell whether a result file is sound, and what is not");
-  command->add_option("file", options->file, "Result file");
+  command->add_option("file", options->file, "Result file; may be left out with --explain and --list-rules");
   command->add_option("--level", options->level, "Least level shown: error, warning or note (default note)")
+      ->option_text("LEVEL")
       ->check(CLI::IsMember({"error", "warning", "note"}));
-  command->add_option("--time", options->limits.seconds, "Seconds after which reading is given up (default 300)")
-      ->check(CLI::Range(0.001, 1e6));
-  command->add_option("--memory", options->limits.memory_mib, "MiB of memory that reading may take (default 4096)")
-      ->check(CLI::Range(1, 1 << 24));
+  command->add_option("--time", options->limits.seconds, "Give up reading after so many seconds (default 300)")
+      ->check(CLI::Range(0.001, 1e6))
+      ->option_text("SECONDS");
+  command
+      ->add_option("--memory", options->limits.memory_mib,
+                   "Give up reading that takes more memory, in MiB (default 4096)")
+      ->check(CLI::Range(1, 1 << 24))
+      ->option_text("MIB");
   CLI::Option* explain = command->add_option("--explain", options->rule, "Tell what a rule wants, why, and what to do");
+  explain->option_text("RULE");
   command->add_flag("--list-rules", options->lists_rules, "List all rules")->excludes(explain);
   command->add_flag("--json", options->json, "Print JSON");
   command->callback([options] { Run(*options); });
+  AddNotes(*command, {{"orv check out.orv", "orv check --explain B006"}, "there are errors or warnings"});
 }
 
 }  // namespace orvio::program

@@ -3,18 +3,17 @@
 #include <fmt/format.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "commands/commands.h"
 #include "commands/csv.h"
+#include "commands/help_text.h"
+#include "commands/json_output.h"
 #include "commands/table.h"
 #include "reading/element_table.h"
 
 namespace orvio::program {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::size_t NodesPerElement(const ElementTable& table) { return static_cast<std::size_t>(table.nodes_per_element); }
 
@@ -67,10 +66,11 @@ Json ToJson(const ElementTable& table) {
           {"rows", std::move(rows)}};
 }
 
-void PrintJson(const std::string& file, const std::vector<ElementTable>& tables) {
-  Json json = {{"file", file}, {"groups", Json::array()}};
+void PrintAsJson(const std::string& file, const std::vector<ElementTable>& tables) {
+  Json json = JsonAnswer("elements", file);
+  json["groups"] = Json::array();
   for (const ElementTable& table : tables) json["groups"].push_back(ToJson(table));
-  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+  PrintJson(json);
 }
 
 struct Options {
@@ -80,7 +80,7 @@ struct Options {
 
 void Run(const Options& options) {
   const std::vector<ElementTable> tables = ReadElementTables(options.file, options.type);
-  if (options.json) return PrintJson(options.file, tables);
+  if (options.json) return PrintAsJson(options.file, tables);
   options.csv ? PrintCsv(tables) : PrintText(tables);
 }
 
@@ -88,12 +88,13 @@ void Run(const Options& options) {
 
 void AddElementsCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("elements", "Print elements with their parts and nodes");
+  CLI::App* command = app.add_subcommand("elements", "Print the elements of a mesh with their parts and nodes");
   command->add_option("file", options->file, "Result file")->required();
-  command->add_option("--type", options->type, "Only elements of this type");
+  command->add_option("--type", options->type, "Only elements of this type, such as HEXA8")->option_text("TYPE");
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
   command->callback([options] { Run(*options); });
+  AddNotes(*command, {{"orv elements out.orv", "orv elements out.orv --type SHELL --csv"}});
 }
 
 }  // namespace orvio::program

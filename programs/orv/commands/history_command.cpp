@@ -3,16 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <limits>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "commands/commands.h"
 #include "commands/csv.h"
+#include "commands/help_text.h"
 #include "commands/id_list.h"
+#include "commands/json_output.h"
 #include "commands/table.h"
 #include "plot/line_plot.h"
 #include "reading/history.h"
@@ -21,8 +21,6 @@
 
 namespace orvio::program {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 /// The shortest text that reads back as the same value; nothing for a state without one.
 std::string Text(const History& history, const std::optional<double>& value) {
@@ -59,35 +57,28 @@ void PrintCsv(const History& history) {
   for (std::size_t row = 0; row < history.states.size(); ++row) PrintCsvLine(Row(history, row));
 }
 
-/// JSON has no word for values that are not finite.
-Json ToJson(const std::optional<double>& value) {
-  if (!value) return nullptr;
-  if (!std::isfinite(*value)) return fmt::format("{}", *value);
-  return *value;
-}
-
 Json ToJson(const Curve& curve) {
   Json json = {{"entity", curve.entity}, {"component", curve.component}, {"unit", curve.unit}, {"id", curve.id}};
   if (!curve.zone.empty()) json["zone"] = curve.zone;
   if (curve.layer != 0) json["layer"] = curve.layer;
   Json values = Json::array();
-  for (const auto& value : curve.values) values.push_back(ToJson(value));
+  for (const auto& value : curve.values) values.push_back(value ? JsonNumber(*value) : Json());
   json["values"] = std::move(values);
   return json;
 }
 
-void PrintJson(const std::string& file, const History& history) {
-  Json json = {{"file", file},
-               {"variable", history.variable},
+void PrintAsJson(const std::string& file, const History& history) {
+  Json json = JsonAnswer("history", file);
+  json.update({{"variable", history.variable},
                {"index", history.index_names},
                {"index_units", history.index_units},
                {"states", Json::array()},
-               {"curves", Json::array()}};
+               {"curves", Json::array()}});
   for (std::size_t row = 0; row < history.states.size(); ++row) {
-    json["states"].push_back({{"state", history.states[row]}, {"index", history.index[row]}});
+    json["states"].push_back({{"state", history.states[row]}, {"index", JsonNumbers(history.index[row])}});
   }
   for (const Curve& curve : history.curves) json["curves"].push_back(ToJson(curve));
-  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+  PrintJson(json);
 }
 
 /// What all curves have in common of a member, else `otherwise`.
@@ -141,7 +132,7 @@ void Run(Options& options) {
   ResultFile file(options.file);
   const History history = ReadHistory(file, options.request);
   if (!options.plot.empty()) DrawLines(PlotOf(history), options.plot);
-  if (options.json) return PrintJson(options.file, history);
+  if (options.json) return PrintAsJson(options.file, history);
   if (options.csv) return PrintCsv(history);
   if (options.plot.empty()) PrintText(history);
 }
@@ -154,19 +145,31 @@ void AddHistoryCommand(CLI::App& app) {
   command->add_option("file", options->file, "Result file")->required();
   command
       ->add_option("--var", options->request.values.variable,
-                   "Variable by name or key, or component by the name of its handle, as orv info names them")
-      ->required();
-  command->add_option("--component", options->request.values.component, "Component by name or by number from 1");
-  command->add_option("--entity", options->request.values.entity, "Only values of this entity or element type");
-  command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")
+                   "What to print: a variable, or one of its components; see Names below")
+      ->required()
+      ->option_text("NAME");
+  command
+      ->add_option("--component", options->request.values.component,
+                   "Only this component: its name, or its number from 1")
+      ->option_text("NAME");
+  command
+      ->add_option("--entity", options->request.values.entity,
+                   "Only values of this kind of entity, such as NODE, or type of element")
+      ->option_text("TYPE");
+  command->add_option("--ids", options->ids, "Only these nodes or elements; see Ids below")
       ->delimiter(',')
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->option_text("LIST");
   command->add_option("--layer", options->request.layer, "Only this layer of elements, from 1")
+      ->option_text("NUMBER")
       ->check(CLI::Range(1, std::numeric_limits<int>::max()));
-  command->add_option("--plot", options->plot, "Draw into this file, which ends in .svg or .png; needs gnuplot");
+  command->add_option("--plot", options->plot, "Draw into this file, which ends in .svg or .png; needs gnuplot")
+      ->option_text("FILE");
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
   command->callback([options] { Run(*options); });
+  AddNotes(*command, {{"orv history out.orv --var Stress --component SXX --ids 5,7",
+                       "orv history out.orv --var STRESS_SXX --ids 5 --plot sxx.svg"}});
 }
 
 }  // namespace orvio::program

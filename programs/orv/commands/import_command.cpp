@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <map>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/help_text.h"
 #include "commands/id_list.h"
 #include "importer/exodus_import.h"
 #include "importer/frd_import.h"
@@ -41,6 +43,12 @@ const Importer* FindImporter(const std::string& name) {
   return found == std::end(kImporters) ? nullptr : found;
 }
 
+std::vector<std::string> VersionNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, version] : kVersions) names.push_back(name);
+  return names;
+}
+
 std::string AllUnitSystems() { return fmt::format("{}", fmt::join(UnitSystemNames(), ", ")); }
 
 /// "node:5" or "element:7-12"; what follows without a word is of the same kind.
@@ -61,6 +69,11 @@ void AppendHistories(const std::vector<std::string>& texts, ImportOptions& optio
 /// CLI11's own checks let through what is no number.
 std::string IsFinite(const std::string& text) {
   return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : "\"" + text + "\" is no finite number";
+}
+
+/// The file is written: a summary that nobody can read is no failure any more.
+void Say(const std::filesystem::path& file, const std::string& text) {
+  (void)std::fprintf(stderr, "%s: %s\n", file.c_str(), text.c_str());
 }
 
 void Import(const ImportOptions& options, bool quiet) {
@@ -89,10 +102,10 @@ void Import(const ImportOptions& options, bool quiet) {
   const ImportSummary summary = importer->import(options);
   if (quiet) return;
   const std::string full = summary.full_states ? fmt::format(" ({} of them full)", *summary.full_states) : "";
-  fmt::print(stderr, "{}: {} nodes, {} elements, {} states{}, {} variables{}\n", options.output.string(), summary.nodes,
-             summary.elements, summary.states, full, summary.variables,
-             summary.histories > 0 ? fmt::format(", {} histories", summary.histories) : "");
-  for (const std::string& note : summary.notes) fmt::print(stderr, "{}: {}\n", options.input.string(), note);
+  const std::string histories = summary.histories > 0 ? fmt::format(", {} histories", summary.histories) : "";
+  Say(options.output, fmt::format("{} nodes, {} elements, {} states{}, {} variables{}", summary.nodes, summary.elements,
+                                  summary.states, full, summary.variables, histories));
+  for (const std::string& note : summary.notes) Say(options.input, note);
 }
 
 }  // namespace
@@ -101,43 +114,57 @@ void AddImportCommand(CLI::App& app) {
   auto options = std::make_shared<ImportOptions>();
   auto quiet = std::make_shared<bool>(false);
   auto units = std::make_shared<std::string>();
+  auto version = std::make_shared<std::string>("2.2");
   auto histories = std::make_shared<std::vector<std::string>>();
   auto states = std::make_shared<IncrementalStates>();
   CLI::App* command =
       app.add_subcommand("import",
-                         "Translate the result of a solver into a result file: CalculiX (.frd, .frd.gz) or "
-                         "Exodus II (.e, .ex2, .exo)");
-  command->add_option("result", options->input, "Result of the solver")->required();
+                         "Translate the result of a solver, CalculiX (.frd, .frd.gz) or Exodus II (.e, .ex2, .exo), "
+                         "into a result file");
+  command->add_option("result", options->input, "Result of the solver")->required()->option_text("RESULT");
   command->add_option("out", options->output, "Result file to write; one that exists is replaced when all went well")
-      ->required();
-  command->add_option("--dat", options->points, "The .dat file of a CalculiX run: values at integration points");
-  command->add_option("--format-version", options->version, "Version of the format to write: 1.0 to 2.2 (default 2.2)")
-      ->transform(CLI::CheckedTransformer(kVersions));
+      ->required()
+      ->option_text("OUT");
+  command
+      ->add_option("--dat", options->points, "The .dat file of a CalculiX run, which has values at integration points")
+      ->option_text("FILE");
+  command->add_option("--format-version", *version, "Version of the format to write: 1.0 to 2.2 (default 2.2)")
+      ->check(CLI::IsMember(VersionNames()))
+      ->option_text("VERSION");
   command->add_option("--units", *units, "Units of the run, which the result does not tell: " + AllUnitSystems())
-      ->check(CLI::IsMember(UnitSystemNames()));
+      ->check(CLI::IsMember(UnitSystemNames()))
+      ->option_text("SYSTEM");
   command
       ->add_option("--history", *histories,
-                   "Also store the results of these nodes or elements of an Exodus file over all states, such as "
+                   "Also store the results of these nodes or elements of an Exodus file over all states: "
                    "node:1,5-9 or element:12")
       ->delimiter(',')
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->option_text("LIST");
   CLI::Option* tolerance = command->add_option(
       "--incremental", states->tolerance,
-      "Store between full states only the entities with a value that changed by more than this, such as 0 or 1e-6");
+      "Store between full states only the entities with a value that changed by more than this, in its unit; 0 for any "
+      "change");
+  tolerance->option_text("DIFFERENCE");
   tolerance->check(CLI::NonNegativeNumber & CLI::Validator(IsFinite, ""));
   command
       ->add_option("--full-every", states->full_every,
-                   "With --incremental: make one of so many states full (default 10)")
+                   "Make one of so many states full (default 10); goes with --incremental")
       ->check(CLI::Range(1, 1000))
+      ->option_text("NUMBER")
       ->needs(tolerance);
   command->add_flag("--partial", options->partial, "Take what is there of a run that broke off");
-  command->add_flag("-q,--quiet", *quiet, "No summary");
-  command->callback([options, quiet, units, histories, states, tolerance] {
+  command->add_flag("-q,--quiet", *quiet, "Print no summary");
+  command->callback([options, quiet, units, version, histories, states, tolerance] {
+    options->version = kVersions.at(*version);
     AppendHistories(*histories, *options);
     if (tolerance->count() > 0) options->incremental = *states;
     if (!units->empty()) options->units = FindUnitSystem(*units);
     Import(*options, *quiet);
   });
+  AddNotes(*command, {{"orv import beam.frd out.orv --units mm-t-s",
+                       "orv import beam.frd.gz out.orv --dat beam.dat --incremental 1e-6",
+                       "orv import crush.ex2 out.orv --history node:1,5-9"}});
 }
 
 }  // namespace orvio::program

@@ -5,10 +5,11 @@
 
 #include <algorithm>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/help_text.h"
+#include "commands/json_output.h"
 #include "commands/ranges.h"
 #include "commands/table.h"
 #include "reading/file_model.h"
@@ -16,8 +17,6 @@
 
 namespace orvio::program {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string VersionText(const ORVFileVersion& version) {
   return fmt::format("{}.{}.{}", version.m_major, version.m_minor, version.m_patch);
@@ -33,7 +32,7 @@ Json ToJson(const VariableInfo& variable) {
           {"computed", variable.computed}};
 }
 
-Json ToJson(const StateInfo& state) { return {{"state", state.state}, {"index", state.index}}; }
+Json ToJson(const StateInfo& state) { return {{"state", state.state}, {"index", JsonNumbers(state.index)}}; }
 
 Json ToJson(const ElementInfo& element) {
   return {{"type", element.type},
@@ -68,19 +67,19 @@ Json ListToJson(const std::vector<T>& list) {
   return json;
 }
 
-void PrintJson(const FileModel& model) {
-  const Json json = {{"file", model.path},
-                     {"format_version", VersionText(model.version)},
-                     {"title", model.title},
-                     {"solver", model.solver},
-                     {"unit_system", model.unit_system},
-                     {"index", model.index_names},
-                     {"index_units", model.index_units},
-                     {"states", ListToJson(model.states)},
-                     {"variables", ListToJson(model.variables)},
-                     {"results", ListToJson(model.results)},
-                     {"elements", ListToJson(model.elements)}};
-  fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+void PrintAsJson(const FileModel& model) {
+  Json json = JsonAnswer("info", model.path);
+  json.update({{"format_version", VersionText(model.version)},
+               {"title", model.title},
+               {"solver", model.solver},
+               {"unit_system", model.unit_system},
+               {"index", model.index_names},
+               {"index_units", model.index_units},
+               {"states", ListToJson(model.states)},
+               {"variables", ListToJson(model.variables)},
+               {"results", ListToJson(model.results)},
+               {"elements", ListToJson(model.elements)}});
+  PrintJson(json);
 }
 
 std::string Counts(const ResultInfo& result) {
@@ -217,13 +216,15 @@ void PrintText(const FileModel& model) {
 void AddInfoCommand(CLI::App& app) {
   auto file = std::make_shared<std::string>();
   auto json = std::make_shared<bool>(false);
-  CLI::App* command = app.add_subcommand("info", "Tell what a result file holds");
+  CLI::App* command =
+      app.add_subcommand("info", "Tell what a result file holds: elements, variables, results and states");
   command->add_option("file", *file, "Result file")->required();
   command->add_flag("--json", *json, "Print JSON");
+  AddNotes(*command, {{"orv info out.orv"}});
   command->callback([file, json] {
     const FileModel model = ReadFileModel(*file);
     if (*json) {
-      PrintJson(model);
+      PrintAsJson(model);
     } else {
       PrintText(model);
     }

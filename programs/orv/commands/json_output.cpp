@@ -22,6 +22,12 @@ Json JsonAnswer(std::string_view command, const std::string& file) {
 Json JsonNumber(double value) { return Number(value); }
 Json JsonNumber(float value) { return Number(value); }
 
+Json JsonNumbers(const std::vector<double>& values) {
+  Json numbers = Json::array();
+  for (const double value : values) numbers.push_back(JsonNumber(value));
+  return numbers;
+}
+
 void PrintJson(const Json& answer) { fmt::print("{}\n", answer.dump(1, ' ', false, Json::error_handler_t::replace)); }
 
 }  // namespace orvio::program

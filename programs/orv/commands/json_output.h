@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orvio::program {
 
@@ -19,6 +20,7 @@ Json JsonAnswer(std::string_view command, const std::string& file);
 /// JSON has no word for numbers that are not finite: they become texts.
 Json JsonNumber(double value);
 Json JsonNumber(float value);
+Json JsonNumbers(const std::vector<double>& values);
 
 /// Prints an answer on standard output. Texts of a file that are not UTF-8 come with replacement characters.
 void PrintJson(const Json& answer);

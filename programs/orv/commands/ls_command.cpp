@@ -3,18 +3,17 @@
 #include <fmt/format.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/help_text.h"
+#include "commands/json_output.h"
 #include "commands/table.h"
 #include "reading/file_tree.h"
 
 namespace orvio::program {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct Options {
   std::string argument;
@@ -47,16 +46,17 @@ Json ToJson(const TreeEntry& entry) {
   return json;
 }
 
-void PrintJson(const FilePlace& place, const std::vector<TreeEntry>& entries) {
-  Json json = {{"file", place.file}, {"place", place.place}, {"entries", Json::array()}};
+void PrintAsJson(const FilePlace& place, const std::vector<TreeEntry>& entries) {
+  Json json = JsonAnswer("ls", place.file);
+  json.update({{"place", place.place}, {"entries", Json::array()}});
   for (const TreeEntry& entry : entries) json["entries"].push_back(ToJson(entry));
-  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+  PrintJson(json);
 }
 
 void Run(const Options& options) {
   const FilePlace place = SplitFilePlace(options.argument);
   const auto entries = ListTree(place.file, place.place, {options.recursive, options.is_long || options.json});
-  if (options.json) return PrintJson(place, entries);
+  if (options.json) return PrintAsJson(place, entries);
   if (options.is_long) return PrintLong(entries);
   for (const TreeEntry& entry : entries) fmt::print("{}\n", NameOf(entry));
 }
@@ -67,14 +67,15 @@ void AddLsCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App* command = app.add_subcommand("ls", "List the sections, groups and blocks of a result file");
   command
-      ->add_option(
-          "file", options->argument,
-          "Result file, or FILE:PATH for a place in it, such as out.orv:singlestate; below a block its datasets")
-      ->required();
-  command->add_flag("-l,--long", options->is_long, "Also kinds, counts of entities and stored bytes");
-  command->add_flag("-r,--recursive", options->recursive, "Also what lies below, down to the blocks");
+      ->add_option("file", options->argument,
+                   "Result file, or a place in it, such as out.orv:singlestate; of a block the datasets are listed")
+      ->required()
+      ->option_text("FILE[:PATH]");
+  command->add_flag("-l,--long", options->is_long, "Also print kinds, keys of blocks, counts and stored bytes");
+  command->add_flag("-r,--recursive", options->recursive, "Also list what lies below, down to the blocks");
   command->add_flag("--json", options->json, "Print JSON");
   command->callback([options] { Run(*options); });
+  AddNotes(*command, {{"orv ls out.orv", "orv ls -lr out.orv:constant"}});
 }
 
 }  // namespace orvio::program

@@ -3,19 +3,18 @@
 #include <fmt/format.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "commands/commands.h"
 #include "commands/csv.h"
+#include "commands/help_text.h"
+#include "commands/json_output.h"
 #include "commands/table.h"
 #include "reading/part_table.h"
 
 namespace orvio::program {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct Options {
   std::string file, type;
@@ -39,15 +38,16 @@ Json ToJson(const Part& part) {
   return json;
 }
 
-void PrintJson(const Options& options, const std::vector<Part>& parts) {
-  Json json = {{"file", options.file}, {"state", options.state}, {"parts", Json::array()}};
+void PrintAsJson(const Options& options, const std::vector<Part>& parts) {
+  Json json = JsonAnswer("parts", options.file);
+  json.update({{"state", options.state}, {"parts", Json::array()}});
   for (const Part& part : parts) json["parts"].push_back(ToJson(part));
-  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+  PrintJson(json);
 }
 
 void Run(const Options& options) {
   const std::vector<Part> parts = ReadParts(options.file, options.type, options.state);
-  if (options.json) return PrintJson(options, parts);
+  if (options.json) return PrintAsJson(options, parts);
   if (options.csv) {
     PrintCsvLine(kHeading);
     for (const Part& part : parts) PrintCsvLine(Cells(part));
@@ -62,13 +62,16 @@ void Run(const Options& options) {
 
 void AddPartsCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("parts", "List the parts of a model with their titles and materials");
+  CLI::App* command =
+      app.add_subcommand("parts", "List the parts of a model with their titles, materials and numbers of elements");
   command->add_option("file", options->file, "Result file")->required();
-  command->add_option("--type", options->type, "Only parts of this type");
-  command->add_option("--state", options->state, "Parts of a state, from 1; 0 for those of the whole run (default 0)");
+  command->add_option("--type", options->type, "Only parts of this type")->option_text("TYPE");
+  command->add_option("--state", options->state, "Parts of a state, from 1; 0 for those of the whole run (default 0)")
+      ->option_text("NUMBER");
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
   command->callback([options] { Run(*options); });
+  AddNotes(*command, {{"orv parts out.orv"}});
 }
 
 }  // namespace orvio::program

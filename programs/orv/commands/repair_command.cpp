@@ -4,18 +4,16 @@
 
 #include <cmath>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/help_text.h"
+#include "commands/json_output.h"
 #include "repairing/repair.h"
 
 namespace orvio::program {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr int kSchemaVersion = 1;
 constexpr int kLostSomething = 1;
 
 std::string Counted(std::uint64_t count, const char* word) {
@@ -29,18 +27,17 @@ Json ToJson(const Loss& loss) {
           {"partial", loss.is_partial}};
 }
 
-void PrintJson(const RepairOptions& options, const RepairReport& report) {
+void PrintAsJson(const RepairOptions& options, const RepairReport& report) {
   Json losses = Json::array();
   for (const Loss& loss : report.losses) losses.push_back(ToJson(loss));
-  const Json json = {{"schema_version", kSchemaVersion},
-                     {"file", options.file},
-                     {"out", options.out},
-                     {"sound", report.is_sound},
-                     {"rolled_back", report.was_rolled_back},
-                     {"salvaged", {{"states", report.states}, {"blocks", report.blocks}}},
-                     {"errors", report.errors},
-                     {"lost", losses}};
-  fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+  Json json = JsonAnswer("repair", options.file);
+  json.update({{"out", options.out},
+               {"sound", report.is_sound},
+               {"rolled_back", report.was_rolled_back},
+               {"salvaged", {{"states", report.states}, {"blocks", report.blocks}}},
+               {"errors", report.errors},
+               {"lost", losses}});
+  PrintJson(json);
 }
 
 void PrintText(const RepairOptions& options, const RepairReport& report) {
@@ -65,7 +62,7 @@ void PrintText(const RepairOptions& options, const RepairReport& report) {
 void Run(const RepairOptions& options, bool json) {
   if (std::isnan(options.limits.seconds)) throw CLI::ValidationError("--time", "nan is no number of seconds");
   const RepairReport report = RepairFile(options);
-  json ? PrintJson(options, report) : PrintText(options, report);
+  json ? PrintAsJson(options, report) : PrintText(options, report);
   if (!report.losses.empty()) throw CLI::RuntimeError(kLostSomething);
 }
 
@@ -75,18 +72,23 @@ void AddRepairCommand(CLI::App& app) {
   auto options = std::make_shared<RepairOptions>();
   auto json = std::make_shared<bool>(false);
   CLI::App* command = app.add_subcommand(
-      "repair", "Write what can be read of a damaged result file into a new one, and tell what is lost");
+      "repair", "Write what can be read of a damaged result file into another one, and tell what is lost");
   command->add_option("file", options->file, "Result file; it is not changed")->required();
-  command->add_option("-o,--out", options->out, "Result file to write")->required();
-  command->add_flag("--force", options->replaces, "Replace an output that exists");
+  command->add_option("-o,--out", options->out, "Result file to write")->required()->option_text("FILE");
+  command->add_flag("--force", options->replaces, "Replace an output file that exists");
   command->add_flag("--keep-incomplete", options->keeps_incomplete,
                     "Also keep what is left of a last state that is not complete");
-  command->add_option("--time", options->limits.seconds, "Seconds after which a step is given up (default 3600)")
-      ->check(CLI::Range(0.001, 1e6));
-  command->add_option("--memory", options->limits.memory_mib, "MiB of memory that a step may take (default 4096)")
-      ->check(CLI::Range(1, 1 << 24));
+  command->add_option("--time", options->limits.seconds, "Give up a step after so many seconds (default 3600)")
+      ->check(CLI::Range(0.001, 1e6))
+      ->option_text("SECONDS");
+  command
+      ->add_option("--memory", options->limits.memory_mib,
+                   "Give up a step that takes more memory, in MiB (default 4096)")
+      ->check(CLI::Range(1, 1 << 24))
+      ->option_text("MIB");
   command->add_flag("--json", *json, "Print JSON");
   command->callback([options, json] { Run(*options, *json); });
+  AddNotes(*command, {{"orv repair torn.orv -o whole.orv"}, "something is lost or damaged; the output has the rest"});
 }
 
 }  // namespace orvio::program

@@ -3,12 +3,13 @@
 #include <fmt/format.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "commands/commands.h"
 #include "commands/csv.h"
+#include "commands/help_text.h"
+#include "commands/json_output.h"
 #include "commands/table.h"
 #include "reading/result_file.h"
 #include "reading/state_selection.h"
@@ -16,8 +17,6 @@
 
 namespace orvio::program {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct Options {
   std::string file, states;
@@ -51,10 +50,10 @@ std::vector<std::string> Cells(const Row& row, std::size_t columns) {
 
 void Print(const Options& options, const Columns& columns, const std::vector<Row>& rows) {
   if (options.json) {
-    Json json = {
-        {"file", options.file}, {"index", columns.names}, {"index_units", columns.units}, {"states", Json::array()}};
-    for (const Row& row : rows) json["states"].push_back({{"state", row.state}, {"index", row.index}});
-    fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+    Json json = JsonAnswer("states", options.file);
+    json.update({{"index", columns.names}, {"index_units", columns.units}, {"states", Json::array()}});
+    for (const Row& row : rows) json["states"].push_back({{"state", row.state}, {"index", JsonNumbers(row.index)}});
+    PrintJson(json);
     return;
   }
   if (options.csv) {
@@ -82,12 +81,14 @@ void Run(const Options& options) {
 
 void AddStatesCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("states", "List the states of a result file with their index values");
+  CLI::App* command =
+      app.add_subcommand("states", "List the states of a result file with their index values, such as times");
   command->add_option("file", options->file, "Result file")->required();
-  command->add_option("--states", options->states, kStatesHelp);
+  command->add_option("--states", options->states, "Only these states; see States below")->option_text("LIST");
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
   command->callback([options] { Run(*options); });
+  AddNotes(*command, {{"orv states out.orv", "orv states out.orv --states t=0.01:0.02 --csv"}});
 }
 
 }  // namespace orvio::program

@@ -3,15 +3,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 
 #include "commands/commands.h"
 #include "commands/csv.h"
+#include "commands/help_text.h"
 #include "commands/id_list.h"
+#include "commands/json_output.h"
 #include "commands/table.h"
 #include "reading/result_file.h"
 #include "reading/state_selection.h"
@@ -22,23 +22,15 @@
 namespace orvio::program {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 /// The shortest text that reads back as the same value.
 std::string ValueText(const ValueTable& table, std::size_t row, std::size_t column) {
   return std::visit([&](const auto& values) { return fmt::format("{}", values[row * table.columns.size() + column]); },
                     table.values);
 }
 
-/// JSON has no word for values that are not finite.
 Json ValueJson(const ValueTable& table, std::size_t row, std::size_t column) {
-  return std::visit(
-      [&](const auto& values) -> Json {
-        const auto value = values[row * table.columns.size() + column];
-        if (!std::isfinite(value)) return fmt::format("{}", value);
-        return value;
-      },
-      table.values);
+  return std::visit([&](const auto& values) { return JsonNumber(values[row * table.columns.size() + column]); },
+                    table.values);
 }
 
 std::vector<std::string> Heading(const ValueTable& table) {
@@ -122,10 +114,11 @@ Json ToJson(const ValueTable& table) {
   return json;
 }
 
-void PrintJson(const std::string& file, const std::vector<ValueTable>& tables) {
-  Json json = {{"file", file}, {"blocks", Json::array()}};
+void PrintAsJson(const std::string& file, const std::vector<ValueTable>& tables) {
+  Json json = JsonAnswer("values", file);
+  json["blocks"] = Json::array();
   for (const ValueTable& table : tables) json["blocks"].push_back(ToJson(table));
-  fmt::print("{}\n", json.dump(1, ' ', false, Json::error_handler_t::replace));
+  PrintJson(json);
 }
 
 struct Options {
@@ -144,7 +137,7 @@ void Run(Options& options) {
     for (ValueTable& table : ReadValueTables(file, options.request, state)) tables.push_back(std::move(table));
   }
   CheckIds(file, options.request, tables);
-  if (options.json) return PrintJson(options.file, tables);
+  if (options.json) return PrintAsJson(options.file, tables);
   options.csv ? PrintCsv(tables) : PrintText(tables);
 }
 
@@ -155,20 +148,31 @@ void AddValuesCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand("values", "Print the values of a variable at states");
   command->add_option("file", options->file, "Result file")->required();
   command
-      ->add_option("--var", options->request.variable,
-                   "Variable by name or key, or component by the name of its handle, as orv info names them; a "
-                   "computed one gives the components that it is computed from")
-      ->required();
-  command->add_option("--states,--state", options->states,
-                      std::string(kStatesHelp) + ". 0 or none for constant values");
-  command->add_option("--component", options->request.component, "Component by name or by number from 1");
-  command->add_option("--entity", options->request.entity, "Only values of this entity or element type");
-  command->add_option("--ids", options->ids, "Ids and ranges of ids, such as 1,5,7-9")
+      ->add_option(
+          "--var", options->request.variable,
+          "What to print: a variable, or one of its components; a computed one gives those that it is computed "
+          "from; see Names below")
+      ->required()
+      ->option_text("NAME");
+  command
+      ->add_option("--states,--state", options->states,
+                   "States to print; see States below (default 0, the constant values)")
+      ->option_text("LIST");
+  command->add_option("--component", options->request.component, "Only this component: its name, or its number from 1")
+      ->option_text("NAME");
+  command
+      ->add_option("--entity", options->request.entity,
+                   "Only values of this kind of entity, such as NODE, or type of element")
+      ->option_text("TYPE");
+  command->add_option("--ids", options->ids, "Only these nodes or elements; see Ids below")
       ->delimiter(',')
-      ->allow_extra_args(false);
+      ->allow_extra_args(false)
+      ->option_text("LIST");
   CLI::Option* csv = command->add_flag("--csv", options->csv, "Print comma-separated values");
   command->add_flag("--json", options->json, "Print JSON")->excludes(csv);
   command->callback([options] { Run(*options); });
+  AddNotes(*command, {{"orv values out.orv --var Stress --states last",
+                       R"(orv values out.orv --var "STRESS_Von Mises" --states t=0.01 --ids 1,5,7-9 --csv)"}});
 }
 
 }  // namespace orvio::program
