@@ -6,7 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -37,6 +40,30 @@ std::string MakeWorkingFile(const fs::path& path) {
   return name.data();
 }
 
+/// Names of the working files there are and of their journals, for a signal handler to see. More than these stay behind.
+constinit std::array<std::atomic<const char*>, 16> working_names = {};
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+/// The process that made them: what it forks has the handler, too.
+std::atomic<pid_t> owner = 0;
+
+void Replace(const char* from, const char* to) {
+  for (auto& name : working_names) {
+    const char* expected = from;
+    if (name.compare_exchange_strong(expected, to)) return;
+  }
+}
+
+/// Ends the program in the way of the signal, as if there were no handler.
+void RemoveAndEnd(int signal) {
+  for (auto& name : working_names) {
+    const char* file = getpid() == owner ? name.load() : nullptr;
+    if (file) (void)unlink(file);
+  }
+  (void)std::signal(signal, SIG_DFL);
+  (void)raise(signal);
+}
+
 bool SyncToDisk(const std::string& path) {
   const int file = open(path.c_str(), O_RDONLY);
   if (file < 0) return false;
@@ -46,15 +73,28 @@ bool SyncToDisk(const std::string& path) {
 
 }  // namespace
 
+void RemoveOutputsOnSignals() {
+  owner = getpid();
+  for (const int signal : {SIGHUP, SIGINT, SIGPIPE, SIGTERM}) {
+    // What the caller wants ignored stays ignored.
+    if (std::signal(signal, RemoveAndEnd) == SIG_IGN) (void)std::signal(signal, SIG_IGN);
+  }
+}
+
 OutputFile::OutputFile(fs::path path) : path_(std::move(path)) {
   std::error_code error;
   if (fs::exists(path_, error) && !fs::is_regular_file(path_, error)) {
     throw Trouble(path_.string(), "is not a file", "choose another name for the output");
   }
   working_ = MakeWorkingFile(path_);
+  journal_ = working_ + "-journal";
+  Replace(nullptr, working_.c_str());
+  Replace(nullptr, journal_.c_str());
 }
 
 OutputFile::~OutputFile() {
+  Replace(working_.c_str(), nullptr);
+  Replace(journal_.c_str(), nullptr);
   if (!committed_) (void)unlink(working_.c_str());  // nothing more can be done about a file that will not go
 }
 

@@ -6,6 +6,9 @@
 
 namespace orvio::program {
 
+/// Makes signals that end the program take the working files of all outputs along.
+void RemoveOutputsOnSignals();
+
 /// Stands for an output file while it is written: under another name in the same folder, which Commit changes to the
 /// final one in a single step. Without a Commit nothing is left, and what stood under the final name stays.
 class OutputFile {
@@ -24,7 +27,7 @@ class OutputFile {
 
  private:
   std::filesystem::path path_;
-  std::string working_;
+  std::string working_, journal_;  ///< the library keeps what it changes in a journal beside the file
   bool committed_ = false;
 };
 

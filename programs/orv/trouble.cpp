@@ -6,19 +6,17 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 
 namespace orvio::program {
 
-namespace {
-
-/// Names come from files: a line end in one would make two lines of a message, and worse could reach a terminal.
 std::string OneLine(std::string text) {
   const auto is_control = [](unsigned char c) { return std::iscntrl(c) != 0; };
   std::ranges::replace_if(text, is_control, ' ');
   return text;
 }
 
-}  // namespace
+void Tell(const std::string& what) noexcept { (void)std::fprintf(stderr, "orv: %s\n", what.c_str()); }
 
 Trouble::Trouble(const std::string& file, const std::string& what, const std::string& advice)
     : std::runtime_error(OneLine(file + ": " + what + "; " + advice)) {}

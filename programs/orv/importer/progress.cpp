@@ -21,17 +21,19 @@ Progress::Progress(std::string title)
     : title_(std::move(title)), on_terminal_(isatty(STDERR_FILENO) == 1), next_(Clock::now() + kPatience) {}
 
 Progress::~Progress() {
-  if (drawn_) fmt::print(stderr, "\r\033[K");
+  if (width_ > 0) (void)std::fprintf(stderr, "\r%*s\r", static_cast<int>(width_), "");
 }
 
 void Progress::Show(double fraction, const std::string& doing) {
   if (!on_terminal_ || Clock::now() < next_) return;
   const double bounded = std::clamp(fraction, 0.0, 1.0);
   const int filled = static_cast<int>(bounded * kWidth);
-  fmt::print(stderr, "\r\033[K{} [{:#>{}}{:.>{}}] {:3.0f} %  {}", title_, "", filled, "", kWidth - filled,
-             bounded * 100, doing);
+  const std::string line =
+      fmt::format("{} [{:#>{}}{:.>{}}] {:3.0f} %  {}", title_, "", filled, "", kWidth - filled, bounded * 100, doing);
+  // Blanks wipe away the rest of a longer line: not every terminal knows a command for that.
+  (void)std::fprintf(stderr, "\r%-*s", static_cast<int>(width_), line.c_str());
   (void)std::fflush(stderr);
-  drawn_ = true;
+  width_ = std::max(width_, line.size());
   next_ = Clock::now() + kInterval;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <string>
 
 namespace orvio::program {
@@ -22,7 +23,7 @@ class Progress {
 
   std::string title_;
   bool on_terminal_;
-  bool drawn_ = false;
+  std::size_t width_ = 0;  ///< of the longest line drawn
   Clock::time_point next_;
 };
 

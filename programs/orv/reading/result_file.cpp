@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <utility>
 
@@ -29,11 +28,9 @@ Listening& Process() {
 
 /// One line, whatever the text has of line ends.
 void PrintMessage(_ORVMesgType /*type*/, const char* text) {
-  std::string line(text);
-  std::ranges::replace_if(
-      line, [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+  std::string line = OneLine(text);
   line.erase(0, line.find_first_not_of(' '));
-  fmt::print(stderr, "orv: {}: {}\n", Process().path, line);
+  Tell(Process().path + ": " + line);
 }
 
 }  // namespace
