@@ -34,6 +34,7 @@ struct Surroundings {
   std::string folder;              ///< where the program stands; empty: where the test stands
   long largest_file = -1;          ///< no file can grow beyond it, as on a full disk; -1: no limit
   bool keeps_permissions = false;  ///< a super-user obeys the permissions of files and folders too
+  bool reader_is_gone = false;     ///< standard output is a pipe that nobody reads
 };
 
 struct ProgramRun {
@@ -50,6 +51,13 @@ inline constexpr int kCannotStart = 127;
 [[noreturn]] inline void BecomeProgram(char* const* arguments, const Surroundings& surroundings, int out, int err) {
   const bool to_file = !surroundings.standard_output.empty();
   if (to_file) out = open(surroundings.standard_output.c_str(), O_WRONLY);
+  if (surroundings.reader_is_gone) {
+    int ends[2] = {};
+    if (pipe(ends) != 0) _exit(kCannotStart);
+    close(ends[0]);
+    out = ends[1];
+    std::signal(SIGPIPE, SIG_DFL);
+  }
   dup2(out, STDOUT_FILENO);
   dup2(err, STDERR_FILENO);
   if (!surroundings.folder.empty() && chdir(surroundings.folder.c_str()) != 0) _exit(kCannotStart);
