@@ -140,7 +140,7 @@ TEST_F(Streams, TellNothingOfAnImportThatWasEndedAndNothingIsLeftOfIt) {
 }
 
 TEST_F(Streams, GetALineWhenMemoryRunsOut) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "a sanitizer reserves more memory than there is";
 #endif
   const std::string path = Forge();

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -19,6 +20,7 @@
 
 #include "checking/guarded_run.h"
 #include "checking/rules.h"
+#include "commands/completion_scripts.h"
 #include "commands/help_text.h"
 #include "reading/file_tree.h"
 #include "reading/name_list.h"
@@ -266,6 +268,19 @@ int Complete(const CLI::App& app, int argc, const char* const* argv) {
     fmt::print("{}{}\n", name.word, name.note.empty() ? "" : "\t" + name.note);
   }
   return 0;
+}
+
+void AddCompletionCommand(CLI::App& app) {
+  auto shell = std::make_shared<std::string>();
+  CLI::App* command =
+      app.add_subcommand("completion", "Print the script that makes a shell complete command lines of orv");
+  command->add_option("shell", *shell, "bash, zsh or fish")
+      ->required()
+      ->check(CLI::IsMember({"bash", "zsh", "fish"}))
+      ->option_text("SHELL");
+  command->callback([shell] { fmt::print("{}", CompletionScript(*shell)); });
+  AddNotes(*command, {{"source <(orv completion bash)", "orv completion zsh > ~/.zfunc/_orv",
+                       "orv completion fish > ~/.config/fish/completions/orv.fish"}});
 }
 
 }  // namespace orvio::program

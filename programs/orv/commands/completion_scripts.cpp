@@ -1,14 +1,8 @@
-// orv completion: the scripts that teach shells to complete. They hand over the words typed so far and show the answer;
-// all else is in completion.cpp.
+// The scripts hand over the words typed so far and show the answer; all else is in completion.cpp.
 
-#include <fmt/format.h>
+#include "commands/completion_scripts.h"
 
 #include <map>
-#include <memory>
-#include <string>
-
-#include "commands/completion.h"
-#include "commands/help_text.h"
 
 namespace orvio::program {
 namespace {
@@ -103,17 +97,6 @@ const std::map<std::string, const char*> kScripts = {{"bash", kBash}, {"zsh", kZ
 
 }  // namespace
 
-void AddCompletionCommand(CLI::App& app) {
-  auto shell = std::make_shared<std::string>();
-  CLI::App* command =
-      app.add_subcommand("completion", "Print the script that makes a shell complete command lines of orv");
-  command->add_option("shell", *shell, "bash, zsh or fish")
-      ->required()
-      ->check(CLI::IsMember({"bash", "zsh", "fish"}))
-      ->option_text("SHELL");
-  command->callback([shell] { fmt::print("{}", kScripts.at(*shell)); });
-  AddNotes(*command, {{"source <(orv completion bash)", "orv completion zsh > ~/.zfunc/_orv",
-                       "orv completion fish > ~/.config/fish/completions/orv.fish"}});
-}
+const char* CompletionScript(const std::string& shell) { return kScripts.at(shell); }
 
 }  // namespace orvio::program
