@@ -28,6 +28,15 @@
 
 namespace orv_test {
 
+/// A sanitizer takes time, and reserves more memory than there is.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+inline constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+
 /// The circumstances of a run.
 struct Surroundings {
   std::string standard_output;     ///< a file to write standard output to, such as "/dev/full"; empty: it is captured
