@@ -39,6 +39,7 @@ const Command kCommands[] = {
     {"values", {"values", "FILE", "--state", "1", "--var", "STRESS"}, "--var"},
     {"history", {"history", "FILE", "--var", "STRESS"}, "--var"},
     {"elements", {"elements", "FILE"}, "--type"},
+    {"diff", {"diff", "FILE", "FILE"}, "--var"},
     {"check", {"check", "FILE"}, "", true, true, "whole.orv", 1, 1},
     {"repair", {"repair", "FILE", "-o", "OUT"}, "", true, true, "whole.orv", 2, 1},
 };

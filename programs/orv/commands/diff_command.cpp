@@ -9,6 +9,7 @@
 
 #include "commands/commands.h"
 #include "commands/diff_output.h"
+#include "commands/help_text.h"
 #include "commands/id_list.h"
 #include "comparing/file_comparison.h"
 #include "reading/state_selection.h"
@@ -67,30 +68,39 @@ void Run(Options& options) {
 }
 
 /// One word for each time the option is given: the files may stand behind it.
-void AddList(CLI::App& command, const char* name, std::vector<std::string>& list, const char* help) {
-  command.add_option(name, list, help)->allow_extra_args(false);
+void AddList(CLI::App& command, const char* name, std::vector<std::string>& list, const char* word, const char* help) {
+  command.add_option(name, list, help)->option_text(word)->allow_extra_args(false);
 }
 
 void AddChoices(CLI::App& command, Options& options) {
-  AddList(command, "--var", options.diff.variables,
+  AddList(command, "--var", options.diff.variables, "NAME",
           "Only values of this variable or component, by the names that orv info and orv values take. Repeat for more");
-  AddList(command, "--ignore", options.diff.ignored, "Leave out this variable or component. Repeat for more");
-  command.add_option("--states,--state", options.diff.states,
-                     std::string(kStatesHelp) + ". By the numbers of A; 0 is what holds for all states");
-  command.add_option("--entity", options.diff.entity, "Only values and tables of this entity or element type");
-  command.add_option("--ids", options.ids, "Ids and ranges of ids, such as 1,5,7-9")
+  AddList(command, "--ignore", options.diff.ignored, "NAME", "Leave out this variable or component. Repeat for more");
+  command
+      .add_option("--states,--state", options.diff.states,
+                  "Only these states of A, 0 being what holds for all states; see States below")
+      ->option_text("LIST");
+  command.add_option("--entity", options.diff.entity, "Only values and tables of this entity or element type")
+      ->option_text("TYPE");
+  command.add_option("--ids", options.ids, "Only these ids; see Ids below")
+      ->option_text("LIST")
       ->delimiter(',')
       ->allow_extra_args(false);
-  command.add_option("--match-time", options.match_time,
-                     "Compare the states whose first index values differ by no more than this, instead of those of one "
-                     "number");
+  command
+      .add_option("--match-time", options.match_time,
+                  "Compare the states whose first index values differ by no more than this, instead of those of one "
+                  "number")
+      ->option_text("TIME");
 }
 
 void AddTolerances(CLI::App& command, Options& options) {
-  command.add_option("--abs", options.absolute, "Values are the same if they differ by no more than this (default 0)");
-  command.add_option("--rel", options.relative,
-                     "... or by no more than this times the larger one of their amounts (default 0)");
-  AddList(command, "--tol", options.tolerances,
+  command.add_option("--abs", options.absolute, "Values are the same if they differ by no more than this (default 0)")
+      ->option_text("X");
+  command
+      .add_option("--rel", options.relative,
+                  "... or by no more than this times the larger one of their amounts (default 0)")
+      ->option_text("X");
+  AddList(command, "--tol", options.tolerances, "TOLERANCE",
           "NAME=ABSOLUTE or NAME=ABSOLUTE,RELATIVE in place of --abs and --rel for a variable, a component or a column "
           "of the state index. Repeat for more");
 }
@@ -100,15 +110,18 @@ void AddTolerances(CLI::App& command, Options& options) {
 void AddDiffCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App* command = app.add_subcommand("diff", "Tell whether two result files hold the same, and what is different");
-  command->add_option("a", options->subject.file, "Result file A")->required();
-  command->add_option("b", options->subject.other, "Result file B")->required();
+  command->add_option("a", options->subject.file, "Result file A")->option_text("FILE")->required();
+  command->add_option("b", options->subject.other, "Result file B")->option_text("FILE")->required();
   AddChoices(*command, *options);
   AddTolerances(*command, *options);
   command->add_flag("--strict", options->subject.is_strict, "Notes, such as another title, count as differences");
-  command->add_option("--max", options->most, "Lines shown of each kind (default 20)");
+  command->add_option("--max", options->most, "Lines shown of each kind (default 20)")->option_text("N");
   CLI::Option* quiet = command->add_flag("-q,--quiet", options->is_quiet, "Print nothing: the exit code tells");
   command->add_flag("--json", options->json, "Print JSON, with all there is")->excludes(quiet);
   command->callback([options] { Run(*options); });
+  AddNotes(*command, {{"orv diff before.orv after.orv", "orv diff a.orv b.orv --rel 1e-6 --tol STRESS=0.01,1e-4",
+                       "orv diff a.orv b.orv --var VELO --states last --json"},
+                      "the files differ"});
 }
 
 }  // namespace orvio::program

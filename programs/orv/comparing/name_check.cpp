@@ -8,6 +8,7 @@
 #include "comparing/record_table.h"
 #include "reading/file_model.h"
 #include "reading/words.h"
+#include "suggestion.h"
 #include "trouble.h"
 
 namespace orvio::program {
@@ -41,7 +42,7 @@ void AppendEntities(ResultFile& file, const std::vector<Quantity>& quantities, N
 void Require(const ResultFile& a, const ResultFile& b, const std::string& kind, const std::string& word,
              const Names& known) {
   if (std::ranges::any_of(known, [&](const std::string& name) { return SameWord(name, word); })) return;
-  throw Trouble(a.path(), fmt::format("has no {} \"{}\", nor has {}", kind, word, b.path()),
+  throw Trouble(a.path(), fmt::format("has no {} \"{}\", nor has {}{}", kind, word, b.path(), DidYouMean(word, known)),
                 "orv info lists what a file has");
 }
 
