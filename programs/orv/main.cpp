@@ -98,6 +98,7 @@ int Run(int argc, char** argv) {
   orvio::program::UseHelpText(app);
   orvio::program::AddImportCommand(app);
   orvio::program::AddInfoCommand(app);
+  orvio::program::AddLinkCommand(app);
   orvio::program::AddLsCommand(app);
   orvio::program::AddPartsCommand(app);
   orvio::program::AddStatesCommand(app);

@@ -9,28 +9,11 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "hdf5/owned_id.h"
+
 namespace orvio::program {
-
-/// Owns an id of any kind.
-class OwnedId {
- public:
-  OwnedId() = default;
-  explicit OwnedId(hid_t id) : id_(id) {}
-  OwnedId(OwnedId&& other) noexcept : id_(std::exchange(other.id_, H5I_INVALID_HID)) {}
-  OwnedId& operator=(OwnedId&&) = delete;
-  ~OwnedId() {
-    if (id_ >= 0) (void)H5Idec_ref(id_);
-  }
-
-  explicit operator bool() const { return id_ >= 0; }
-  hid_t get() const { return id_; }
-
- private:
-  hid_t id_ = H5I_INVALID_HID;
-};
 
 struct StoredLink {
   std::string name;

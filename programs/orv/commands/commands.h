@@ -12,6 +12,7 @@ void AddImportCommand(CLI::App& app);
 void AddElementsCommand(CLI::App& app);
 void AddHistoryCommand(CLI::App& app);
 void AddInfoCommand(CLI::App& app);
+void AddLinkCommand(CLI::App& app);
 void AddLsCommand(CLI::App& app);
 void AddPartsCommand(CLI::App& app);
 void AddRepairCommand(CLI::App& app);

@@ -26,7 +26,9 @@ void CheckSize(const std::string& file, const ORVEleConnectivity& block) {
                 "the file is damaged");
 }
 
-ElementTable ReadTable(const std::string& file, ORVEleConnectivity block) {
+}  // namespace
+
+ElementTable ReadElementTable(const std::string& file, ORVEleConnectivity block) {
   CheckSize(file, block);
   const auto count = static_cast<std::size_t>(block.m_nele);
   ElementTable table;
@@ -49,8 +51,6 @@ ElementTable ReadTable(const std::string& file, ORVEleConnectivity block) {
   return table;
 }
 
-}  // namespace
-
 std::vector<ElementTable> ReadElementTables(const std::string& file, const std::string& type, int state) {
   (void)CheckResultFile(file);  // for its failures
   std::vector<ElementTable> tables;
@@ -58,7 +58,7 @@ std::vector<ElementTable> ReadElementTables(const std::string& file, const std::
   for (const ORVEleConnectivity& block : ReadElementHeaders(file, state)) {
     if (block.m_nele == 0) continue;
     names.push_back(TextOf(block.m_etypelem));
-    if (type.empty() || SameWord(names.back(), type)) tables.push_back(ReadTable(file, block));
+    if (type.empty() || SameWord(names.back(), type)) tables.push_back(ReadElementTable(file, block));
   }
   if (tables.empty() && !type.empty()) {
     throw Trouble(file, fmt::format("has no elements of type \"{}\"{}", type, DidYouMean(type, names)),

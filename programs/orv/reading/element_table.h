@@ -1,6 +1,8 @@
 // Elements of a file with their parts and nodes.
 #pragma once
 
+#include <orvio/orvio.h>
+
 #include <string>
 #include <vector>
 
@@ -21,5 +23,8 @@ struct ElementTable {
 /// One table per element type of the constant mesh, or of the mesh of a state, or only that of `type` where it is not
 /// empty. Throws Trouble when there is none or one cannot be read.
 std::vector<ElementTable> ReadElementTables(const std::string& file, const std::string& type, int state = 0);
+
+/// The table of one block whose header has been read.
+ElementTable ReadElementTable(const std::string& file, ORVEleConnectivity block);
 
 }  // namespace orvio::program

@@ -9,14 +9,13 @@ namespace {
 
 constexpr double kValuesPerByte = 1000;  // more than any compression of a dataset of ours reaches
 
-/// Extents alone are no proof: a dataset of any size can be described in a few bytes.
+}  // namespace
+
 bool FitsIntoFile(const std::string& file, double count) {
   std::error_code error;
   const auto bytes = static_cast<double>(std::filesystem::file_size(file, error));
   return !error && count <= bytes * kValuesPerByte;
 }
-
-}  // namespace
 
 bool HoldsValues(const std::string& file, const ORVBlock& block, const std::string& dataset, double count) {
   if (!FitsIntoFile(file, count)) return false;

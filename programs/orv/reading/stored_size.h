@@ -11,4 +11,8 @@ namespace orvio::program {
 /// before memory is taken for it.
 bool HoldsValues(const std::string& file, const ORVBlock& block, const std::string& dataset, double count);
 
+/// Whether a file is large enough for so many values. Extents alone are no proof: a dataset of any size can be described
+/// in a few bytes.
+bool FitsIntoFile(const std::string& file, double count);
+
 }  // namespace orvio::program
