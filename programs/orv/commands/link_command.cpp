@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -13,6 +14,7 @@
 #include "commands/commands.h"
 #include "commands/json_output.h"
 #include "linking/link.h"
+#include "linking/sidecar.h"
 
 namespace orvio::program {
 namespace {
@@ -81,9 +83,19 @@ void Tell(const Options& options, const LinkReport& report) {
              report.sidecar_bytes, report.source_bytes);
 }
 
-void Run(Options options) {
+LinkReport LinkOrLeave(const Options& options) {
+  constexpr int kTrouble = 2;
+  try {
+    return LinkFile(options.file, options.out);
+  } catch (const UnfinishedSidecar& trouble) {
+    fmt::print(stderr, "orv: {}\n", trouble.what());
+    std::_Exit(kTrouble);
+  }
+}
+
+void RunLink(Options options) {
   if (options.out.empty()) options.out = std::filesystem::path(options.file).replace_extension(".vtkhdf").string();
-  const LinkReport report = LinkFile(options.file, options.out);
+  const LinkReport report = LinkOrLeave(options);
   Tell(options, report);
   if (options.json) PrintReport(options, report);
 }
@@ -100,7 +112,7 @@ void AddLinkCommand(CLI::App& app) {
       "File to write (default: the name of the result file with .vtkhdf as its extension); one that exists "
       "is replaced when all went well");
   command->add_flag("--json", options->json, "Print a report in JSON");
-  command->callback([options] { Run(*options); });
+  command->callback([options] { RunLink(*options); });
 }
 
 }  // namespace orvio::program

@@ -7,7 +7,8 @@
 
 namespace orvio::program {
 
-/// Writes the sidecar of `file` to `out`, which appears when it is whole. Throws Trouble.
+/// Writes the sidecar of `file` to `out`, which appears when it is whole. Throws Trouble, and UnfinishedSidecar
+/// when writing fails.
 LinkReport LinkFile(const std::filesystem::path& file, const std::filesystem::path& out);
 
 }  // namespace orvio::program

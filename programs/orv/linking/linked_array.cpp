@@ -16,10 +16,14 @@ std::vector<ColumnGroup> GroupColumns(const std::vector<hsize_t>& columns) {
   return groups;
 }
 
-std::size_t CountSlabs(const LinkedArray& array) {
-  std::size_t runs = 0;
-  for (const Piece& piece : array.pieces) runs += piece.runs->list.size();
-  return runs * std::max<std::size_t>(GroupColumns(array.columns).size(), 1);
+Pieces CountPieces(const LinkedArray& array) {
+  Pieces count;
+  for (const Piece& piece : array.pieces) {
+    count.slabs += InOrder(*piece.runs).size();
+    count.runs += piece.runs->list.size();
+  }
+  const std::size_t columns = std::max<std::size_t>(GroupColumns(array.columns).size(), 1);
+  return {count.slabs * columns, count.runs * columns};
 }
 
 std::string PlainName(std::string name) {

@@ -57,8 +57,13 @@ struct ColumnGroup {
 
 std::vector<ColumnGroup> GroupColumns(const std::vector<hsize_t>& columns);
 
-/// Slabs that a virtual array is made of.
-std::size_t CountSlabs(const LinkedArray& array);
+/// What a virtual array is made of.
+struct Pieces {
+  std::size_t slabs = 0;  ///< selections that are mapped onto each other
+  std::size_t runs = 0;   ///< of rows in these
+};
+
+Pieces CountPieces(const LinkedArray& array);
 
 /// Names end up as links: without '/' and '.'.
 std::string PlainName(std::string name);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
 #include <tuple>
 
 #include "linking/topology.h"
@@ -82,9 +83,21 @@ class MeshReader {
       ORVResult*& place = block->IsConstantBlk() ? constant_ : moving_;
       if (!place) place = block;
     }
+    if (constant_ && !moving_) AssumeMoving();
     if (constant_ || moving_) return;
     throw Trouble(file_.path(), fmt::format("has no coordinates of {}", mesh_.node_type),
                   "without them there is nothing to show; orv info tells what it has");
+  }
+
+  /// Of a result that is in the constant section as well as in later states the library tells the first alone.
+  void AssumeMoving() {
+    constexpr std::string_view kConstant = "/post/constant/";
+    const std::string& path = constant_->GetBlkPath();
+    if (!path.starts_with(kConstant)) return;
+    mesh_.assumed_coordinates = std::make_shared<ORVResult>(*constant_);
+    moving_ = mesh_.assumed_coordinates.get();
+    moving_->SetConstantBlk(false);
+    moving_->SetBlkPath("/post/singlestate/state000000000001/" + path.substr(kConstant.size()));
   }
 
   void StartPoints() {

@@ -31,6 +31,19 @@ Runs FindRuns(const std::vector<long long>& ids, const RowMap& rows) {
   return runs;
 }
 
+std::vector<std::span<const Run>> InOrder(const Runs& runs) {
+  constexpr std::size_t kMostTogether = 512;  // what HDF5 does with a selection grows faster than its runs
+  std::vector<std::span<const Run>> pieces;
+  std::size_t first = 0;
+  for (std::size_t i = 1; i <= runs.list.size(); ++i) {
+    const bool goes_on = i < runs.list.size() && runs.list[i].to > runs.list[i - 1].to;
+    if (goes_on && i - first < kMostTogether) continue;
+    pieces.emplace_back(runs.list.data() + first, i - first);
+    first = i;
+  }
+  return pieces;
+}
+
 bool Overlap(const Runs& a, const Runs& b) {
   std::vector<Run> all = a.list;
   all.insert(all.end(), b.list.begin(), b.list.end());

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -50,6 +51,9 @@ struct Runs {
 using SharedRuns = std::shared_ptr<const Runs>;
 
 Runs FindRuns(const std::vector<long long>& ids, const RowMap& rows);
+
+/// The runs in pieces that each go upwards on both sides: their values have the same order here and there.
+std::vector<std::span<const Run>> InOrder(const Runs& runs);
 
 /// Whether some point or cell is in both.
 bool Overlap(const Runs& a, const Runs& b);

@@ -6,8 +6,6 @@
 #include <cstring>
 #include <utility>
 
-#include "trouble.h"
-
 namespace orvio::program {
 namespace {
 
@@ -66,7 +64,8 @@ Sidecar::Sidecar(const std::string& path, std::string told_as, const std::string
 }
 
 void Sidecar::Refuse(const std::string& what) const {
-  throw Trouble(told_as_, what + " cannot be written", "check the free space and your permissions in its folder");
+  throw UnfinishedSidecar(told_as_, what + " cannot be written",
+                          "check the free space and your permissions in its folder");
 }
 
 void Sidecar::Require(bool done, const std::string& what) const {
@@ -129,31 +128,55 @@ void Sidecar::Write(const std::string& name, const std::vector<hsize_t>& shape,
   WriteAs(name, shape, H5T_STD_U8LE, H5T_NATIVE_UINT8, values.data());
 }
 
-/// The slab of the array and that of the source have as many values, in the same order.
-void Sidecar::MapRun(hid_t list, const LinkedArray& array, const Piece& piece, const Run& run,
-                     const ColumnGroup& columns) const {
-  const std::vector<hsize_t> shape = ShapeOf(array);
-  const std::vector<hsize_t> to = {piece.first_row + run.to, columns.to}, to_count = {run.count, columns.count};
-  const OwnedId rows = Made(H5Screate_simple(static_cast<int>(shape.size()), shape.data(), nullptr), array.name);
-  std::vector<hsize_t> from = piece.start, count(from.size(), 1);
-  from[piece.entity_axis] += run.from;
-  count[piece.entity_axis] = run.count;
-  if (piece.component_axis >= 0) {
-    from[static_cast<std::size_t>(piece.component_axis)] += columns.from;
-    count[static_cast<std::size_t>(piece.component_axis)] = columns.count;
+namespace {
+
+/// Where runs are in a dataspace: those of an array (`to`) or of a source (`from`).
+struct Place {
+  std::vector<hsize_t> extents, start;
+  std::size_t row_axis = 0, column_axis = 0;
+  hsize_t column = 0, columns = 1;
+  hsize_t Run::*first = &Run::to;
+};
+
+/// Halves are put together: one run after the other takes HDF5 seconds for thousands of them.
+OwnedId SelectRuns(const Place& place, std::span<const Run> runs) {
+  if (runs.size() > 1) {
+    const std::size_t half = runs.size() / 2;
+    const OwnedId a = SelectRuns(place, runs.first(half)), b = SelectRuns(place, runs.subspan(half));
+    return OwnedId(a && b ? H5Scombine_select(a.get(), H5S_SELECT_OR, b.get()) : H5I_INVALID_HID);
   }
-  const std::vector<hsize_t>& extents = piece.source->extents;
-  const OwnedId values = Made(H5Screate_simple(static_cast<int>(extents.size()), extents.data(), nullptr), array.name);
+  OwnedId space(H5Screate_simple(static_cast<int>(place.extents.size()), place.extents.data(), nullptr));
+  std::vector<hsize_t> start = place.start, count(start.size(), 1);
+  start[place.row_axis] += runs.front().*place.first;
+  count[place.row_axis] = runs.front().count;
+  if (place.column_axis < start.size()) {
+    start[place.column_axis] += place.column;
+    count[place.column_axis] = place.columns;
+  }
+  const bool selected =
+      space && H5Sselect_hyperslab(space.get(), H5S_SELECT_SET, start.data(), nullptr, count.data(), nullptr) >= 0;
+  return selected ? std::move(space) : OwnedId();
+}
+
+}  // namespace
+
+/// The selections of the array and of the source have as many values, in the same order.
+void Sidecar::MapRuns(hid_t list, const LinkedArray& array, const Piece& piece, std::span<const Run> runs,
+                      const ColumnGroup& columns) const {
+  Place rows{ShapeOf(array), {}, 0, 1, columns.to, columns.count, &Run::to};
+  rows.start.resize(rows.extents.size(), 0);
+  rows.start[0] = piece.first_row;
+  Place values{piece.source->extents, piece.start,   piece.entity_axis, piece.start.size(),
+               columns.from,          columns.count, &Run::from};
+  if (piece.component_axis >= 0) values.column_axis = static_cast<std::size_t>(piece.component_axis);
+  const OwnedId to = SelectRuns(rows, runs), from = SelectRuns(values, runs);
   const std::string path = WithoutPatterns(piece.source->path);
-  Require(H5Sselect_hyperslab(rows.get(), H5S_SELECT_SET, to.data(), nullptr, to_count.data(), nullptr) >= 0 &&
-              H5Sselect_hyperslab(values.get(), H5S_SELECT_SET, from.data(), nullptr, count.data(), nullptr) >= 0 &&
-              H5Pset_virtual(list, rows.get(), source_.c_str(), path.c_str(), values.get()) >= 0,
-          array.name);
+  Require(to && from && H5Pset_virtual(list, to.get(), source_.c_str(), path.c_str(), from.get()) >= 0, array.name);
 }
 
 void Sidecar::MapPiece(hid_t list, const LinkedArray& array, const Piece& piece) const {
   for (const ColumnGroup& columns : GroupColumns(array.columns)) {
-    for (const Run& run : piece.runs->list) MapRun(list, array, piece, run, columns);
+    for (const std::span<const Run> runs : InOrder(*piece.runs)) MapRuns(list, array, piece, runs, columns);
   }
 }
 

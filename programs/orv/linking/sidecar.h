@@ -4,15 +4,25 @@
 #include <hdf5.h>
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "hdf5/owned_id.h"
 #include "linking/linked_array.h"
+#include "trouble.h"
 
 namespace orvio::program {
 
-/// Builds the group `/VTKHDF`. Paths are relative to it; groups on the way are made. What HDF5 refuses throws Trouble.
+/// A sidecar that could not be written. HDF5 keeps what it could not close, and crashes when it puts that away at the end
+/// of the process: who tells of this must leave by std::_Exit.
+class UnfinishedSidecar : public Trouble {
+ public:
+  using Trouble::Trouble;
+};
+
+/// Builds the group `/VTKHDF`. Paths are relative to it; groups on the way are made. What HDF5 refuses throws
+/// UnfinishedSidecar.
 class Sidecar {
  public:
   /// Writes to `path`, which `told_as` stands for in messages. `source` is the name of the result file for virtual
@@ -58,8 +68,8 @@ class Sidecar {
   void AddAttribute(const char* name, hid_t place, hid_t type, const std::vector<hsize_t>& shape, const void* value);
   OwnedId CreationList() const;
   void MapPiece(hid_t list, const LinkedArray& array, const Piece& piece) const;
-  void MapRun(hid_t list, const LinkedArray& array, const Piece& piece, const Run& run,
-              const ColumnGroup& columns) const;
+  void MapRuns(hid_t list, const LinkedArray& array, const Piece& piece, std::span<const Run> runs,
+               const ColumnGroup& columns) const;
 
   std::string told_as_, source_;
   OwnedId file_, root_;
