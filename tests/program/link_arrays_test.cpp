@@ -187,6 +187,21 @@ TEST_F(LinkArrays, FollowNodesThatMove) {
   EXPECT_TRUE(IsVirtual("Points"));
 }
 
+TEST_F(LinkArrays, TakeConstantCoordinatesWhereAStateHasNone) {
+  ForgedFile undefined("undefined");
+  const std::vector<std::int32_t> ids = {1, 2};
+  AddNodalResult(undefined, "/post/constant/", "COORDINATE", 1000, 2, 3)
+      .dataset<std::int32_t>("entid", {2}, ids)
+      .dataset<float>("res", {2, 3}, {1, 2, 3, 4, 5, 6});
+  AddNodalValues(undefined, 1, "TEMP", 1, ids, {1, 2});
+  AddNodalValues(undefined, 2, "COORDINATE", 3, ids, {7, 8, 9, 10, 11, 12});
+  AddNodalValues(undefined, 3, "COORDINATE", 3, ids, {0, 0, 1, 0, 0, 2});
+  std::filesystem::copy_file(undefined.path(), In());
+  LinkFileAtIn();
+  EXPECT_THAT(Values<std::int64_t>("Steps/PointOffsets"), ElementsAre(0, 2, 4));
+  EXPECT_THAT(Values<float>("Points"), AreFloats({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 0, 1, 0, 0, 2}));
+}
+
 TEST_F(LinkArrays, FollowAMeshThatChanges) {
   AddNodalValues(file_, 1, "TEMP", 1, {10, 20, 30, 40, 50, 60, 70}, {1, 2, 3, 4, 5, 6, 7});
   AddNodalValues(file_, 2, "TEMP", 1, {80, 20}, {18, 12});

@@ -83,21 +83,29 @@ class MeshReader {
       ORVResult*& place = block->IsConstantBlk() ? constant_ : moving_;
       if (!place) place = block;
     }
-    if (constant_ && !moving_) AssumeMoving();
+    if (constant_ && !moving_) {
+      moving_ = Assume(*constant_, "/post/constant/", "/post/singlestate/state000000000001/");
+    } else if (moving_ && !constant_) {
+      constant_ = Assume(*moving_, moving_->GetBlkPath().substr(0, kStatePlace), "/post/constant/");
+      if (file_.CountAt(*constant_, 0) < 1) constant_ = nullptr;
+    }
     if (constant_ || moving_) return;
     throw Trouble(file_.path(), fmt::format("has no coordinates of {}", mesh_.node_type),
                   "without them there is nothing to show; orv info tells what it has");
   }
 
-  /// Of a result that is in the constant section as well as in later states the library tells the first alone.
-  void AssumeMoving() {
-    constexpr std::string_view kConstant = "/post/constant/";
-    const std::string& path = constant_->GetBlkPath();
-    if (!path.starts_with(kConstant)) return;
-    mesh_.assumed_coordinates = std::make_shared<ORVResult>(*constant_);
-    moving_ = mesh_.assumed_coordinates.get();
-    moving_->SetConstantBlk(false);
-    moving_->SetBlkPath("/post/singlestate/state000000000001/" + path.substr(kConstant.size()));
+  static constexpr std::size_t kStatePlace = std::string_view("/post/singlestate/state000000000001/").size();
+
+  /// Of a result that is in the constant section as well as in states the library may list one block alone. This is the
+  /// other, which stands at the same path below its place.
+  ORVResult* Assume(const ORVResult& known, std::string_view place, std::string_view other) {
+    const std::string& path = known.GetBlkPath();
+    mesh_.assumed_coordinates = std::make_shared<ORVResult>(known);
+    mesh_.assumed_coordinates->SetConstantBlk(!known.IsConstantBlk());
+    if (path.starts_with(place)) {
+      mesh_.assumed_coordinates->SetBlkPath(std::string(other) + path.substr(place.size()));
+    }
+    return mesh_.assumed_coordinates.get();
   }
 
   void StartPoints() {

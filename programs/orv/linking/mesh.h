@@ -50,7 +50,7 @@ struct Mesh {
   std::vector<Topology> topologies;
   std::vector<Step> steps;
   LinkedArray points;
-  std::shared_ptr<ORVResult> assumed_coordinates;  ///< a block of the states that the library has not told of
+  std::shared_ptr<ORVResult> assumed_coordinates;  ///< a block that the library does not list
   std::vector<LeftOut> left_out;
   std::vector<std::string> notes;
 };
