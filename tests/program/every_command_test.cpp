@@ -40,6 +40,7 @@ const Command kCommands[] = {
     {"history", {"history", "FILE", "--var", "STRESS"}, "--var"},
     {"elements", {"elements", "FILE"}, "--type"},
     {"diff", {"diff", "FILE", "FILE"}, "--var"},
+    {"link", {"link", "FILE", "-o", "OUT"}, "", false},
     {"check", {"check", "FILE"}, "", true, true, "whole.orv", 1, 1},
     {"repair", {"repair", "FILE", "-o", "OUT"}, "", true, true, "whole.orv", 2, 1},
 };

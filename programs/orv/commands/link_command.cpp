@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/help_text.h"
 #include "commands/json_output.h"
 #include "linking/link.h"
 #include "linking/sidecar.h"
+#include "trouble.h"
 
 namespace orvio::program {
 namespace {
@@ -88,7 +90,7 @@ LinkReport LinkOrLeave(const Options& options) {
   try {
     return LinkFile(options.file, options.out);
   } catch (const UnfinishedSidecar& trouble) {
-    fmt::print(stderr, "orv: {}\n", trouble.what());
+    Tell(trouble.what());
     std::_Exit(kTrouble);
   }
 }
@@ -106,13 +108,16 @@ void AddLinkCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App* command = app.add_subcommand(
       "link", "Write a small VTKHDF file with which ParaView reads the values of a result file where they are");
-  command->add_option("file", options->file, "Result file")->required();
-  command->add_option(
-      "-o,--out", options->out,
-      "File to write (default: the name of the result file with .vtkhdf as its extension); one that exists "
-      "is replaced when all went well");
+  command->add_option("file", options->file, "Result file")->option_text("FILE")->required();
+  command
+      ->add_option(
+          "-o,--out", options->out,
+          "File to write (default: the name of the result file with .vtkhdf as its extension); one that exists "
+          "is replaced when all went well")
+      ->option_text("OUT");
   command->add_flag("--json", options->json, "Print a report in JSON");
   command->callback([options] { RunLink(*options); });
+  AddNotes(*command, {{"orv link crash.orv", "orv link crash.orv -o views/crash.vtkhdf --json"}});
 }
 
 }  // namespace orvio::program
