@@ -108,6 +108,8 @@ int Run(int argc, char** argv) {
   orvio::program::AddDiffCommand(app);
   orvio::program::AddCheckCommand(app);
   orvio::program::AddRepairCommand(app);
+  orvio::program::AddExtractCommand(app);
+  orvio::program::AddRepackCommand(app);
   orvio::program::AddCompletionCommand(app);
   orvio::program::AddNotes(app, kNotes);
   if (orvio::program::IsAskedToComplete(argc, argv)) return orvio::program::Complete(app, argc, argv);

@@ -10,12 +10,14 @@ void AddCheckCommand(CLI::App& app);
 void AddDiffCommand(CLI::App& app);
 void AddImportCommand(CLI::App& app);
 void AddElementsCommand(CLI::App& app);
+void AddExtractCommand(CLI::App& app);
 void AddHistoryCommand(CLI::App& app);
 void AddInfoCommand(CLI::App& app);
 void AddLinkCommand(CLI::App& app);
 void AddLsCommand(CLI::App& app);
 void AddPartsCommand(CLI::App& app);
 void AddRepairCommand(CLI::App& app);
+void AddRepackCommand(CLI::App& app);
 void AddStatesCommand(CLI::App& app);
 void AddValuesCommand(CLI::App& app);
 
