@@ -1,6 +1,7 @@
 // orv: looks into result files, and makes them from the results of other programs. Data go to standard output and all
-// else to standard error. Exit codes: 0 fine, 1 something was found (orv check, orv diff) or lost (orv repair),
-// 2 trouble. A reader of standard output that has enough ends the program by SIGPIPE, as any other of the system's.
+// else to standard error. Exit codes: 0 fine, 1 something was found (orv check), lost (orv repair) or
+// differs (orv diff, orv repack), 2 trouble. A reader of standard output that has enough ends the program by SIGPIPE, as
+// any other of the system's.
 
 #include <fcntl.h>
 #include <fmt/format.h>

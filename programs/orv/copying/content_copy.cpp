@@ -58,9 +58,12 @@ class ContentCopy {
 
   void Run() {
     const FoundBlocks constant = FindBlocks(source_.file(), kConstantSection);
+    const EntityCut::NodesByType nodes = NodesOfLaterMeshes();
     UseMesh(constant);
+    cut_.AddNodes(nodes);
     WriteConstants(constant);
     WriteOverStates();
+    if (!nodes.empty()) UseMesh(constant);
     int number = 0;
     for (const int state : plan_.states) WriteState(state, ++number);
     WriteDefinitions(constant);
@@ -80,6 +83,20 @@ class ContentCopy {
       if (!cut_.empty() && KeyOf(place) == kElements) cut_.AddElements(Read(place), source_.path());
     }
     cut_.EndMesh();
+  }
+
+  /// Coordinates may be constant while meshes are not.
+  EntityCut::NodesByType NodesOfLaterMeshes() {
+    std::set<int> meshes;
+    for (const int state : plan_.states) meshes.insert(scan_.MeshOf(state));
+    meshes.erase(0);
+    EntityCut::NodesByType all;
+    for (const int mesh : meshes) {
+      if (cut_.empty()) break;
+      UseMesh(FindBlocks(source_.file(), scan_.PathOf(mesh)));
+      for (const auto& [type, nodes] : cut_.Nodes()) all[type].insert(nodes.begin(), nodes.end());
+    }
+    return all;
   }
 
   void WriteConstants(const FoundBlocks& found) {
@@ -276,6 +293,12 @@ class ContentCopy {
     for (const std::string& dataset : dropped_datasets_)
       note("left out: " + dataset.substr(1) + ", unknown to the format");
     if (scan_.HasChanges()) note("states that hold changes are written whole");
+    constexpr int kLatestMajor = 2, kLatestMinor = 2;
+    const ORVFileVersion& version = source_.version();
+    if (version.m_major >= kLatestMajor && version.m_minor > kLatestMinor) {
+      note(fmt::format("version {}.{} cannot be written: it is {} now", version.m_major, version.m_minor,
+                       WordOf(writer_.version())));
+    }
   }
 
   const CopyTask& task_;

@@ -97,6 +97,18 @@ void EntityCut::EndMesh() {
   }
 }
 
+EntityCut::NodesByType EntityCut::Nodes() const {
+  NodesByType nodes;
+  for (const std::string& type : nodes_) nodes.emplace(type, kept_.at(type));
+  return nodes;
+}
+
+void EntityCut::AddNodes(const NodesByType& nodes) {
+  for (const auto& [type, ids] : nodes) {
+    if (kept_.contains(type)) kept_[type].insert(ids.begin(), ids.end());
+  }
+}
+
 /// Null: all of that type stay.
 const EntityCut::Ids* EntityCut::KeptOf(const std::string& type) const {
   const auto other = choice_.others.find(Folded(type));

@@ -43,6 +43,12 @@ class EntityCut {
   /// Goes behind the last elements of a mesh.
   void EndMesh();
 
+  /// Nodes that stay, by the folded names of their types.
+  using NodesByType = std::map<std::string, EntityChoice::Ids>;
+  NodesByType Nodes() const;
+  /// Lets further nodes stay.
+  void AddNodes(const NodesByType& nodes);
+
   /// Cuts a block of any kind. Collectors go before the attributes that hold their titles. False: nothing of it stays. `drop` is told of datasets that cannot be cut.
   bool Cut(BlockContent& content, const std::string& shown_as,
            const std::function<void(const std::string& dataset)>& drop);

@@ -84,7 +84,9 @@ std::map<long long, std::string> PartsOf(const ResultFile& file, const std::vect
     for (const long long part : table.parts) parts.try_emplace(part);
   }
   try {
-    for (const Part& part : ReadParts(file.path(), "", 0)) parts.insert_or_assign(part.id, part.title);
+    for (const Part& part : ReadParts(file.path(), "", 0)) {
+      parts.insert_or_assign(part.id, TextOf(part.title.c_str(), part.title.size()));  // some keep a blank at their end
+    }
   } catch (const Trouble&) {  // a file without parts still has elements of some
   }
   return parts;

@@ -117,7 +117,7 @@ std::vector<std::int64_t> EntityIds(const BlockContent& content, const std::stri
     if (ids.size() != count) RefuseBlock(content, shown_as, fmt::format("{} does not hold ids", item->name));
     return ids;
   }
-  constexpr std::size_t kMost = std::size_t{1} << 40;  // what no dataset stands behind is a claim
+  constexpr std::size_t kMost = std::size_t{1} << 27;  // what no dataset stands behind is a claim
   if (count > kMost) RefuseBlock(content, shown_as, fmt::format("there are no {} entities", count));
   std::vector<std::int64_t> ids(count);
   std::iota(ids.begin(), ids.end(), 1);
