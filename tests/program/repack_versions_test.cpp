@@ -163,14 +163,22 @@ TEST_F(RepackVersions, ReadTheSameThereAndBack) {
 /// Real runs, imported, repacked and extracted: nothing of what orv values shows changes.
 class CopiesOfRealRuns : public CutTest, public testing::WithParamInterface<const char*> {
  protected:
-  static std::string Shown(const std::string& file) {
+  /// Some of the variables of a file.
+  static std::vector<std::string> NamesOf(const std::string& file) {
+    constexpr std::size_t kEachSoMany = 9;
     const ProgramRun run = RunOrv({"info", file, "--json"});
     EXPECT_EQ(run.exit_code, 0) << run.err;
-    nlohmann::json info = nlohmann::json::parse(run.out);
+    const nlohmann::json variables = nlohmann::json::parse(run.out).at("variables");
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < variables.size(); i += variables.size() / kEachSoMany + 1) {
+      names.push_back(variables[i].at("name"));
+    }
+    return names;
+  }
+
+  static std::string Shown(const std::string& file, const std::vector<std::string>& names) {
     std::string shown;
-    constexpr std::size_t kEachSoMany = 9;
-    for (std::size_t i = 0; i < info.at("variables").size(); i += info.at("variables").size() / kEachSoMany + 1) {
-      const std::string name = info["variables"][i]["name"];
+    for (const std::string& name : names) {
       shown += name + RunOrv({"values", file, "--var", name, "--states", "last", "--csv"}).out;
     }
     return shown + RunOrv({"elements", file, "--csv"}).out + RunOrv({"parts", file, "--csv"}).out +
@@ -182,13 +190,15 @@ TEST_P(CopiesOfRealRuns, HoldTheSame) {
   const std::string run = std::string(ORVIO_SHARED_DATA) + "/" + GetParam();
   if (!std::filesystem::exists(run)) GTEST_SKIP() << "no " << run;
   const std::string file = Import(run, {"--units", "mm-t-s"});
-  const std::string expected = Shown(file);
+  const std::vector<std::string> names = NamesOf(file);
+  ASSERT_GT(names.size(), 1);
+  const std::string expected = Shown(file, names);
   (void)Make({"extract", file});
-  EXPECT_EQ(Shown(Out()), expected);
+  EXPECT_TRUE(Shown(Out(), names) == expected);
   for (const char* version : {"1.2", "2.0", "2.2"}) {
     SCOPED_TRACE(version);
     (void)Make({"repack", file, "--format-version", version, "--verify"});
-    EXPECT_EQ(Shown(Out()), expected);
+    EXPECT_TRUE(Shown(Out(), names) == expected);
   }
 }
 

@@ -97,7 +97,7 @@ OwnedId CreationListOf(const BlockItem& item, hid_t source) {
   OwnedId list(H5Pcreate(H5P_DATASET_CREATE));
   if (!item.has_filters || item.digits || item.chunk.size() != item.shape.size() || item.count() == 0) return list;
   const OwnedId access = LinkAccess();
-  const OwnedId dataset(H5Dopen2(source, item.path.c_str(), access.get()));
+  const OwnedId dataset(H5Oopen(source, item.path.c_str(), access.get()));
   OwnedId stored(dataset ? H5Dget_create_plist(dataset.get()) : H5I_INVALID_HID);
   std::vector<hsize_t> chunk = item.chunk;
   for (std::size_t i = 0; i < chunk.size(); ++i) chunk[i] = std::clamp<hsize_t>(chunk[i], 1, item.shape[i]);
