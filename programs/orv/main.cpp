@@ -99,7 +99,6 @@ int Run(int argc, char** argv) {
   orvio::program::UseHelpText(app);
   orvio::program::AddImportCommand(app);
   orvio::program::AddInfoCommand(app);
-  orvio::program::AddLinkCommand(app);
   orvio::program::AddLsCommand(app);
   orvio::program::AddPartsCommand(app);
   orvio::program::AddStatesCommand(app);
@@ -111,6 +110,7 @@ int Run(int argc, char** argv) {
   orvio::program::AddRepairCommand(app);
   orvio::program::AddExtractCommand(app);
   orvio::program::AddRepackCommand(app);
+  orvio::program::AddLinkCommand(app);
   orvio::program::AddCompletionCommand(app);
   orvio::program::AddNotes(app, kNotes);
   if (orvio::program::IsAskedToComplete(argc, argv)) return orvio::program::Complete(app, argc, argv);

@@ -40,6 +40,8 @@ const Command kCommands[] = {
     {"history", {"history", "FILE", "--var", "STRESS"}, "--var"},
     {"elements", {"elements", "FILE"}, "--type"},
     {"diff", {"diff", "FILE", "FILE"}, "--var"},
+    {"extract", {"extract", "FILE", "-o", "OUT"}, "--var", false},
+    {"repack", {"repack", "FILE", "-o", "OUT"}, "", false},
     {"link", {"link", "FILE", "-o", "OUT"}, "", false},
     {"check", {"check", "FILE"}, "", true, true, "whole.orv", 1, 1},
     {"repair", {"repair", "FILE", "-o", "OUT"}, "", true, true, "whole.orv", 2, 1},

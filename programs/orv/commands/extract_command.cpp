@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/help_text.h"
 #include "commands/id_list.h"
 #include "commands/json_output.h"
 #include "copying/extract.h"
@@ -47,7 +48,7 @@ void Run(const ExtractOptions& options, bool quiet, bool json) {
 }
 
 void AddIdOption(CLI::App& command, const char* name, std::vector<std::string>& ids, const char* help) {
-  command.add_option(name, ids, help)->delimiter(',')->allow_extra_args(false);
+  command.add_option(name, ids, help)->option_text("LIST")->delimiter(',')->allow_extra_args(false);
 }
 
 }  // namespace
@@ -58,19 +59,23 @@ void AddExtractCommand(CLI::App& app) {
   auto quiet = std::make_shared<bool>(false);
   auto json = std::make_shared<bool>(false);
   CLI::App* command = app.add_subcommand("extract", "Write some of a result file into a new, smaller one");
-  command->add_option("file", options->file, "Result file; it is not changed")->required();
+  command->add_option("file", options->file, "Result file; it is not changed")->option_text("FILE")->required();
   command->add_option("-o,--out", options->out, "Result file to write; one that exists is replaced when all went well")
+      ->option_text("OUT")
       ->required();
-  command->add_option("--states", options->states, kStatesHelp);
+  command->add_option("--states", options->states, "States to keep; see States below")->option_text("LIST");
   command->add_option("--var", options->variables, "Variables to keep; coordinates stay in any case")
+      ->option_text("NAME")
       ->delimiter(',')
       ->allow_extra_args(false);
   command->add_option("--parts", options->parts, "Parts to keep, by ids such as 1,5-9 or by titles")
+      ->option_text("LIST")
       ->delimiter(',')
       ->allow_extra_args(false);
   AddIdOption(*command, "--node-ids", texts->nodes, "Nodes to keep, such as 1,5-9, with the elements between them");
   AddIdOption(*command, "--element-ids", texts->elements, "Elements to keep, such as 1,5-9, with their nodes");
-  CLI::Option* entity = command->add_option("--entity", options->entity, "Type of elements or other entities to keep");
+  CLI::Option* entity = command->add_option("--entity", options->entity, "Type of elements or other entities to keep")
+                            ->option_text("TYPE");
   AddIdOption(*command, "--ids", texts->ids, "Entities of the type --entity to keep, such as 1,5-9");
   command->get_option("--ids")->needs(entity);
   command->add_flag("-q,--quiet", *quiet, "No summary");
@@ -79,6 +84,8 @@ void AddExtractCommand(CLI::App& app) {
     ReadIds(*texts, *options);
     Run(*options, *quiet, *json);
   });
+  AddNotes(*command, {{"orv extract run.orv -o last.orv --states last --var Stress",
+                       "orv extract run.orv -o wheel.orv --parts 3,7-9 --states 1:100:10"}});
 }
 
 }  // namespace orvio::program

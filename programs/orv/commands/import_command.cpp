@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/format_version.h"
 #include "commands/help_text.h"
 #include "commands/id_list.h"
 #include "importer/exodus_import.h"
@@ -22,11 +23,6 @@
 
 namespace orvio::program {
 namespace {
-
-const std::map<std::string, _ORVVersion> kVersions = {
-    {"1.0", ORV_VERSION_1_0}, {"1.1", ORV_VERSION_1_1}, {"1.2", ORV_VERSION_1_2},
-    {"2.0", ORV_VERSION_2_0}, {"2.1", ORV_VERSION_2_1}, {"2.2", ORV_VERSION_2_2},
-};
 
 /// A kind of file that can be imported, by its name.
 struct Importer {
@@ -41,12 +37,6 @@ const Importer* FindImporter(const std::string& name) {
     return std::ranges::any_of(importer.endings, [&](std::string_view ending) { return name.ends_with(ending); });
   });
   return found == std::end(kImporters) ? nullptr : found;
-}
-
-std::vector<std::string> VersionNames() {
-  std::vector<std::string> names;
-  for (const auto& [name, version] : kVersions) names.push_back(name);
-  return names;
 }
 
 std::string AllUnitSystems() { return fmt::format("{}", fmt::join(UnitSystemNames(), ", ")); }
@@ -156,7 +146,7 @@ void AddImportCommand(CLI::App& app) {
   command->add_flag("--partial", options->partial, "Take what is there of a run that broke off");
   command->add_flag("-q,--quiet", *quiet, "Print no summary");
   command->callback([options, quiet, units, version, histories, states, tolerance] {
-    options->version = kVersions.at(*version);
+    options->version = VersionNamed(*version);
     AppendHistories(*histories, *options);
     if (tolerance->count() > 0) options->incremental = *states;
     if (!units->empty()) options->units = FindUnitSystem(*units);

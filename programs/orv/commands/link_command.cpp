@@ -73,7 +73,7 @@ void TellLeftOut(const Options& options, const std::vector<LeftOut>& left_out) {
   }
 }
 
-void Tell(const Options& options, const LinkReport& report) {
+void TellReport(const Options& options, const LinkReport& report) {
   for (const ArrayReport& array : report.arrays) {
     if (array.why_copied.empty()) continue;
     fmt::print(stderr, "{}: copied {} of {}: {}\n", options.file, array.name, array.on, array.why_copied);
@@ -98,7 +98,7 @@ LinkReport LinkOrLeave(const Options& options) {
 void RunLink(Options options) {
   if (options.out.empty()) options.out = std::filesystem::path(options.file).replace_extension(".vtkhdf").string();
   const LinkReport report = LinkOrLeave(options);
-  Tell(options, report);
+  TellReport(options, report);
   if (options.json) PrintReport(options, report);
 }
 

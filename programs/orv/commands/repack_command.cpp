@@ -2,11 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <map>
 #include <memory>
 #include <string>
 
 #include "commands/commands.h"
+#include "commands/format_version.h"
+#include "commands/help_text.h"
 #include "commands/json_output.h"
 #include "copying/repack.h"
 
@@ -15,11 +16,6 @@ namespace {
 
 constexpr int kDiffers = 1;
 constexpr int kUsualChunk = 4096, kMostDigits = 20;
-
-const std::map<std::string, _ORVVersion> kVersions = {
-    {"1.0", ORV_VERSION_1_0}, {"1.1", ORV_VERSION_1_1}, {"1.2", ORV_VERSION_1_2},
-    {"2.0", ORV_VERSION_2_0}, {"2.1", ORV_VERSION_2_1}, {"2.2", ORV_VERSION_2_2},
-};
 
 void Tell(const RepackOptions& options, const RepackReport& report) {
   const CopyReport& copy = report.copy;
@@ -66,38 +62,45 @@ void Run(const RepackOptions& options, bool quiet, bool json) {
 
 void AddRepackCommand(CLI::App& app) {
   auto options = std::make_shared<RepackOptions>();
-  auto version = std::make_shared<_ORVVersion>(ORV_VERSION_2_2);
+  auto version = std::make_shared<std::string>();
   auto chunk = std::make_shared<int>(kUsualChunk);
   auto plain = std::make_shared<bool>(false);
   auto quiet = std::make_shared<bool>(false);
   auto json = std::make_shared<bool>(false);
   CLI::App* command = app.add_subcommand(
       "repack", "Write a result file anew with the same content, in another version or with another compression");
-  command->add_option("file", options->file, "Result file; it is not changed")->required();
+  command->add_option("file", options->file, "Result file; it is not changed")->option_text("FILE")->required();
   command->add_option("-o,--out", options->out, "Result file to write; one that exists is replaced when all went well")
+      ->option_text("OUT")
       ->required();
   CLI::Option* of_version =
       command->add_option("--format-version", *version, "Version to write: 1.0 to 2.2 (default: that of the file)")
-          ->transform(CLI::CheckedTransformer(kVersions));
+          ->check(CLI::IsMember(VersionNames()))
+          ->option_text("VERSION");
   CLI::Option* digits =
       command->add_option("--digits", options->storage.digits, "Compress, with so many decimal digits of values kept")
-          ->check(CLI::Range(0, kMostDigits));
+          ->check(CLI::Range(0, kMostDigits))
+          ->option_text("N");
   CLI::Option* none = command->add_flag("--no-compress", *plain, "Store without compression")->excludes(digits);
   CLI::Option* of_chunk =
       command->add_option("--chunk", *chunk, "Entities in one chunk at most, 0 for all (default 4096 with --digits)")
           ->check(CLI::Range(0, 1 << 30))
-          ->excludes(none);
+          ->excludes(none)
+          ->option_text("N");
   command->add_flag("--verify", options->verifies, "Compare with the file; exit code 1 and no output when they differ");
   command->add_flag("-q,--quiet", *quiet, "No summary");
   command->add_flag("--json", *json, "Print JSON");
   command->callback([=] {
     Storage& storage = options->storage;
-    if (of_version->count() > 0) options->version = *version;
+    if (of_version->count() > 0) options->version = VersionNamed(*version);
     if (*plain) storage.filter = Storage::Filter::kNone;
     if (digits->count() > 0) storage.filter = Storage::Filter::kDigits;
     if (digits->count() > 0 || of_chunk->count() > 0) storage.chunk = *chunk;
     Run(*options, *quiet, *json);
   });
+  AddNotes(*command, {{"orv repack run.orv -o small.orv --digits 4 --verify",
+                       "orv repack run.orv -o old.orv --format-version 1.2 --no-compress"},
+                      "the output would differ from the file; none is left"});
 }
 
 }  // namespace orvio::program

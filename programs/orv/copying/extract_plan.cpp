@@ -18,6 +18,7 @@
 #include "reading/quantity_search.h"
 #include "reading/state_selection.h"
 #include "reading/words.h"
+#include "suggestion.h"
 #include "trouble.h"
 
 namespace orvio::program {
@@ -60,7 +61,8 @@ void PlanVariables(const ExtractOptions& options, ResultFile& file, ExtractPlan&
       }
     }
     if (found == 0) {
-      throw Trouble(file.path(), fmt::format("has no values of \"{}\"", name), "orv info lists its variables");
+      throw Trouble(file.path(), fmt::format("has no values of \"{}\"{}", name, DidYouMean(name, QuantityNames(file))),
+                    "orv info lists its variables");
     }
   }
 }
@@ -84,7 +86,7 @@ std::map<long long, std::string> PartsOf(const ResultFile& file, const std::vect
     for (const long long part : table.parts) parts.try_emplace(part);
   }
   try {
-    for (const Part& part : ReadParts(file.path(), "", 0)) {
+    for (const Part& part : FindParts(file.path(), "", 0)) {
       parts.insert_or_assign(part.id, TextOf(part.title.c_str(), part.title.size()));  // some keep a blank at their end
     }
   } catch (const Trouble&) {  // a file without parts still has elements of some
@@ -105,7 +107,11 @@ EntityChoice::Ids PlanParts(const ExtractOptions& options, const ResultFile& fil
       ids.insert(id);
       ++found;
     }
-    if (found == 0) throw Trouble(file.path(), fmt::format("has no part \"{}\"", text), "orv parts lists them");
+    if (found > 0) continue;
+    std::vector<std::string> titles;
+    for (const auto& [id, title] : parts) titles.push_back(title);
+    throw Trouble(file.path(), fmt::format("has no part \"{}\"{}", text, DidYouMean(text, titles)),
+                  "orv parts lists them");
   }
   return ids;
 }
@@ -137,7 +143,9 @@ void PlanType(const ExtractOptions& options, ResultFile& file, EntityChoice& cho
     return;
   }
   if (!is_node && !HasResultsOf(file, type)) {
-    throw Trouble(file.path(), fmt::format("has no entities of the type \"{}\"", type), "orv info lists the types");
+    throw Trouble(file.path(),
+                  fmt::format("has no entities of the type \"{}\"{}", type, DidYouMean(type, EntityNames(file))),
+                  "orv info lists the types");
   }
   if (options.ids.empty()) {
     throw Trouble(file.path(), fmt::format("\"{}\" is not a type of elements", type), "give --ids with it");
