@@ -131,6 +131,41 @@ TEST_F(LinkArrays, TakeStatesFromABlockThatHoldsAll) {
   EXPECT_TRUE(IsVirtual("PointData/PAIR"));
 }
 
+TEST_F(LinkArrays, TakeStepsFromABlockThatHoldsAllWhereThereAreNoStates) {
+  AddNodalResult(file_, "/post/multistate/multi", "TEMP", 1050, 2, 1)
+      .integer("nstate", 3)
+      .integer("nindex", 1)
+      .dataset<std::int32_t>("indexident", {3, 1}, {1, 2, 3})
+      .dataset<double>("indexval", {3, 1}, {0.5, 1, 4})
+      .dataset<std::int32_t>("entid", {2}, {60, 70})
+      .dataset<float>("res", {3, 2, 1}, {1, 2, 3, 4, 5, 6});
+  Link();
+  EXPECT_THAT(Values<double>("Steps/Values"), ElementsAre(0.5, 1, 4));
+  EXPECT_THAT(Values<std::int64_t>("Steps/PointOffsets"), ElementsAre(0, 0, 0));
+  const std::vector<float> shown = Values<float>("PointData/TEMP");
+  ASSERT_EQ(shown.size(), 21U);
+  EXPECT_THAT((std::vector<float>{shown[5], shown[6], shown[12], shown[13], shown[19], shown[20]}),
+              AreFloats({1, 2, 3, 4, 5, 6}));
+  EXPECT_THAT(shown[14], testing::IsNan());
+}
+
+TEST_F(LinkArrays, HaveOneArrayForEachVariableOfAGroup) {
+  file_.at("/post/constant/variablegroup/BOTH/orvblock")
+      .integer("block", 32)
+      .text("etypvar", "BOTH")
+      .integer("ncoo", 3)
+      .integer("nvar", 2)
+      .dataset<std::int32_t>("cnt", {2}, {1, 2})
+      .dataset<std::int32_t>("offs", {2}, {0, 1})
+      .texts("varkey", 256, {2}, {"TEMP", "PAIR"});
+  AddNodalValues(file_, 1, "BOTH", 3, {10, 20, 30, 40, 50, 60, 70},
+                 {1, 11, 21, 2, 12, 22, 3, 13, 23, 4, 14, 24, 5, 15, 25, 6, 16, 26, 7, 17, 27});
+  Link();
+  EXPECT_THAT(Values<float>("PointData/TEMP"), AreFloats({1, 2, 3, 4, 5, 6, 7}));
+  EXPECT_THAT(Values<float>("PointData/PAIR"), AreFloats({11, 21, 12, 22, 13, 23, 14, 24, 15, 25, 16, 26, 17, 27}));
+  EXPECT_FALSE(Exists("PointData/BOTH"));
+}
+
 TEST_F(LinkArrays, CopyWhatChangesArePutTogetherFrom) {
   const auto add = [&](int state, int indexic, const std::vector<std::int32_t>& ids, const std::vector<float>& values) {
     AddNodalValues(file_, state, "TEMP", 1, ids, values);
