@@ -33,7 +33,10 @@ class Error : public std::runtime_error {
                           const std::string& block, int state) {
     std::string place = block.empty() ? "" : "block " + block;
     if (state != kNoState) place += (place.empty() ? "state " : ", state ") + std::to_string(state);
-    return file + ": " + what + (place.empty() ? "" : " (" + place + ")") + "; " + hint;
+    std::string text = file + ": " + what + (place.empty() ? "" : " (" + place + ")") + "; " + hint;
+    std::replace_if(  // names of a file may hold line ends
+        text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+    return text;
   }
 
   std::string file_, block_, hint_;
@@ -42,14 +45,22 @@ class Error : public std::runtime_error {
 
 namespace detail {
 
-/// What the library says about its last failure, as one line, or `otherwise` when it says nothing.
-inline std::string library_text(const std::string& otherwise) {
-  std::string text = ORVGetLastErrorText();
-  std::replace_if(
-      text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
-  const std::size_t first = text.find_first_not_of(' ');
-  return first == std::string::npos ? otherwise : text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
+/// What the library says of a failure since the object was made. A failure without a text of its own leaves that of an
+/// earlier one in place, which tells nothing.
+class LibraryText {
+ public:
+  /// The text without what surrounds it, or `otherwise` where there is none.
+  std::string or_else(const std::string& otherwise) const {
+    const std::string now = ORVGetLastErrorText();
+    const std::size_t first = now == before_ ? std::string::npos : now.find_first_not_of(kBlank);
+    return first == std::string::npos ? otherwise : now.substr(first, now.find_last_not_of(kBlank) + 1 - first);
+  }
+
+ private:
+  static constexpr char kBlank[] = " \t\r\n";
+
+  std::string before_ = ORVGetLastErrorText();
+};
 
 }  // namespace detail
 }  // namespace orv

@@ -22,7 +22,8 @@ namespace orv {
 /// A result file that is open to questions. It knows the headers; values are read when they are asked for, and no file
 /// stays open in between. Every operation throws Error when it cannot be done, and std::bad_alloc.
 ///
-/// It can be moved, not copied. Names compare without regard to case.
+/// It can be moved, not copied; one that was moved from can only be assigned to or destroyed. Names compare without regard
+/// to case.
 class File {
  public:
   /// Reads variables, units, and the headers of the results. Throws Error for what is no result file.
@@ -57,10 +58,10 @@ class File {
     return all;
   }
   State state(int number) {
-    reader_.require_state(number);
+    reader_.require_state(number, 1);
     const ORVIndexBase<int, double>* index = filer().GetStateIndexDP(false);
-    if (number < 1 || !index || number > index->GetNumState() || !index->GetIndexVals()) return {number, {}};
-    const double* row = index->GetIndexVals() + (number - 1) * index->GetNumIndex();
+    if (!index || number > index->GetNumState() || !index->GetIndexVals()) return {number, {}};
+    const double* row = index->GetIndexVals() + static_cast<std::ptrdiff_t>(number - 1) * index->GetNumIndex();
     return {number, {row, row + index->GetNumIndex()}};
   }
   /// What the columns of State::index are; numbered where the file names none.
@@ -72,10 +73,11 @@ class File {
   /// The same for so many columns of another index.
   std::vector<Component> index_columns(std::size_t count) { return detail::index_columns(filer(), count); }
 
-  /// For a file that has grown since: counts its states again, and reads their index at the next demand.
+  /// For a file that has grown since, or was replaced: reads again what the constructor has read. What the filer
+  /// underneath has given out is no more.
   void refresh() { reader_.refresh(); }
   /// Keeps the file open between reads, which makes small ones faster; see ORVFiler::KeepFileOpen.
-  void keep_open(bool keep = true) { (void)filer().KeepFileOpen(keep); }  // a filer with a path answers 0
+  void keep_open(bool keep = true) { reader_.keep_open(keep); }
 
   // ---- What is stored
 
@@ -120,7 +122,7 @@ class File {
   /// Values of a variable, by its name or key, or of a component by the name of its handle ("STRESS_SXX"); a computed one
   /// gives the components that it is computed from. An answer for each entity or element type, and zone. Constant values
   /// answer for every state that has none of its own. A state that holds only what changed is put together from those
-  /// before it; a change that cannot be read is left out then. Throws Error when there is nothing of that name there.
+  /// before it. Throws Error when there is nothing of that name there, and for values that cannot be read.
   ///
   /// `T` is float or double, whatever the file stores.
   template <class T = double>
@@ -130,17 +132,19 @@ class File {
     if (all.empty()) reader_.fail_to_find(variable, selection, state);
     return all;
   }
-  /// Coordinates of the nodes: `values` of "COORDINATE" at "NODE".
+  /// Coordinates of the nodes: `values` of "COORDINATE" at "NODE", those of several zones one behind the other.
   template <class T = double>
   Values<T> coordinates(int state = Selection::kLast) {
     Selection nodes;
     nodes.state = state;
     nodes.entity = "NODE";
-    return std::move(values<T>("COORDINATE", nodes).front());
+    std::vector<Values<T>> blocks = values<T>("COORDINATE", nodes);
+    return blocks.size() == 1 ? std::move(blocks.front()) : join(std::move(blocks));
   }
   /// Curves over all states: one for each entity, layer and component, complex values having two. They come from the blocks
-  /// that hold all states where these have all that is asked for. `layer` counts from 1; 0 for all. Throws Error when no
-  /// state has anything of it.
+  /// that hold all states where these have all that is asked for, and have the states of these then. `layer` counts from 1;
+  /// 0 for all. Of `ids` none asks for all; those that are nowhere are left out. Throws Error when no state has anything
+  /// of it, and for values that cannot be read.
   History history(const std::string& variable, const std::vector<std::int64_t>& ids, const std::string& component = {},
                   int layer = 0, const std::string& entity = {}) {
     Selection selection;
@@ -148,10 +152,31 @@ class File {
     selection.component = component;
     selection.layer = layer;
     selection.entity = entity;
-    return {variable, states(), detail::read_curves(reader_, variable, selection)};
+    detail::Curves read = detail::read_curves(reader_, variable, selection);
+    return {variable, read.states.empty() ? states() : std::move(read.states), std::move(read.curves)};
   }
 
  private:
+  template <class T>
+  Values<T> join(std::vector<Values<T>> blocks) const {
+    std::size_t numbers = 0;
+    for (const Values<T>& block : blocks) numbers += block.data.size();
+    Values<T> all = std::move(blocks.front());
+    Buffer<T> data(numbers);
+    T* end = std::copy(all.data.begin(), all.data.end(), data.begin());
+    for (std::size_t i = 1; i < blocks.size(); ++i) {
+      const Values<T>& block = blocks[i];
+      if (block.row_size() != all.row_size()) {
+        throw Error(path(), "has coordinates with unequal numbers of components", "values gives them one by one");
+      }
+      all.ids.insert(all.ids.end(), block.ids.begin(), block.ids.end());
+      end = std::copy(block.data.begin(), block.data.end(), end);
+    }
+    all.data = std::move(data);
+    all.zone.clear();
+    return all;
+  }
+
   detail::Reader reader_;
 };
 

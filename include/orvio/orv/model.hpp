@@ -110,12 +110,12 @@ struct Values {
 struct Selection {
   static constexpr int kLast = -1;
 
-  int state = kLast;                   ///< 1-based; 0 for constant values
-  int part = 0;                        ///< elements of this part, or their nodes; 0: all
-  std::vector<std::int64_t> ids = {};  ///< in this order; those that are not there are left out; empty: all
-  int layer = 0;                       ///< of elements, from 1; 0: all
-  std::string component = {};          ///< by its name; empty: all
-  std::string entity = {};             ///< "NODE", "HEX8"; empty: all
+  int state = kLast;                      ///< 1-based; 0 for constant values
+  std::optional<std::int64_t> part = {};  ///< elements of this part, or their nodes; none: all
+  std::vector<std::int64_t> ids = {};     ///< in this order; those that are not there are left out; empty: all
+  int layer = 0;                          ///< of elements, from 1; 0: all
+  std::string component = {};             ///< by its name; empty: all
+  std::string entity = {};                ///< "NODE", "HEX8"; empty: all
 };
 
 /// One curve of a history.
@@ -164,6 +164,14 @@ struct Quantity {
   Shape shape = Shape::scalar;
   std::string unit = {};            ///< name of a base or derived unit of the origin; empty: none told
   std::string quantity_class = {};  ///< "CLASS_STRESS" and so on
+};
+
+/// What values that are written belong to.
+struct Target {
+  std::string entity = "NODE";  ///< entity type, or the type of the elements
+  int layers = 0;               ///< layers or integration points of an element; 0 for entities with one value each
+  bool is_complex = false;      ///< values are pairs: real, imaginary
+  std::string zone = {};        ///< name of the set that the entities are of; empty for all
 };
 
 }  // namespace orv

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -13,29 +11,21 @@
 #include <vector>
 
 #include "orvio/orv/detail/definition_writer.hpp"
+#include "orvio/orv/detail/known_names.hpp"
 #include "orvio/orv/detail/reader.hpp"
+#include "orvio/orv/detail/result_writer.hpp"
 #include "orvio/orv/detail/text.hpp"
 #include "orvio/orv/detail/units.hpp"
 #include "orvio/orv/error.hpp"
 #include "orvio/orv/model.hpp"
-#include "orvio/orv_ele_connectivity.h"
 #include "orvio/orv_filer.h"
-#include "orvio/orv_part.h"
 #include "orvio/orv_switches.h"
 
 namespace orv {
 
-/// What values belong to.
-struct Target {
-  std::string entity = "NODE";  ///< entity type, or the type of the elements
-  int layers = 0;               ///< layers or integration points of an element; 0 for entities with one value each
-  bool is_complex = false;      ///< values are pairs
-  std::string zone = {};        ///< name of the set that the entities are of; empty for all
-};
-
 /// A result file that is written: definitions first, then the mesh, then the states one by one. Each block, and each state
 /// as a whole, appears in the file when it is complete, whatever ends the program; see ORVSetDurability. Every operation
-/// throws Error when it cannot be done.
+/// throws Error when it cannot be done; a block that failed is not in the file then.
 ///
 ///     orv::Writer writer("plate.orv");
 ///     writer.define({"VELOCITY", {"X", "Y", "Z"}, orv::Shape::vector});
@@ -43,7 +33,11 @@ struct Target {
 ///     state.write("VELOCITY", ids, values);
 ///     state.commit();
 ///
-/// It can be moved while no state is open, not copied.
+/// Names are of variables, entity types and zones. They become groups of the file: up to 255 characters without a slash,
+/// and none of "header", "data", "index" and "orvblock". Other texts have up to 256 characters; what is longer is cut.
+///
+/// It can be moved while no state is open, not copied; one that was moved from can only be assigned to or destroyed. It
+/// must live longer than its states.
 class Writer {
  public:
   struct Options {
@@ -54,106 +48,111 @@ class Writer {
 
   /// Makes a file. One that is there is replaced.
   explicit Writer(std::string path) : Writer(std::move(path), Options()) {}
-  Writer(std::string path, Options options) : path_(std::move(path)), version_(options.version) {
+  Writer(std::string path, Options options)
+      : path_(std::move(path)), version_(options.version), units_(path_, options.origin) {
+    has_groups_ = version_ >= ORV_VERSION_2_0;
+    for (const Component& column : options.index) {  // while the file that is there still is
+      require_name(column.name);
+      (void)units_.ids(path_, column.unit);
+    }
     open(ORV_FILE_CREATE);
-    units_ = detail::UnitTables(path_, options.origin);
     write_origin(options.origin);
     write_index(options.index);
   }
-  /// Opens a file to add states to it. Its variables can be written to as they are.
+  /// Opens a file to add states to it. Its variables can be written to as they are, those of groups by the name of the
+  /// group, and its units used for more of them.
   static Writer append(std::string path);
 
   const std::string& path() const noexcept { return path_; }
-  /// The filer underneath, for all that is not offered here.
+  /// The filer underneath, for all that is not offered here. It lives as long as this object.
   ORVFiler& filer() noexcept { return *filer_; }
 
   /// A variable: what its values are. Goes before them.
   void define(const Quantity& quantity) {
+    require_name(quantity.name);
+    if (known_.taken.count(quantity.name) > 0) {
+      fail("\"" + quantity.name + "\" is defined already", "give another name");
+    }
+    const std::size_t count = quantity.components.size();
+    const std::size_t needed = detail::components_of(quantity.shape);
+    if (count == 0 || (needed != 0 && count != needed)) {
+      fail("\"" + quantity.name + "\" has " + std::to_string(count) + " components, which do not make its shape",
+           "a vector and a plane tensor have 3, a tensor has 6, scalars have 1 or more");
+    }
     write_variable(quantity);
-    if (has_groups()) write_group(quantity.name, {quantity});
-    components_[quantity.name] = quantity.components.size();
+    if (has_groups_) write_group(quantity.name, {quantity});
+    known_.taken.insert(quantity.name);
+    known_.variables.insert_or_assign(quantity.name, detail::KnownNames::Defined{quantity.name, count});
   }
 
-  /// Elements of one type, in the constant section.
+  /// Elements of one type, in the constant section. Without parts all are of part 1. Nothing for no elements.
   void elements(const Elements& elements) {
-    std::vector<int> ids = narrow(elements.ids), nodes = narrow(elements.nodes), parts = narrow(elements.parts);
-    if (parts.empty()) parts.assign(ids.size(), 1);
-    if (nodes.size() != ids.size() * elements.nodes_per_element || parts.size() != ids.size()) {
-      fail("elements of type \"" + elements.type + "\" have lists of unequal lengths",
-           "give nodes_per_element nodes and a part for each");
-    }
+    if (elements.ids.empty() && elements.nodes.empty()) return;
+    require_name(elements.type);
+    detail::ElementArrays arrays(path_, elements);
     ORVEleConnectivity block;
-    detail::assign(block.m_etyp, elements.family);
-    detail::assign(block.m_etypelem, elements.type);
-    detail::assign(block.m_etyppart, elements.part_type);
-    detail::assign(block.m_etypnode, elements.node_type);
-    block.m_nele = static_cast<std::int64_t>(ids.size());
-    block.m_npele = static_cast<std::int64_t>(elements.nodes_per_element);
-    block.m_ndim = elements.dimension;
-    block.m_idele = ids.data();
-    block.m_pid = parts.data();
-    block.m_ic = nodes.data();
+    arrays.fill(block);
     write(block, 0, kModel, "elements of type \"" + elements.type + "\"");
   }
 
-  /// Parts of one type, in the constant section. Materials are stored if the first part has one.
+  /// Parts in the constant section, all of a type at once. Materials, and their types, are stored if a part has one; those
+  /// of the others are 0 then.
   void parts(const std::vector<Part>& parts) {
-    if (parts.empty()) return;
-    std::vector<int> ids, materials;
-    std::vector<std::string> titles;
-    for (const Part& part : parts) {
-      ids.push_back(narrow(part.id));
-      titles.push_back(part.title);
-      materials.push_back(part.material.value_or(0));
+    std::vector<Part> rest = parts;
+    while (!rest.empty()) {
+      const std::string type = rest.front().type;
+      const auto is_other = [&](const Part& part) { return part.type != type; };
+      const auto others = std::stable_partition(rest.begin(), rest.end(), [&](const Part& p) { return !is_other(p); });
+      require_name(type);
+      detail::PartArrays arrays(path_, {rest.begin(), others}, version_ < ORV_VERSION_2_0);
+      ORVPart block;
+      arrays.fill(block);
+      write(block, 0, kModel, "parts of type \"" + type + "\"");
+      rest.erase(rest.begin(), others);
     }
-    std::size_t width = 1;
-    for (const std::string& title : titles) width = std::max(width, title.size());
-    if (!has_groups()) width = detail::kFieldWidth;
-    std::vector<char> slots = detail::fields_of(titles, width);
-    slots.push_back('\0');
-    ORVPart block;
-    detail::assign(block.m_etyppart, parts.front().type);
-    block.m_npart = static_cast<std::int64_t>(ids.size());
-    block.m_length = static_cast<int>(width);
-    block.m_pid = ids.data();
-    block.m_title = slots.data();
-    if (parts.front().material) block.m_mid = materials.data();
-    write(block, 0, kModel, "parts");
   }
 
   /// Node ids and their coordinates, ids x 3, as constant values of "COORDINATE", which is defined if it is not.
   template <class Ids, class Numbers>
   void nodes(const Ids& ids, const Numbers& xyz, const std::string& unit = {}) {
-    if (components_.count("COORDINATE") == 0) {
+    if (known_.variables.count("COORDINATE") == 0) {
       define({"COORDINATE", {"X", "Y", "Z"}, Shape::vector, unit, "CLASS_LENGTH"});
     }
     constant("COORDINATE", ids, xyz);
   }
 
-  /// Values that hold for all states: ids x layers x components, row-major, float or double.
+  /// Values that hold for all states: ids x layers x components, row-major. Ids are integers of 32 bits, numbers float or
+  /// double, in containers with `data()` and `size()`. They are only read.
   template <class Ids, class Numbers>
   void constant(const std::string& variable, const Ids& ids, const Numbers& values, const Target& target = {}) {
-    write_values(0, {}, variable, ids, values, target);
+    write_values(0, {}, variable, ids, values, target, known_.constant);
   }
 
   /// A state that is being written. It appears in the file with `commit`; without, nothing of it does.
   class StateScope {
    public:
     StateScope(StateScope&& other) noexcept
-        : writer_(std::exchange(other.writer_, nullptr)), number_(other.number_), index_(std::move(other.index_)) {}
+        : writer_(std::exchange(other.writer_, nullptr)),
+          number_(other.number_),
+          index_(std::move(other.index_)),
+          written_(std::move(other.written_)),
+          known_before_(std::move(other.known_before_)) {}
     StateScope(const StateScope&) = delete;
     StateScope& operator=(const StateScope&) = delete;
     StateScope& operator=(StateScope&&) = delete;
     ~StateScope() {
-      if (writer_) (void)writer_->filer_->EndState(false);  // drops it, which cannot fail in a way to be told here
+      if (!writer_) return;
+      (void)writer_->filer_->EndState(false);  // drops it, which cannot fail in a way to be told here
+      std::swap(writer_->known_, known_before_);
     }
 
     int number() const noexcept { return number_; }  ///< 1-based
 
-    /// Values of a defined variable: ids x layers x components, row-major, float or double.
+    /// Values of a defined variable: ids x layers x components, row-major; see `constant`. Throws Error for values of which
+    /// the state has some already: the state can be gone on with. After a failed write it can only be dropped.
     template <class Ids, class Numbers>
     void write(const std::string& variable, const Ids& ids, const Numbers& values, const Target& target = {}) {
-      writer().write_values(number_, index_, variable, ids, values, target);
+      writer().write_values(number_, index_, variable, ids, values, target, written_);
     }
     /// The same for values as a File gives them.
     template <class T>
@@ -162,12 +161,19 @@ class Writer {
             {values.entity, values.on_elements ? static_cast<int>(values.layers) : 0, values.is_complex, values.zone});
     }
 
-    /// Throws Error when the state cannot be written: the file is then as it was before.
+    /// Throws Error when the state cannot be written, or has nothing in it: the file is then as it was before.
     void commit() {
       Writer& ended = writer();
+      const detail::LibraryText text;
       writer_ = nullptr;
       if (ended.filer_->EndState() != 0) {
-        ended.fail("cannot be written: " + detail::library_text("writing failed"), kAdvice, number_);
+        std::swap(ended.known_, known_before_);
+        ended.fail("cannot be written: " + text.or_else("writing failed"), kAdvice, number_);
+      }
+      int states = 0;
+      const bool may_be_missing = written_.empty();  // unless something came through the filer
+      if (may_be_missing && (ReadNumState(ended.path_.c_str(), &states) != 0 || states < number_)) {
+        ended.fail("has nothing to hold", "write values before the commit", number_);
       }
       ended.states_ = std::max(ended.states_, number_);
     }
@@ -175,24 +181,32 @@ class Writer {
    private:
     friend class Writer;
     StateScope(Writer& writer, int number, std::vector<double> index)
-        : writer_(&writer), number_(number), index_(std::move(index)) {}
+        : writer_(&writer), number_(number), index_(std::move(index)), known_before_(writer.known_) {}
 
     Writer& writer() const {
-      if (!writer_) throw std::logic_error("orv::Writer::StateScope: the state has been written already");
+      if (!writer_) throw std::logic_error("orv::Writer::StateScope: the state has ended already");
       return *writer_;
     }
 
     Writer* writer_;
     int number_;
     std::vector<double> index_;
+    detail::Places written_;
+    detail::KnownNames known_before_;  ///< what the writer defines meanwhile goes with the state
   };
 
-  /// Begins the next state, with its row of the index: a value for each column.
+  /// Begins the next state, with its row of the index: a value for each column. One at a time.
   StateScope state(double time) { return state(std::vector<double>{time}); }
   StateScope state(std::vector<double> index) {
     const int number = states_ + 1;
+    if (index.size() != columns_) {
+      fail("the state index has " + std::to_string(columns_) + " columns and got " + std::to_string(index.size()),
+           "give a value for each", number);
+    }
+    const detail::LibraryText text;
     if (filer_->BeginState(number) != 0) {
-      fail("cannot be written: " + detail::library_text("another state is being written"), kAdvice, number);
+      fail("cannot be written: " + text.or_else("another state is being written, or somebody else writes"), kAdvice,
+           number);
     }
     return {*this, number, std::move(index)};
   }
@@ -206,10 +220,14 @@ class Writer {
 
   Writer() = default;
 
-  bool has_groups() const { return version_ >= ORV_VERSION_2_0; }
-
   [[noreturn]] void fail(const std::string& what, const std::string& hint, int state = Error::kNoState) const {
     throw Error(path_, what, hint, {}, state);
+  }
+
+  void require_name(const std::string& name) const {
+    if (detail::is_block_name(name)) return;
+    fail("\"" + name + "\" is no name for something in a file",
+         "names have 1 to 255 characters without a slash or a blank at the end, and some words are taken");
   }
 
   void open(_ORVFileMode mode) {
@@ -220,8 +238,9 @@ class Writer {
   }
 
   void write(ORVBlock& block, int state, int what, const std::string& described_as) {
+    const detail::LibraryText text;
     if (filer_->WriteBlock(&block, state, what) == 0) return;
-    fail(described_as + " cannot be written: " + detail::library_text("writing failed"), kAdvice, state);
+    fail(described_as + " cannot be written: " + text.or_else("writing failed"), kAdvice, state);
   }
 
   void write_origin(const Origin& origin) {
@@ -234,7 +253,8 @@ class Writer {
     write(block, 0, units_.empty() ? ORV_WRITE_HEADER : kModel, "the unit system");
   }
 
-  /// From version 2.0 on the columns are named by the variables of a group.
+  /// The columns are named by variables: from version 2.0 on those of a group, before by those of their names, which tell
+  /// the units.
   void write_index(const std::vector<Component>& columns) {
     columns_ = columns.size();
     if (columns.empty()) return;
@@ -243,15 +263,19 @@ class Writer {
     for (const Component& column : columns) {
       names.push_back(column.name);
       quantities.push_back({column.name, {column.name}, Shape::scalar, column.unit, {}});
+      known_.taken.insert(column.name);
     }
     std::vector<char> fields = detail::fields_of(names);
     ORVSimulationType block;
     block.m_nindex = static_cast<std::int64_t>(names.size());
     block.m_pEtypindex = fields.data();
-    if (has_groups()) {
-      for (const Quantity& quantity : quantities) write_variable(quantity);
+    for (const Quantity& quantity : quantities) {
+      if (has_groups_ || !quantity.unit.empty()) write_variable(quantity);
+    }
+    if (has_groups_) {
       write_group(kIndexGroup, quantities);
       detail::assign(block.m_etypvar, kIndexGroup);
+      known_.taken.insert(kIndexGroup);
     }
     write(block, 0, kModel, "the index types");
   }
@@ -272,92 +296,80 @@ class Writer {
     write(block, 0, kModel, "variable group \"" + name + "\"");
   }
 
-  int narrow(std::int64_t id) const {
-    if (id < std::numeric_limits<int>::min() || id > std::numeric_limits<int>::max()) {
-      fail("id " + std::to_string(id) + " does not fit into 32 bits", "number the entities anew");
-    }
-    return static_cast<int>(id);
-  }
-  template <class Ids>
-  std::vector<int> narrow(const Ids& ids) const {
-    std::vector<int> narrowed;
-    narrowed.reserve(ids.size());
-    for (const auto id : ids) narrowed.push_back(narrow(static_cast<std::int64_t>(id)));
-    return narrowed;
-  }
-
-  /// `ids` is a container of integers, `values` one of floats or doubles with `data()` and `size()`.
   template <class Ids, class Numbers>
-  void write_values(int state, const std::vector<double>& index, const std::string& variable, const Ids& ids,
-                    const Numbers& values, const Target& target) {
+  void write_values(int state, std::vector<double> index, const std::string& variable, const Ids& ids,
+                    const Numbers& values, const Target& target, detail::Places& places) {
     using Number = std::remove_cv_t<std::remove_pointer_t<decltype(values.data())>>;
     static_assert(std::is_same_v<Number, float> || std::is_same_v<Number, double>, "values are floats or doubles");
-    const auto known = components_.find(variable);
-    if (known == components_.end()) fail("the variable \"" + variable + "\" is not defined", "define it first", state);
-    std::vector<int> narrowed = narrow(ids);
-    const std::size_t layers = target.layers > 0 ? static_cast<std::size_t>(target.layers) : 1;
-    const std::size_t expected = narrowed.size() * layers * known->second * (target.is_complex ? 2 : 1);
-    if (values.size() != expected) {
-      fail("\"" + variable + "\" needs " + std::to_string(expected) + " numbers and got " +
-               std::to_string(values.size()),
-           "give ids x layers x components of them, pairs for complex values", state);
+    const auto known = known_.variables.find(variable);
+    if (known == known_.variables.end())
+      fail("the variable \"" + variable + "\" is not defined", "define it first", state);
+    require_target(target);
+    const auto& [name, components] = known->second;
+    std::vector<int> narrowed = detail::narrow(path_, ids);
+    require_count(variable, narrowed.size(), values.size(), components, target, state);
+    const std::string described_as = "\"" + variable + "\" of " + target.entity;
+    if (!places.add(target.entity, name, target.zone)) {
+      fail(described_as + " has values there already", "write all of them at once, or in zones", state);
     }
-    ORVResult result(kind_of(target));
-    result.SetEntityAndVarName(target.entity, variable);
-    detail::assign(result.m_etypzone, target.zone);
-    detail::assign(result.m_subBlockName, target.zone);
-    result.m_nent = static_cast<std::int64_t>(narrowed.size());
-    result.m_numl = static_cast<std::int64_t>(layers);
-    result.m_ncoo = static_cast<std::int64_t>(known->second);
-    result.m_readIds = 1;  // writes the ids beside the values
-    result.m_entid = narrowed.data();
-    result.m_res = const_cast<Number*>(values.data());  // only read
-    result.m_resType = std::is_same_v<Number, float> ? ORV_FLOAT : ORV_DOUBLE;
-    write_result(state, index, result, "\"" + variable + "\" of " + target.entity);
+    ORVResult result = detail::result_of(name, target, components, narrowed, values.data());
+    try {
+      write_result(state, std::move(index), result, described_as);
+    } catch (...) {
+      places.remove(target.entity, name, target.zone);
+      throw;
+    }
   }
 
-  static int kind_of(const Target& target) {
-    if (target.layers > 0) return target.is_complex ? ORV_RESULT_ELEMENT_COMPLEX : ORV_RESULT_ELEMENT;
-    return target.is_complex ? ORV_RESULT_ENTITY_COMPLEX : ORV_RESULT_ENTITY;
+  void require_target(const Target& target) const {
+    require_name(target.entity);
+    if (target.zone.empty()) return;
+    require_name(target.zone);
+    if (detail::same_word(target.zone, "ZONE")) fail("\"ZONE\" stands for no zone", "give another name");
+  }
+
+  void require_count(const std::string& variable, std::size_t ids, std::size_t numbers, std::size_t components,
+                     const Target& target, int state) const {
+    const std::size_t layers = target.layers > 0 ? static_cast<std::size_t>(target.layers) : 1;
+    const std::size_t expected = ids * layers * components * (target.is_complex ? 2 : 1);
+    if (ids > 0 && numbers == expected) return;
+    fail("\"" + variable + "\" needs " + std::to_string(expected) + " numbers and got " + std::to_string(numbers),
+         "give ids, and ids x layers x components numbers, pairs for complex values", state);
   }
 
   /// Columns are told apart by their place; the identifier of a row is the state.
   void write_result(int state, std::vector<double> index, ORVResult& result, const std::string& described_as) {
-    if (state == 0) return write(result, 0, kModel, described_as);
-    if (index.size() != columns_) {
-      fail("the state index has " + std::to_string(columns_) + " columns and got " + std::to_string(index.size()),
-           "give a value for each", state);
-    }
-    std::vector<int> identifiers(columns_, state);
-    result.m_nindex = static_cast<std::int64_t>(columns_);
+    std::vector<int> identifiers(index.size(), state);
+    result.m_nindex = static_cast<std::int64_t>(index.size());
     result.m_indexident = identifiers.data();
     result.m_indexval = index.data();
     result.m_indexvalType = ORV_DOUBLE;
-    write(result, state, kModel | ORV_WRITE_INDEX, described_as);
+    write(result, state, index.empty() ? kModel : kModel | ORV_WRITE_INDEX, described_as);
   }
 
   std::string path_;
   _ORVVersion version_ = ORV_VERSION_2_2;
-  std::unique_ptr<ORVFiler> filer_;
   detail::UnitTables units_;
+  bool has_groups_ = true;  ///< results are bound to groups of variables
+  std::unique_ptr<ORVFiler> filer_;
   std::size_t columns_ = 0;
   int states_ = 0;
-  std::map<std::string, std::size_t> components_;  ///< of each variable
+  detail::KnownNames known_;
 };
 
 inline Writer Writer::append(std::string path) {
   Writer writer;
   writer.path_ = std::move(path);
   detail::Reader reader(writer.path_);
-  writer.states_ = reader.states();
   ORVFiler& filer = reader.filer();
-  const ORVSimulationType* types = filer.GetIndexTypes();
-  writer.columns_ = types && types->m_nindex > 0 ? static_cast<std::size_t>(types->m_nindex) : 0;
-  for (const ORVVariable* variable : filer.GetVariables()) {
-    if (variable->m_ncoo < 1) continue;
-    writer.components_[detail::text_of(variable->m_varnam)] = static_cast<std::size_t>(variable->m_ncoo);
-  }
+  writer.states_ = reader.states();
+  writer.columns_ = detail::index_width(filer);
+  writer.known_ = detail::known_names(filer);
   writer.version_ = detail::version_of(filer);
+  const bool is_undefined = filer.GetVariables().empty() && writer.version_ >= ORV_VERSION_2_0;
+  writer.has_groups_ =
+      is_undefined || !filer.GetVariableGroups().empty();  // as it is, or its results are bound no more
+  if (filer.GetSystem()) writer.units_ = detail::UnitTables(*filer.GetSystem());
   writer.open(ORV_FILE_APPEND);
   return writer;
 }

@@ -65,6 +65,9 @@ inline _ORVVersion version_of(ORVFiler& filer) {
   return static_cast<_ORVVersion>((version && version->m_major >= 2 ? ORV_VERSION_2_0 : ORV_VERSION_1_0) + minor);
 }
 
+/// Components that make a shape; 0 for any number of them.
+inline std::size_t components_of(Shape shape) { return shape == Shape::scalar ? 0 : shape == Shape::tensor ? 6 : 3; }
+
 inline int rank_of(Shape shape) { return shape == Shape::scalar ? 0 : shape == Shape::vector ? 1 : 2; }
 
 inline void name_variable(const Quantity& quantity, ORVVariable& block) {

@@ -108,7 +108,7 @@ inline std::vector<Component> index_columns(ORVFiler& filer, std::size_t count) 
   std::vector<Component> columns;
   for (std::size_t i = 0; i < count; ++i) {
     const bool is_named = types && i < static_cast<std::size_t>(types->m_nindex);
-    std::string name = is_named ? text_of(types->m_pEtypindex + i * kFieldWidth) : "";
+    std::string name = is_named && types->m_pEtypindex ? text_of(types->m_pEtypindex + i * kFieldWidth) : "";
     if (name.empty()) name = "index " + std::to_string(i + 1);
     const bool is_member = group && i < group->m_variables.size();
     ORVVariable* variable = is_member ? group->m_variables[i] : filer.GetVariable(name.c_str());
@@ -118,10 +118,10 @@ inline std::vector<Component> index_columns(ORVFiler& filer, std::size_t count) 
   return columns;
 }
 
-/// A stored component of a block, and the handle by which it is fetched.
+/// A stored component of a block, and its place among those of the block, from 0.
 struct Column {
   Component component;
-  int iid = -1;
+  int place = -1;
 };
 
 /// Components without a label are numbered, from `first` on.
@@ -132,7 +132,7 @@ inline void append_columns(ORVFiler& filer, ORVVariable& variable, std::vector<C
     if (handle->GeIndex() == -1 || place >= variable.m_ncoo) continue;
     std::string label = label_of(variable, place);
     if (label.empty()) label = "C" + std::to_string(first + static_cast<std::size_t>(place) + 1);
-    columns.push_back({{std::move(label), unit_of(filer, variable, static_cast<int>(place))}, handle->GetIID()});
+    columns.push_back({{std::move(label), unit_of(filer, variable, static_cast<int>(place))}, handle->GeIndex()});
     ++place;
   }
 }
@@ -156,7 +156,7 @@ inline std::vector<Column> columns_of(ORVFiler& filer, const ORVResult& block, c
 /// The stored components that a handle stands for, in order.
 inline std::vector<Column> columns_of(ORVFiler& filer, const ORVExtVar& handle) {
   const auto column = [](const ORVExtVar& stored) {
-    return Column{{stored.GetName(), stored.GetUnit() ? stored.GetUnit()->GetUnitCStr() : ""}, stored.GetIID()};
+    return Column{{stored.GetName(), stored.GetUnit() ? stored.GetUnit()->GetUnitCStr() : ""}, stored.GeIndex()};
   };
   if (handle.GeIndex() != -1) return {column(handle)};
   std::vector<Column> columns;
@@ -169,13 +169,26 @@ inline std::vector<Column> columns_of(ORVFiler& filer, const ORVExtVar& handle) 
   return columns;
 }
 
-/// The one variable whose components are all that a block holds; null where there are more.
-inline const ORVVariable* only_variable(const ORVResult& block) {
-  const ORVVariable* variable = block.m_variable;
-  if (!variable && block.m_variableGrp && block.m_variableGrp->m_variables.size() == 1) {
-    variable = block.m_variableGrp->m_variables.front();
+/// The name of the one variable whose components are all that a block holds, in their order, as a fetch by name wants
+/// it; empty where there are more.
+inline std::string only_variable(const ORVResult& block) {
+  if (block.m_variable) return block.m_variable->m_ncoo == block.m_ncoo ? text_of(block.m_variable->m_varnam) : "";
+  if (!block.m_variableGrp || block.m_variableGrp->m_variables.size() != 1) return {};
+  const ORVVariable& variable = *block.m_variableGrp->m_variables.front();
+  if (variable.m_ncoo != block.m_ncoo) return {};
+  std::string key = text_of(variable.m_varkey);
+  return key.empty() ? text_of(variable.m_varnam) : key;
+}
+
+/// What values of a block are called that were asked for by a name: a variable of several in the block by its own name.
+inline std::string name_of(const ORVResult& block, const std::string& asked) {
+  const ORVVariableGrp* group = block.m_variableGrp;
+  if (group && group->m_variables.size() > 1 && !same_word(text_of(group->m_grpName), asked)) {
+    for (const ORVVariable* variable : group->m_variables) {
+      if (is_called(*variable, asked)) return text_of(variable->m_varnam);
+    }
   }
-  return variable && variable->m_ncoo == block.m_ncoo ? variable : nullptr;
+  return text_of(block.m_etypvar);
 }
 
 }  // namespace orv::detail

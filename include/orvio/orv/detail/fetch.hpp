@@ -3,10 +3,11 @@
 /// Values and ids of one block, in memory that a host owns.
 
 #include <algorithm>
-#include <climits>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <numeric>
 #include <string>
 #include <system_error>
@@ -21,61 +22,10 @@
 
 namespace orv::detail {
 
-[[noreturn]] inline void refuse(const std::string& file, const ORVResult& block, int state) {
-  throw Error(file, "values cannot be read: " + library_text("reading failed"),
+[[noreturn]] inline void refuse(const std::string& file, const ORVResult& block, int state,
+                                const LibraryText& text = {}) {
+  throw Error(file, "values cannot be read: " + text.or_else("they are not what their header announces"),
               "the file is damaged, or from another kind of writer", block.GetBlkPath(), state);
-}
-
-/// A request for one block. The arrays of an answer are freed with it, but those that were taken.
-template <class T>
-class Fetch : public ORVResultValuesBase<T, int> {
- public:
-  /// `layer` counts from 1; 0 for all.
-  Fetch(int state, int layer) {
-    this->m_state = state;
-    this->m_layer = layer > 0 ? layer - 1 : static_cast<int>(ORV_ALL_LAYERS);
-  }
-  Fetch(const Fetch&) = delete;
-  Fetch& operator=(const Fetch&) = delete;
-  ~Fetch() override { this->DeleteAllocation(true); }
-
-  bool run(ORVFiler& filer, ORVResult& block, const char* variable) { return run(filer, block, kByName, variable); }
-  bool run(ORVFiler& filer, ORVResult& block, int iid) { return run(filer, block, iid, nullptr); }
-
-  /// One value per entity, with what earlier states changed, and the ids.
-  bool run_merged(ORVFiler& filer, ORVResult& block, int iid) {
-    std::vector<ORVResult*> blocks = {&block};
-    this->m_wantIds = 1;
-    return filer.GetIncrValues(*this, blocks, iid, kNoType, nullptr) == 0 && this->m_idCount == this->m_valueCount;
-  }
-
-  Buffer<T> take() {
-    const auto size = static_cast<std::size_t>(this->m_valueCount);
-    return Buffer<T>(std::exchange(this->m_values, nullptr), size);
-  }
-  std::vector<std::int64_t> ids() const { return {this->m_ids, this->m_ids + this->m_idCount}; }
-
- private:
-  static constexpr int kByName = -1;
-  static constexpr int kNoType = -1;
-
-  bool run(ORVFiler& filer, ORVResult& block, int iid, const char* variable) {
-    std::vector<ORVResult*> blocks = {&block};
-    return filer.GetValues(*this, blocks, iid, kNoType, variable) == 0 && this->m_valueCount > 0;
-  }
-};
-
-/// Puts the values of single components side by side. All have the same size.
-template <class T>
-Buffer<T> interleave(const std::vector<Buffer<T>>& columns, std::size_t parts) {
-  Buffer<T> rows(columns.front().size() * columns.size());
-  T* out = rows.data();
-  for (std::size_t place = 0; place < columns.front().size(); place += parts) {
-    for (const Buffer<T>& column : columns) {
-      for (std::size_t part = 0; part < parts; ++part) *out++ = column[place + part];
-    }
-  }
-  return rows;
 }
 
 /// Whether a file can hold so many values at all. Counts of a damaged header end here; what is left of them ends at the
@@ -87,88 +37,220 @@ inline bool fits_into(const std::string& file, double count) {
   return !error && count <= bytes * kValuesPerByte;
 }
 
-/// All layers of all components of elements in one read: a fetch by name takes one layer, and one by handle a component.
-template <class T>
-Buffer<T> read_elements_whole(const std::string& file, const ORVResult& block, int state) {
-  ORVResult reader = block;
-  if (state > 0 && reader.ReadBlock(file.c_str(), state, ORV_READ_HEADER) != 0) refuse(file, block, state);
-  const double count = static_cast<double>(reader.m_nent) * static_cast<double>(layers_of(reader)) *
-                       static_cast<double>(reader.m_ncoo) * static_cast<double>(parts_of(reader));
-  if (reader.m_nent < 1 || reader.m_ncoo < 1 || layers_of(reader) != layers_of(block) || !fits_into(file, count)) {
-    refuse(file, block, state);
+/// Which values of a block are read. Layers count from 1; 0 for all.
+struct Cut {
+  static constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
+
+  int layer = 0;
+  std::size_t first = 0, entities = kAll;
+};
+
+/// A block as it stands in a state (0 for the constant section, below 0 over all states), and where that is.
+struct Source {
+  const std::string& file;
+  ORVFiler& filer;
+  const ORVResult& block;
+  int state;
+};
+
+/// Counts of what is cut out of a block.
+struct Extents {
+  std::size_t states = 1, entities = 0, layers = 1, parts = 1;
+
+  std::size_t rows() const { return states * entities * layers; }
+};
+
+/// Throws Error for counts that the file cannot hold.
+inline Extents extents_of(const Source& from, const std::vector<Column>& columns, const Cut& cut) {
+  const ORVResult& block = from.block;
+  const bool is_multistate = block.IsMultistateBlk();
+  const bool has_counts = block.m_nent >= 1 && block.m_ncoo >= 1 && (!is_multistate || block.m_nstate >= 1);
+  const auto is_stored = [&](const Column& column) { return column.place >= 0 && column.place < block.m_ncoo; };
+  const bool has_columns = !columns.empty() && std::all_of(columns.begin(), columns.end(), is_stored);
+  if (!has_counts || !has_columns || static_cast<std::size_t>(cut.layer) > layers_of(block)) {
+    refuse(from.file, block, from.state);
   }
-  Buffer<T> values(static_cast<std::size_t>(count));
-  reader.m_res = values.data();
+  Extents extents;
+  extents.states = is_multistate ? static_cast<std::size_t>(block.m_nstate) : 1;
+  extents.entities = cut.entities == Cut::kAll ? static_cast<std::size_t>(block.m_nent) : cut.entities;
+  extents.layers = cut.layer > 0 ? 1 : layers_of(block);
+  extents.parts = parts_of(block);
+  const double count = static_cast<double>(extents.states) * static_cast<double>(extents.entities) *
+                       static_cast<double>(extents.layers) * static_cast<double>(columns.size()) *
+                       static_cast<double>(extents.parts);
+  if (!fits_into(from.file, count)) refuse(from.file, block, from.state);
+  return extents;
+}
+
+/// A request for one block whose arrays are freed with it, but those that were taken.
+template <class T>
+class Fetch : public ORVResultValuesBase<T, int> {
+ public:
+  explicit Fetch(int state) {
+    this->m_state = state;
+    this->m_layer = 0;
+  }
+  Fetch(const Fetch&) = delete;
+  Fetch& operator=(const Fetch&) = delete;
+  ~Fetch() override { this->DeleteAllocation(true); }
+
+  bool run(ORVFiler& filer, ORVResult& block, const std::string& variable) {
+    constexpr int kByName = -1, kNoType = -1;
+    std::vector<ORVResult*> blocks = {&block};
+    return filer.GetValues(*this, blocks, kByName, kNoType, variable.c_str()) == 0 && this->m_valueCount > 0;
+  }
+  Buffer<T> take() {
+    const auto size = static_cast<std::size_t>(this->m_valueCount);
+    return Buffer<T>(std::exchange(this->m_values, nullptr), size);
+  }
+};
+
+/// A copy of a block that is read into memory of this side.
+inline ORVResult reader_of(const ORVResult& block) {
+  ORVResult reader = block;
+  reader.ResetSection(ORV_READ_DATA);  // a host may have memory of its own behind the block, and settings
+  reader.m_complexOutput = 0;
+  reader.m_readIds = 0;
+  return reader;
+}
+
+/// All values of a block with one variable and no layers. They come without being touched on the way; empty where the
+/// block is another one.
+template <class T>
+Buffer<T> fetch_at_once(const Source& from, const std::vector<Column>& columns, const Cut& cut) {
+  const std::string variable = only_variable(from.block);
+  const bool has_layers = from.block.IsElementResult() && layers_of(from.block) > 1;
+  const bool is_whole = columns.size() == static_cast<std::size_t>(from.block.m_ncoo) && cut.entities == Cut::kAll;
+  if (variable.empty() || !is_whole || has_layers || from.block.IsMultistateBlk()) return {};
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (columns[i].place != static_cast<int>(i)) return {};
+  }
+  ORVResult reader = reader_of(from.block);
+  Fetch<T> request(from.state);
+  return request.run(from.filer, reader, variable) ? request.take() : Buffer<T>();
+}
+
+/// Components that stand side by side in a block.
+struct ComponentRun {
+  std::size_t first = 0, count = 0;
+};
+
+inline std::vector<ComponentRun> runs_of(const std::vector<Column>& columns) {
+  std::vector<ComponentRun> runs;
+  for (const Column& column : columns) {
+    const auto place = static_cast<std::size_t>(column.place);
+    if (!runs.empty() && runs.back().first + runs.back().count == place) {
+      ++runs.back().count;
+    } else {
+      runs.push_back({place, 1});
+    }
+  }
+  return runs;
+}
+
+/// Reads a run of components: states x entities x layers x components x parts. False when it cannot be read.
+template <class T>
+bool read_run(const Source& from, const Extents& extents, const ComponentRun& run, const Cut& cut, T* values) {
+  ORVResult reader = reader_of(from.block);
+  reader.m_res = values;
   reader.m_resType = std::is_same_v<T, float> ? ORV_FLOAT : ORV_DOUBLE;
-  if (reader.ReadAttribute(file.c_str(), state, ORV_READ_DATA, ORV_ATT_RES) != 0) refuse(file, block, state);
+  std::array<int, 8> axes = {};
+  const int rank = reader.GetResDataSetDimension(axes.data());
+  const auto read = [&](bool with_layers) {
+    std::array<std::uint64_t, 8> start = {}, count = {};
+    std::size_t used = 0;
+    for (int i = 0; i < rank; ++i) {
+      const int axis = axes[static_cast<std::size_t>(i)];
+      if (axis == ORV_DIM_LAYER && !with_layers) continue;
+      if (axis == ORV_DIM_LAYER && cut.layer > 0) start[used] = static_cast<std::uint64_t>(cut.layer - 1);
+      if (axis == ORV_DIM_ENTITY) start[used] = cut.first;
+      if (axis == ORV_DIM_COMPONENT) start[used] = run.first;
+      count[used++] = axis == ORV_DIM_LAYER       ? extents.layers
+                      : axis == ORV_DIM_ENTITY    ? extents.entities
+                      : axis == ORV_DIM_COMPONENT ? run.count
+                      : axis == ORV_DIM_STATE     ? extents.states
+                                                  : extents.parts;
+    }
+    return reader.ReadSelectiveAttribute(from.file.c_str(), from.state, ORV_READ_DATA, ORV_ATT_RES,
+                                         static_cast<int>(used), start.data(), count.data(), nullptr, nullptr,
+                                         false) == 0;
+  };
+  // Elements that announce no layers may be stored without that axis.
+  const bool may_lack_layers = from.block.IsElementResult() && from.block.m_numl == 0;
+  return (may_lack_layers && read(false)) || read(true);
+}
+
+/// Values of the columns of a block: states x entities x layers x columns x parts. The counts of the block must be those
+/// of its header there. Throws Error.
+template <class T>
+Buffer<T> fetch(const Source& from, const std::vector<Column>& columns, const Cut& cut) {
+  const LibraryText text;
+  const Extents extents = extents_of(from, columns, cut);
+  const std::size_t width = columns.size() * extents.parts;
+  Buffer<T> whole = fetch_at_once<T>(from, columns, cut);
+  if (whole.size() == extents.rows() * width) return whole;
+  const std::vector<ComponentRun> runs = runs_of(columns);
+  Buffer<T> values(extents.rows() * width);
+  std::size_t column = 0;
+  for (const ComponentRun& run : runs) {
+    const std::size_t run_width = run.count * extents.parts;
+    Buffer<T> own(runs.size() > 1 ? extents.rows() * run_width : 0);
+    T* const read = runs.size() > 1 ? own.data() : values.data();
+    if (!read_run(from, extents, run, cut, read)) refuse(from.file, from.block, from.state, text);
+    for (std::size_t row = 0; row < extents.rows() && runs.size() > 1; ++row) {
+      std::copy_n(read + row * run_width, run_width, values.data() + row * width + column);
+    }
+    column += run_width;
+  }
   return values;
 }
 
-/// Values of the columns of a block: entities x layers x columns x parts, before these the states of a block that holds
-/// all of them. Throws Error.
-template <class T>
-Buffer<T> fetch(const std::string& file, ORVFiler& filer, ORVResult& block, const std::vector<Column>& columns,
-                int state, int layer) {
-  const ORVVariable* whole = only_variable(block);
-  if (whole && static_cast<std::size_t>(whole->m_ncoo) == columns.size()) {
-    if (layers_of(block) > 1 && layer == 0 && !block.IsMultistateBlk()) {
-      return read_elements_whole<T>(file, block, state);
-    }
-    Fetch<T> all(state, layer);
-    const bool has_all_layers = layers_of(block) == 1 || layer > 0;
-    if (has_all_layers && all.run(filer, block, text_of(whole->m_varnam).c_str())) return all.take();
-  }
-  std::vector<Buffer<T>> read;
-  for (const Column& column : columns) {
-    Fetch<T> one(state, layer);
-    if (!one.run(filer, block, column.iid)) refuse(file, block, state);
-    read.push_back(one.take());
-    if (read.back().size() != read.front().size() || read.back().size() % parts_of(block) != 0) {
-      refuse(file, block, state);
-    }
-  }
-  if (read.empty()) refuse(file, block, state);
-  return read.size() == 1 ? std::move(read.front()) : interleave(read, parts_of(block));
-}
+/// Ids of the entities of a block, and whether they are stored: else they are numbers from 1 on.
+struct Ids {
+  std::vector<std::int64_t> ids;
+  bool are_stored = true;
+};
 
-/// The same for a block that holds at this state nothing but changes: put together from the last full state on. The map of
-/// states must have been made. Layer by layer, so that a damaged number of layers ends at the first that is not there.
-template <class T>
-Buffer<T> fetch_merged(const std::string& file, ORVFiler& filer, ORVResult& block, const std::vector<Column>& columns,
-                       int state, int layer, std::vector<std::int64_t>& ids) {
-  const int first = layer > 0 ? layer : 1;
-  const int last = layer > 0 ? layer : static_cast<int>(std::min<std::size_t>(layers_of(block), INT_MAX));
-  std::vector<Buffer<T>> read;  // layer by layer, column by column
-  for (int i = first; i <= last; ++i) {
-    for (const Column& column : columns) {
-      Fetch<T> one(state, block.IsElementResult() ? i : 0);
-      if (!one.run_merged(filer, block, column.iid)) refuse(file, block, state);
-      if (read.empty()) ids = one.ids();
-      read.push_back(one.take());
-      if (read.back().size() != ids.size()) refuse(file, block, state);
-    }
+/// They may be such that no 32 bits hold them. Throws Error for those that cannot be read.
+inline Ids read_ids(const Source& from) {
+  if (from.block.m_nent < 1 || !fits_into(from.file, static_cast<double>(from.block.m_nent))) {
+    refuse(from.file, from.block, from.state);
   }
-  if (read.empty()) refuse(file, block, state);
-  return interleave(read, 1);
-}
-
-/// Ids of so many entities. Other writers store some that no 32 bits hold, so they are read beside the values. Entities
-/// without ids are numbered.
-inline std::vector<std::int64_t> read_ids(const std::string& file, const ORVResult& block, int state,
-                                          std::size_t count) {
-  std::vector<std::int64_t> ids(count);
-  ORVResult reader = block;
-  reader.m_nent = static_cast<std::int64_t>(count);
-  reader.m_entid = ids.data();
+  const LibraryText text;
+  Ids read;
+  read.ids.resize(static_cast<std::size_t>(from.block.m_nent));
+  ORVResult reader = reader_of(from.block);
+  reader.m_entid = read.ids.data();
   reader.m_entidType = ORV_LONG;
-  if (reader.ReadAttribute(file.c_str(), state, ORV_READ_DATA, ORV_ATT_IDS) == 0) return ids;
+  if (reader.ReadAttribute(from.file.c_str(), from.state, ORV_READ_DATA, ORV_ATT_IDS) == 0) return read;
   std::vector<std::string> names;
   (void)reader.GetDatasetNames(ORV_READ_DATA, names);  // always 0; the ids come last
   std::vector<_ORVDataType> types;
-  (void)reader.ReadDatasetFileDataType(file.c_str(), state, {names.back()}, types);  // the types tell
-  if (!types.empty() && types.front() != ORV_UNKNOWN_TYPE) refuse(file, block, state);
-  std::iota(ids.begin(), ids.end(), 1);
-  return ids;
+  (void)reader.ReadDatasetFileDataType(from.file.c_str(), from.state, {names.back()}, types);  // the types tell
+  if (!types.empty() && types.front() != ORV_UNKNOWN_TYPE) refuse(from.file, from.block, from.state, text);
+  std::iota(read.ids.begin(), read.ids.end(), 1);
+  read.are_stored = false;
+  return read;
+}
+
+/// Whether the entity in a row has an id. False as well where that cannot be told.
+inline bool has_id_in_row(const Source& from, std::size_t row, std::int64_t id) {
+  if (row >= static_cast<std::uint64_t>(from.block.m_nent)) return false;
+  std::int64_t stored = 0;
+  std::uint64_t start = row, count = 1;
+  ORVResult reader = reader_of(from.block);
+  reader.m_entid = &stored;
+  reader.m_entidType = ORV_LONG;
+  const int status = reader.ReadSelectiveAttribute(from.file.c_str(), from.state, ORV_READ_DATA, ORV_ATT_IDS, 1, &start,
+                                                   &count, nullptr, nullptr, false);
+  return status == 0 && stored == id;
+}
+
+/// Whether the values of a block are packed: single rows of them take as long to read as all.
+inline bool is_packed(const Source& from) {
+  ORVResult reader = from.block;
+  std::vector<int> filters;
+  return reader.ReadDatasetFilterIds(from.file.c_str(), from.state, "res", filters) != 0 || !filters.empty();
 }
 
 }  // namespace orv::detail

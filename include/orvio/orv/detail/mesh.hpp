@@ -6,6 +6,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,17 +29,25 @@ class HeaderWalk : public Block {
  public:
   std::vector<Block> run(const std::string& file, int state) {
     (void)this->IterateBlock(file.c_str(), state, ORV_READ_HEADER, take);  // a place that is not there holds none
+    if (failure_) std::rethrow_exception(failure_);
     return std::move(blocks_);
   }
 
  private:
-  static _ORVAction take(int status, int stage, void* /*where*/, void* block) {
+  /// The walk runs inside HDF5: no exception may leave.
+  static _ORVAction take(int status, int stage, void* /*where*/, void* block) noexcept {
     auto& walk = *static_cast<HeaderWalk*>(static_cast<ORVBlock*>(block));
-    if (status == 0 && stage == ORV_READ_HEADER) walk.blocks_.push_back(static_cast<const Block&>(walk));
+    if (status != 0 || stage != ORV_READ_HEADER || walk.failure_) return ORV_ACTION_CONTINUE;
+    try {
+      walk.blocks_.push_back(static_cast<const Block&>(walk));
+    } catch (...) {
+      walk.failure_ = std::current_exception();
+    }
     return ORV_ACTION_CONTINUE;
   }
 
   std::vector<Block> blocks_;
+  std::exception_ptr failure_;
 };
 
 /// Whether a dataset of a block holds so many values, and the file as many bytes as that takes: a dataset of any size can
@@ -60,6 +70,7 @@ inline bool holds_values(const std::string& file, const ORVBlock& block, const c
 }
 
 inline Elements read_elements(const std::string& file, ORVEleConnectivity block, int state) {
+  const LibraryText text;
   const double count = static_cast<double>(block.m_nele), nodes = count * static_cast<double>(block.m_npele);
   const bool is_possible = block.m_nele >= 1 && block.m_npele >= 1;
   if (!is_possible || !holds_values(file, block, "idele", count) || !holds_values(file, block, "ic", nodes)) {
@@ -71,7 +82,8 @@ inline Elements read_elements(const std::string& file, ORVEleConnectivity block,
   elements.node_type = text_of(block.m_etypnode);
   elements.part_type = text_of(block.m_etyppart);
   elements.nodes_per_element = static_cast<std::size_t>(block.m_npele);
-  elements.dimension = static_cast<int>(block.m_ndim);
+  const bool is_dimension = block.m_ndim >= 0 && block.m_ndim <= std::numeric_limits<int>::max();
+  elements.dimension = is_dimension ? static_cast<int>(block.m_ndim) : -1;
   elements.ids.resize(static_cast<std::size_t>(block.m_nele));
   elements.parts.resize(elements.ids.size());
   elements.nodes.resize(elements.ids.size() * elements.nodes_per_element);
@@ -80,7 +92,7 @@ inline Elements read_elements(const std::string& file, ORVEleConnectivity block,
   block.m_ic = elements.nodes.data();
   block.m_ideleType = block.m_pidType = block.m_icType = ORV_LONG;
   if (block.ReadBlockByBlockPath(file.c_str(), ORV_READ_DATA) != 0) {
-    throw Error(file, "elements cannot be read: " + library_text("reading failed"),
+    throw Error(file, "elements cannot be read: " + text.or_else("reading failed"),
                 "the file is damaged, or from another kind of writer", block.GetBlkPath(), state);
   }
   return elements;
@@ -127,7 +139,8 @@ inline void sort_once(IdSet& ids) {
   ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
 }
 
-inline PartMembers members_of(const std::vector<Elements>& all, int part) {
+/// Values of elements stand under their own type or the generic one that it belongs to.
+inline PartMembers members_of(const std::vector<Elements>& all, std::int64_t part) {
   PartMembers members;
   const auto set_of = [&](const std::string& type) -> IdSet& {
     for (auto& [name, ids] : members.sets) {
@@ -140,6 +153,9 @@ inline PartMembers members_of(const std::vector<Elements>& all, int part) {
       if (elements.parts[i] != part) continue;
       const auto first = elements.nodes.begin() + static_cast<std::ptrdiff_t>(i * elements.nodes_per_element);
       set_of(elements.type).push_back(elements.ids[i]);
+      if (!elements.family.empty() && !same_word(elements.family, elements.type)) {
+        set_of(elements.family).push_back(elements.ids[i]);
+      }
       IdSet& nodes = set_of(elements.node_type);
       nodes.insert(nodes.end(), first, first + static_cast<std::ptrdiff_t>(elements.nodes_per_element));
     }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -15,6 +16,7 @@
 
 #include "orvio/orv/detail/definitions.hpp"
 #include "orvio/orv/detail/fetch.hpp"
+#include "orvio/orv/detail/incremental.hpp"
 #include "orvio/orv/detail/mesh.hpp"
 #include "orvio/orv/detail/rows.hpp"
 #include "orvio/orv/detail/text.hpp"
@@ -33,36 +35,59 @@ struct Found {
 /// Where results are looked up: in the states and the constant section, or over all states.
 enum class ResultList { single_state = 1, over_states = 2 };
 
+/// Keeps a file open for the life of the scope.
+class OpenFile {
+ public:
+  OpenFile(ORVFiler& filer, bool is_open_anyway) : filer_(is_open_anyway ? nullptr : &filer) {
+    if (filer_) (void)filer_->KeepFileOpen(true);  // saves time, no more
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() {
+    if (filer_) (void)filer_->KeepFileOpen(false);
+  }
+
+ private:
+  ORVFiler* filer_;
+};
+
 class Reader {
  public:
   static constexpr int kAllStates = -1;  ///< state of a block that holds all of them
 
   explicit Reader(std::string path) : path_(std::move(path)), states_(count_states()) {
-    filer_ = std::make_unique<ORVFiler>(path_.c_str());
+    filer_ = std::make_unique<IndexFiler>(path_.c_str());
     if (!filer_->HasRootGroup("post")) {
       throw Error(path_, "is an HDF5 file without result data (no group /post)", "give a result file");
     }
     filer_->SetConfig(ORV_CONFIG_ASSIGN_UNITS);
-    int next_id = 1;
-    (void)filer_->InitReader(next_id);  // a file without results still has a mesh
+    start_up();
   }
 
   const std::string& path() const noexcept { return path_; }
   ORVFiler& filer() const noexcept { return *filer_; }
   int states() const noexcept { return states_; }
 
-  void require_state(int state) const {
-    if (state >= 0 && state <= states_) return;
+  void require_state(int state, int first = 0) const {
+    if (state >= first && state <= states_) return;
     throw Error(path_, "has no state " + std::to_string(state), "it has " + std::to_string(states_), {}, state);
   }
 
   void refresh() {
     states_ = count_states();
-    filer_->InitForReload();
     learned_.clear();
-    mapped_.clear();
+    chains_.clear();
+    known_rows_ = {};
     members_.clear();
+    start_up();
   }
+
+  void keep_open(bool keep) {
+    is_kept_open_ = keep;
+    (void)filer_->KeepFileOpen(keep);  // a filer with a path answers 0
+  }
+  /// For a row of small reads.
+  OpenFile open() { return {*filer_, is_kept_open_}; }
 
   /// The start-up knows the results of the first state. Makes those of another one known, or of all (0).
   void learn(int state) {
@@ -97,23 +122,23 @@ class Reader {
     return found;
   }
 
-  /// Keeps the blocks of an entity type that have the layer.
+  /// Keeps the blocks of an entity type.
   static void keep_entity(const Selection& selection, std::vector<ORVResult*>& blocks) {
     const auto is_other = [&](const ORVResult* block) {
-      const bool is_entity = selection.entity.empty() || same_word(text_of(block->m_etyp), selection.entity);
-      return !is_entity || static_cast<std::size_t>(std::max(selection.layer, 0)) > layers_of(*block);
+      return !selection.entity.empty() && !same_word(text_of(block->m_etyp), selection.entity);
     };
     blocks.erase(std::remove_if(blocks.begin(), blocks.end(), is_other), blocks.end());
+  }
+
+  static bool has_layer(const ORVResult& block, int layer) {
+    return layer <= 0 || static_cast<std::size_t>(layer) <= layers_of(block);
   }
 
   /// The stored components of a block that are asked for.
   std::vector<Column> columns(const Found& found, const ORVResult& block, const std::string& name,
                               const std::string& component) const {
     std::vector<Column> all = found.handle ? columns_of(*filer_, *found.handle) : columns_of(*filer_, block, name);
-    if (all.empty()) {
-      throw Error(path_, "the values of \"" + name + "\" are not defined: the file has no variable of that name",
-                  "write the file again with its variables", block.GetBlkPath());
-    }
+    if (all.empty()) fail_without_definition(name, block);
     if (component.empty()) return all;
     std::string names;
     for (Column& column : all) {
@@ -125,10 +150,10 @@ class Reader {
 
   /// What a block is, without values.
   template <class T>
-  static Values<T> frame(const Found& found, const ORVResult& block, const std::vector<Column>& columns,
-                         const Selection& selection) {
+  static Values<T> frame(const Found& found, const ORVResult& block, const std::string& name,
+                         const std::vector<Column>& columns, const Selection& selection) {
     Values<T> values;
-    values.variable = found.handle ? found.handle->GetName() : text_of(block.m_etypvar);
+    values.variable = found.handle ? found.handle->GetName() : name_of(block, name);
     values.entity = text_of(block.m_etyp);
     values.zone = zone_of(block);
     values.is_complex = block.IsComplexBlk();
@@ -142,26 +167,37 @@ class Reader {
   template <class T>
   std::vector<Values<T>> values(const std::string& variable, const Selection& selection, int state) {
     require_state(state);
+    if (selection.layer < 0) throw Error(path_, "has no layers below 1", "0 takes all", {}, state);
     if (state > 1) learn(state);
     Found found = find(variable, ResultList::single_state);
-    keep_stored(selection, state, found.blocks);
+    keep_entity(selection, found.blocks);
     std::vector<Values<T>> all;
-    for (ORVResult* block : found.blocks) {
-      const std::vector<Column> asked = columns(found, *block, variable, selection.component);
-      Values<T> values = frame<T>(found, *block, asked, selection);
-      values.state = block->IsConstantBlk() ? 0 : state;
-      fill(*block, asked, values.on_elements ? selection.layer : 0, values);
-      choose(selection, state, values);
+    for (const ORVResult& block : stored_in(state, selection, found.blocks)) {
+      const std::vector<Column> asked = columns(found, block, variable, selection.component);
+      Values<T> values = frame<T>(found, block, variable, asked, selection);
+      values.state = block.IsConstantBlk() ? 0 : state;
+      fill(block, asked, selection, values);
+      if (selection.part) keep_rows(find_rows(values, selection.ids, members(*selection.part, state)), values);
       if (!values.ids.empty()) all.push_back(std::move(values));
     }
     return all;
   }
 
+  /// Rows of a few ids in a block, see KnownRows.
+  std::vector<std::size_t> known_rows(const Source& from, const std::vector<std::int64_t>& ids) {
+    return known_rows_.find(from, ids);
+  }
+
   [[noreturn]] void fail_to_find(const std::string& variable, const Selection& selection, int state) {
+    learn(0);
+    for (const ORVResult* block : filer_->GetResultList(static_cast<int>(ResultList::single_state))) {
+      const bool is_defined = block->m_variable || block->m_variableGrp;
+      if (!is_defined && same_word(text_of(block->m_etypvar), variable)) fail_without_definition(variable, *block);
+    }
     std::string what = "has no values of \"" + variable + "\"";
     if (!selection.entity.empty()) what += " of \"" + selection.entity + "\"";
     if (selection.layer > 0) what += " on layer " + std::to_string(selection.layer);
-    if (selection.part != 0) what += " on part " + std::to_string(selection.part);
+    if (selection.part) what += " on part " + std::to_string(*selection.part);
     if (!selection.ids.empty()) what += " at the ids that are asked for";
     const bool over_states = !find(variable, ResultList::over_states).blocks.empty();
     throw Error(path_, what, over_states ? "they are stored over all states: history reads them" : names_hint(), {},
@@ -174,13 +210,25 @@ class Reader {
   int count_states() const {
     std::error_code error;
     if (!std::filesystem::exists(path_, error)) throw Error(path_, "does not exist", "check the name");
+    const LibraryText text;
     int states = 0;
     if (ReadNumState(path_.c_str(), &states) == 0) return states;
-    throw Error(path_, "cannot be opened: " + library_text("it is no HDF5 file"), "give a result file");
+    throw Error(path_, "cannot be opened: " + text.or_else("it is no HDF5 file, or may not be read"),
+                "give a result file");
   }
 
-  std::string names_hint() {
-    learn(0);
+  void start_up() {
+    int next_id = 1;
+    (void)filer_->InitReader(next_id);  // a file without results still has a mesh
+    (void)filer_->ReadSystemBlock();    // and may tell of its origin
+  }
+
+  [[noreturn]] void fail_without_definition(const std::string& name, const ORVResult& block) const {
+    throw Error(path_, "the values of \"" + name + "\" are not defined: the file has no variable of that name",
+                "write the file again with its variables", block.GetBlkPath());
+  }
+
+  std::string names_hint() const {
     std::string names;
     for (const ORVResult* block : filer_->GetResultList(static_cast<int>(ResultList::single_state))) {
       const std::string quoted = "\"" + text_of(block->m_etypvar) + "\"";
@@ -189,79 +237,119 @@ class Reader {
     return names.empty() ? "it has no values at all" : "it has " + names;
   }
 
-  /// Reads the header of a block as it stands in a state. False where it has no entities there.
-  bool is_stored(const ORVResult& block, int state, bool* is_incremental = nullptr) const {
-    ORVResult probe = block;
-    if (probe.ReadBlock(path_.c_str(), state, ORV_READ_HEADER) != 0 || probe.m_nent < 1) return false;
-    if (is_incremental) *is_incremental = probe.IsIncremental();
+  /// A block with its header as it stands in a state; nothing where that cannot be read.
+  std::optional<ORVResult> stored_at(const ORVResult& listed, int state) const {
+    ORVResult block = listed;
+    block.m_numl = 0;  // of another state, unless the header has one
+    if (block.ReadBlock(path_.c_str(), state, ORV_READ_HEADER) != 0 || !block.IsSinglestateBlk()) return std::nullopt;
+    return block;
+  }
+
+  /// Of some blocks, those that have entities in a state, and the layer; the constant ones where there are none.
+  std::vector<ORVResult> stored_in(int state, const Selection& selection, const std::vector<ORVResult*>& blocks) const {
+    std::vector<ORVResult> constant, in_state;
+    for (const ORVResult* block : blocks) {
+      if (block->IsConstantBlk()) {
+        constant.push_back(*block);
+      } else if (state > 0) {
+        std::optional<ORVResult> stored = stored_at(*block, state);
+        if (stored && stored->m_nent > 0) in_state.push_back(*std::move(stored));
+      }
+    }
+    std::vector<ORVResult>& all = in_state.empty() ? constant : in_state;
+    const auto lacks_layer = [&](const ORVResult& block) { return !has_layer(block, selection.layer); };
+    all.erase(std::remove_if(all.begin(), all.end(), lacks_layer), all.end());
+    return std::move(all);
+  }
+
+  /// All entities of a block, or those that are asked for.
+  template <class T>
+  void fill(const ORVResult& block, const std::vector<Column>& columns, const Selection& selection, Values<T>& values) {
+    if (values.state > 0 && block.IsIncremental()) {
+      values = merged(block, columns, selection.layer, std::move(values));
+    } else {
+      const Source from{path_, *filer_, block, values.state};
+      if (!selection.part && fill_few(from, columns, selection, values)) return;
+      (void)fill_whole(from, columns, selection.layer, values);
+    }
+    if (!selection.part && !selection.ids.empty()) keep_rows(find_rows(values.ids, selection.ids), values);
+  }
+
+  /// False for entities without ids.
+  template <class T>
+  static bool fill_whole(const Source& from, const std::vector<Column>& columns, int layer, Values<T>& values) {
+    values.data = fetch<T>(from, columns, {layer});
+    Ids ids = read_ids(from);
+    values.ids = std::move(ids.ids);
+    return ids.are_stored;
+  }
+
+  /// False where a read of all is in order.
+  template <class T>
+  bool fill_few(const Source& from, const std::vector<Column>& columns, const Selection& selection, Values<T>& values) {
+    const std::vector<std::size_t> rows = known_rows(from, selection.ids);
+    if (rows.size() != selection.ids.size() || rows.empty()) return false;
+    const std::size_t width = values.row_size();
+    values.ids = selection.ids;
+    values.data = Buffer<T>(rows.size() * width);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      const Buffer<T> row = fetch<T>(from, columns, {selection.layer, rows[i], 1});
+      std::copy_n(row.data(), width, values.data.data() + i * width);
+    }
     return true;
   }
 
-  /// Of the blocks of an entity type, those that are stored in a state; the constant ones where there are none.
-  void keep_stored(const Selection& selection, int state, std::vector<ORVResult*>& blocks) const {
-    keep_entity(selection, blocks);
-    std::vector<ORVResult*> constant, in_state;
-    for (ORVResult* block : blocks) {
-      if (block->IsConstantBlk()) {
-        constant.push_back(block);
-      } else if (state > 0 && is_stored(*block, state)) {
-        in_state.push_back(block);
-      }
+  /// Values of a state that holds changes, put together from those before it.
+  template <class T>
+  Values<T> merged(const ORVResult& block, const std::vector<Column>& columns, int layer, Values<T> frame) {
+    const StateChain chain = chains_.find(path_, *filer_, block, frame.state);
+    Merge<T> merge;
+    for (std::size_t i = 0; i <= chain.changes.size(); ++i) {
+      const int state = i == 0 ? chain.base : chain.changes[i - 1];
+      const std::optional<ORVResult> stored = stored_at(block, state);
+      if (!stored || (i == 0 && stored->m_nent < 1) || !has_layer(*stored, layer)) refuse(path_, block, state);
+      if (stored->m_nent < 1) continue;
+      Values<T> read = copy_of_frame(frame);
+      read.is_complex = stored->IsComplexBlk();
+      read.layers = layer > 0 ? 1 : layers_of(*stored);
+      const Source from{path_, *filer_, *stored, state};
+      const bool has_ids = fill_whole(from, columns, layer, read);
+      if (!has_ids || !(i == 0 ? merge.begin(std::move(read)) : merge.add(read))) refuse(path_, block, state);
     }
-    blocks = in_state.empty() ? std::move(constant) : std::move(in_state);
+    return merge.take();
   }
 
   template <class T>
-  void fill(ORVResult& block, const std::vector<Column>& columns, int layer, Values<T>& values) {
-    bool is_incremental = false;
-    if (values.state > 0 && is_stored(block, values.state, &is_incremental) && is_incremental) {
-      build_map(block, values.state);
-      values.data = fetch_merged<T>(path_, *filer_, block, columns, values.state, layer, values.ids);
-      return;
-    }
-    values.data = fetch<T>(path_, *filer_, block, columns, values.state, layer);
-    const std::size_t row = values.row_size();
-    if (row == 0 || values.data.size() % row != 0) refuse(path_, block, values.state);
-    values.ids = read_ids(path_, block, values.state, values.data.size() / row);
-  }
-
-  /// A filer has one map of states, made from one block.
-  void build_map(ORVResult& block, int state) {
-    if (block.IsComplexBlk()) {
-      throw Error(path_, "holds changes of complex values, which are not put together", "write it with whole states",
-                  block.GetBlkPath(), state);
-    }
-    if (mapped_ == block.GetBlkPath()) return;
-    if (filer_->BuildGlobalIncrMap(block, 1, true) != 0) {
-      throw Error(path_, "holds changes, and there is no telling what they build upon",
-                  "its states must have one index column, with an identifier of their own each", block.GetBlkPath(),
-                  state);
-    }
-    mapped_ = block.GetBlkPath();
+  static Values<T> copy_of_frame(const Values<T>& frame) {
+    Values<T> copy;
+    copy.variable = frame.variable;
+    copy.entity = frame.entity;
+    copy.zone = frame.zone;
+    copy.state = frame.state;
+    copy.on_elements = frame.on_elements;
+    copy.components = frame.components;
+    return copy;
   }
 
   /// The mesh is that of the state where it has one of its own.
-  const PartMembers& members(int part, int state) {
+  const PartMembers& members(std::int64_t part, int state) {
     const auto known = members_.find({part, state});
     if (known != members_.end()) return known->second;
-    std::vector<Elements> mesh = state > 0 ? read_all_elements(path_, state) : std::vector<Elements>();
-    if (mesh.empty()) mesh = read_all_elements(path_, 0);
+    const std::vector<Elements> mesh = read_all_elements(path_, state);
+    if (mesh.empty() && state > 0) return members(part, 0);
+    constexpr std::size_t kMostKept = 16;
+    if (members_.size() >= kMostKept) members_.clear();
     return members_.emplace(std::pair(part, state), members_of(mesh, part)).first->second;
-  }
-
-  template <class T>
-  void choose(const Selection& selection, int state, Values<T>& values) {
-    if (selection.part == 0 && selection.ids.empty()) return;
-    const PartMembers* part = selection.part == 0 ? nullptr : &members(selection.part, state);
-    keep_rows(find_rows(values, selection.ids, part), values);
   }
 
   std::string path_;
   int states_ = 0;
-  std::unique_ptr<ORVFiler> filer_;
-  std::map<int, bool> learned_;                         ///< states whose results are known; 0 for all
-  std::string mapped_;                                  ///< block that the filer's map of states was made from
-  std::map<std::pair<int, int>, PartMembers> members_;  ///< by part and state
+  bool is_kept_open_ = false;
+  std::unique_ptr<IndexFiler> filer_;
+  std::map<int, bool> learned_;  ///< states whose results are known; 0 for all
+  StateChains chains_;
+  KnownRows known_rows_;
+  std::map<std::pair<std::int64_t, int>, PartMembers> members_;  ///< by part and state
 };
 
 }  // namespace orv::detail

@@ -14,27 +14,44 @@
 
 namespace orv::detail {
 
-/// Positions of the rows that are asked for, in the order of the request, or else of the file. `part` is null for all.
-template <class T>
-std::vector<std::size_t> find_rows(const Values<T>& values, const std::vector<std::int64_t>& ids,
-                                   const PartMembers* part) {
-  const IdSet* members = part ? part->find(values.entity) : nullptr;
-  const auto is_member = [&](std::int64_t id) {
-    return !part || (members && std::binary_search(members->begin(), members->end(), id));
-  };
+/// Rows of the ids that are asked for, in the order of the request; those that are not there are left out. Of rows that
+/// share an id the first one counts.
+inline std::vector<std::size_t> find_rows(const std::vector<std::int64_t>& stored,
+                                          const std::vector<std::int64_t>& asked) {
+  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  std::unordered_map<std::int64_t, std::size_t> places;  // of the few, not of all
+  for (const std::int64_t id : asked) places.emplace(id, kNone);
+  std::size_t missing = places.size();
+  for (std::size_t i = 0; i < stored.size() && missing > 0; ++i) {
+    const auto place = places.find(stored[i]);
+    if (place == places.end() || place->second != kNone) continue;
+    place->second = i;
+    --missing;
+  }
   std::vector<std::size_t> rows;
-  if (ids.empty()) {
-    for (std::size_t i = 0; i < values.ids.size(); ++i) {
-      if (is_member(values.ids[i])) rows.push_back(i);
-    }
-    return rows;
+  for (const std::int64_t id : asked) {
+    if (places.at(id) != kNone) rows.push_back(places.at(id));
   }
-  std::unordered_map<std::int64_t, std::size_t> places;
-  for (std::size_t i = 0; i < values.ids.size(); ++i) places.emplace(values.ids[i], i);
-  for (const std::int64_t id : ids) {
-    const auto place = places.find(id);
-    if (place != places.end() && is_member(id)) rows.push_back(place->second);
+  return rows;
+}
+
+/// Rows of the members of a part, in the order of the file, or of those among the ids that are asked for.
+template <class T>
+std::vector<std::size_t> find_rows(const Values<T>& values, const std::vector<std::int64_t>& asked,
+                                   const PartMembers& part) {
+  const IdSet* members = part.find(values.entity);
+  if (!members) return {};
+  std::vector<std::size_t> rows;
+  if (asked.empty()) {
+    rows.resize(values.ids.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) rows[i] = i;
+  } else {
+    rows = find_rows(values.ids, asked);
   }
+  const auto is_other = [&](std::size_t row) {
+    return !std::binary_search(members->begin(), members->end(), values.ids[row]);
+  };
+  rows.erase(std::remove_if(rows.begin(), rows.end(), is_other), rows.end());
   return rows;
 }
 
@@ -50,5 +67,43 @@ void keep_rows(const std::vector<std::size_t>& rows, Values<T>& values) {
   values.data = std::move(data);
   values.ids = std::move(ids);
 }
+
+/// Where few entities stood in a block when it was last asked for them. Most states hold the same entities in the same
+/// order, so that their rows can be read alone.
+class KnownRows {
+ public:
+  static constexpr std::size_t kMostIds = 64;
+  static constexpr std::int64_t kFewestEntities = 1024;  ///< with less, a read of all is as fast
+
+  /// Rows of all ids that are asked for, if they can be told by the ids in these rows alone, or else by all ids. Empty
+  /// where a read of the whole block is in order.
+  std::vector<std::size_t> find(const Source& from, const std::vector<std::int64_t>& asked) {
+    if (asked.empty() || asked.size() > kMostIds || from.block.m_nent < kFewestEntities) return {};
+    const auto [place, is_new] = packed_.try_emplace(from.block.GetBlkPath(), false);
+    if (is_new) place->second = is_packed(from);
+    if (place->second) return {};
+    std::vector<std::size_t>& rows = rows_[from.block.GetBlkPath()];
+    if (asked_ != asked) forget(asked);
+    if (rows.size() == asked.size() && stand(from, rows)) return rows;
+    rows = find_rows(read_ids(from).ids, asked);
+    return rows;
+  }
+
+ private:
+  void forget(const std::vector<std::int64_t>& asked) {
+    for (auto& [path, rows] : rows_) rows.clear();
+    asked_ = asked;
+  }
+  bool stand(const Source& from, const std::vector<std::size_t>& rows) const {
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      if (!has_id_in_row(from, rows[i], asked_[i])) return false;
+    }
+    return true;
+  }
+
+  std::vector<std::int64_t> asked_;
+  std::unordered_map<std::string, std::vector<std::size_t>> rows_;  ///< by the path of the block
+  std::unordered_map<std::string, bool> packed_;
+};
 
 }  // namespace orv::detail

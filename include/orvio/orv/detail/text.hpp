@@ -18,7 +18,8 @@ inline constexpr std::size_t kFieldWidth = 256;
 
 inline std::string text_of(const char* field, std::size_t width = kFieldWidth) {
   if (!field) return {};
-  std::string text(field, strnlen(field, width));
+  const void* end = std::memchr(field, '\0', width);
+  std::string text(field, end ? static_cast<std::size_t>(static_cast<const char*>(end) - field) : width);
   text.erase(text.find_last_not_of(' ') + 1);
   return text;
 }
@@ -26,6 +27,25 @@ inline std::string text_of(const char* field, std::size_t width = kFieldWidth) {
 inline bool same_word(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
+}
+
+/// Names by their letters, whatever their case.
+struct BeforeIgnoringCase {
+  bool operator()(std::string_view a, std::string_view b) const {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
+      return std::tolower(x) < std::tolower(y);
+    });
+  }
+};
+
+/// Whether a text can name a block: it becomes a group of the file, between others.
+inline bool is_block_name(std::string_view name) {
+  constexpr std::size_t kLongest = kFieldWidth - 1;  // a name of the full width loses its last letter when read
+  if (name.empty() || name.size() > kLongest || name.back() == ' ' || name == "." || name == "..") return false;
+  for (const std::string_view taken : {"orvblock", "header", "data", "index"}) {
+    if (name == taken) return false;
+  }
+  return std::none_of(name.begin(), name.end(), [](unsigned char c) { return c == '/' || std::iscntrl(c) != 0; });
 }
 
 /// Blocks of all entities have a word in place of a zone that says nothing.

@@ -49,6 +49,12 @@ class UnitTables {
     derived_fields_ = fields_of(derived_);
   }
 
+  /// The names of a system that a file has.
+  explicit UnitTables(const ORVSystem& system) {
+    append(system.m_nbunit, system.m_pUbnam, system.m_pUbid, base_, base_ids_);
+    append(system.m_ndunit, system.m_pUdnam, system.m_pUdid, derived_, derived_ids_);
+  }
+
   /// Throws Error for a unit that was not told.
   UnitIds ids(const std::string& file, const std::string& name) const {
     if (name.empty()) return {};
@@ -76,6 +82,14 @@ class UnitTables {
   bool empty() const { return base_.empty(); }
 
  private:
+  static void append(std::int64_t count, const char* fields, const int* stored, std::vector<std::string>& names,
+                     std::vector<int>& ids) {
+    for (std::int64_t i = 0; i < count && fields && stored; ++i) {
+      names.push_back(text_of(fields + static_cast<std::size_t>(i) * kFieldWidth));
+      ids.push_back(stored[i]);
+    }
+  }
+
   /// 0 for none.
   static int find(const std::vector<std::string>& names, const std::vector<int>& ids, const std::string& name) {
     const auto found = std::find(names.begin(), names.end(), name);
