@@ -37,10 +37,18 @@ function(expect_values program file text)
   endif()
 endfunction()
 
-# $1: a folder that holds the two programs.
+# Runs the examples, which are in a folder.
 function(use_examples folder)
-  run("${folder}/write_model" "${SCRATCH}/model.orv")
-  expect_values("${folder}/read_values" "${SCRATCH}/model.orv" "11 200\n12 212\n")
+  foreach(writer write_model_classes write_model)
+    run("${folder}/${writer}" "${SCRATCH}/model.orv")
+    foreach(reader read_values read_values_classes)
+      expect_values("${folder}/${reader}" "${SCRATCH}/model.orv" "11 200\n12 212\n")
+    endforeach()
+  endforeach()
+  run("${folder}/history" "${SCRATCH}/model.orv" STRESS_SXX 12)
+  if(NOT output STREQUAL "time STRESS_SXX@1 STRESS_SXX@2\n0.5 112 118\n1 212 218\n")
+    message(FATAL_ERROR "history printed of the model:\n${output}")
+  endif()
 endfunction()
 
 file(COPY "${EXAMPLES}/" DESTINATION "${SCRATCH}/examples" FILES_MATCHING PATTERN "*.cpp" PATTERN "CMakeLists.txt"
@@ -57,7 +65,7 @@ set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIBDIR}/pkgconfig:${HDF5_LIBRARIES}/pkgcon
 run(pkg-config --cflags --libs orvio)
 separate_arguments(flags UNIX_COMMAND "${output}")
 file(MAKE_DIRECTORY "${SCRATCH}/by_pkg_config")
-foreach(example read_values write_model)
+foreach(example read_values write_model history read_values_classes write_model_classes)
   run("${COMPILER}" -std=c++17 ${warnings} "${SCRATCH}/examples/${example}.cpp" -o "${SCRATCH}/by_pkg_config/${example}"
     ${flags} "-Wl,-rpath,${prefix}/${LIBDIR}")
 endforeach()
@@ -65,7 +73,7 @@ use_examples("${SCRATCH}/by_pkg_config")
 
 if(EXISTS "${prefix}/bin/orv")
   run("${prefix}/bin/orv" values "${SCRATCH}/model.orv" --var STRESS_SXX --states last --csv)
-  if(NOT output STREQUAL "id,layer,STRESS_SXX\n11,1,200\n11,2,206\n12,1,212\n12,2,218\n")
+  if(NOT output STREQUAL "id,layer,STRESS_SXX [MPa]\n11,1,200\n11,2,206\n12,1,212\n12,2,218\n")
     message(FATAL_ERROR "orv values printed of the model:\n${output}")
   endif()
   run("${prefix}/bin/orv" import "${EXAMPLES}/data/plate_impact.frd.gz" "${SCRATCH}/plate.orv")
