@@ -1,3 +1,7 @@
+// Prints a stress component of the last state, with the classes alone.
+//
+//   read_values_classes FILE.orv
+
 #include <orvio/orvio.h>
 #include <cstdio>
 #include <vector>

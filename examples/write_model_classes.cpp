@@ -1,6 +1,6 @@
-// Writes a small model: a plate of two shells with node coordinates, and stresses at two times.
+// Writes a small model with the classes: a plate of two shells with node coordinates, and stresses at two times.
 //
-//   write_model OUT.orv
+//   write_model_classes OUT.orv
 
 #include <orvio/orvio.h>
 
@@ -115,7 +115,7 @@ int WriteStress(ORVFiler& filer, int state, float time) {
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::fprintf(stderr, "write_model OUT.orv\n");
+    std::fprintf(stderr, "write_model_classes OUT.orv\n");
     return 2;
   }
   ORVFiler filer(argv[1]);
@@ -128,6 +128,6 @@ int main(int argc, char** argv) {
   failed += WriteCoordinates(filer);
   failed += WriteStress(filer, 1, 0.5F);
   failed += WriteStress(filer, 2, 1.0F);
-  if (failed != 0) std::fprintf(stderr, "write_model: %s: %s\n", argv[1], ORVGetLastErrorText());
+  if (failed != 0) std::fprintf(stderr, "write_model_classes: %s: %s\n", argv[1], ORVGetLastErrorText());
   return failed == 0 ? 0 : 1;
 }
