@@ -12,6 +12,10 @@ A comment in the line before a block says what it is:
     <!-- exit: 1 -->               commands that end with that status; otherwise 0
     <!-- sketch -->                not run: it shows a form, or a machine is set up by it
 
+and a comment of its own makes a file that the page speaks of:
+
+    <!-- example: NAME ARGS -->    compiles examples/NAME.cpp and runs it
+
 A block of C++ or of commands without such a comment is a fault, so that none escapes.
 """
 import argparse
@@ -48,6 +52,9 @@ def blocks_of(page):
             text.append(line)
         elif NOTE.match(line):
             note = NOTE.match(line).groups()
+            if note[0] == "example":
+                yield Block(number, "", note, "")
+                note = None
         elif line.strip():
             note = None
 
@@ -83,6 +90,9 @@ class Page:
                 self.compare(block, before)
             elif kind == "sketch":
                 continue
+            elif kind == "example":
+                name, *arguments = block.note[1].split()
+                self.build_and_run(block, name, self.options.source / "examples" / f"{name}.cpp", arguments, folder)
             elif block.language == "cpp" and kind == "program":
                 name = block.note[1].split()[0]
                 if name not in done:
@@ -99,19 +109,23 @@ class Page:
         parts = [b for b in self.blocks if b.note and b.note[0] == "program" and b.note[1].split()[0] == name]
         source = folder / f"{name}.cpp"
         source.write_text(program_text(parts))
+        text = self.build_and_run(parts[0], name, source, parts[0].note[1].split()[1:], folder)
+        printed = text.split(MARK)
+        for part, text in zip(parts, printed + [""] * len(parts)):
+            part.printed = text
+
+    def build_and_run(self, block, name, source, arguments, folder):
         command = [self.options.compiler, "-std=c++17", "-O0", "-Wall", "-Wextra", str(source), "-o", str(folder / name),
                    *[f"-I{i}" for i in self.options.include], str(self.options.library),
                    *[f"-Wl,-rpath,{r}" for r in (self.options.library.parent, *self.options.rpath)]]
         built = subprocess.run(command, capture_output=True, text=True)
         if built.returncode or "warning" in built.stderr:
-            return self.fault(parts[0], f"{name} does not compile without a word:\n{built.stderr[:3000]}")
-        arguments = parts[0].note[1].split()[1:]
+            self.fault(block, f"{name} does not compile without a word:\n{built.stderr[:3000]}")
+            return ""
         ran = subprocess.run([str(folder / name), *arguments], capture_output=True, text=True, cwd=folder, timeout=120)
         if ran.returncode:
-            self.fault(parts[0], f"{name} ends with {ran.returncode}: {ran.stderr[:1000]}")
-        printed = ran.stdout.split(MARK)
-        for part, text in zip(parts, printed + [""] * len(parts)):
-            part.printed = text
+            self.fault(block, f"{name} ends with {ran.returncode}: {ran.stderr[:1000]}")
+        return ran.stdout
 
     def run_commands(self, block, folder):
         path = f"{self.options.program.parent}:{os.environ['PATH']}" if self.options.program else os.environ["PATH"]
