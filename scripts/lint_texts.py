@@ -6,6 +6,7 @@
 - No source of the library, the public headers or the program is longer than 400 lines.
 - A folder of src/ includes its own headers and those of the folders below it, see LAYERS. Public headers include public
   ones alone.
+- No two headers define types of one name.
 - HDF5's calls for datasets and attributes stand in src/h5, and an id is closed by its handle.
 """
 import pathlib
@@ -114,6 +115,27 @@ def misplaced_hdf5_calls():
                 yield path, number, "datasets, attributes and ids are the business of src/h5"
 
 
+def types_of(path):
+    """Types that a header defines, with their namespaces."""
+    text = path.read_text()
+    namespace = re.search(r"^namespace ([\w:]+) {", text, re.M)
+    for match in re.finditer(r"^(?:struct|class|enum(?: class)?) (?:ORVIO_EXPORT )?(\w+)\b[^;{]*{", text, re.M):
+        yield (namespace[1] if namespace else "") + "::" + match[1], text.count("\n", 0, match.start()) + 1
+
+
+def repeated_types():
+    """Two types of one name: the linker takes the functions of one for those of the other, without a word."""
+    for folders in (("include", "src"), ("programs",)):
+        seen = {}
+        for path in sources(*folders):
+            if path.suffix == ".cpp":
+                continue
+            for name, number in types_of(path):
+                other = seen.setdefault(name, path)
+                if other != path:
+                    yield path, number, f"{name} is a type of {other.relative_to(ROOT)}, too"
+
+
 def long_sources():
     for path in sources("src", "include", "programs"):
         if path.name == "orv_filer.h":  # one class, one header
@@ -124,7 +146,8 @@ def long_sources():
 
 
 def main():
-    faults = [*repeated_disk_words(), *unpinned_quirks(), *long_sources(), *upward_includes(), *misplaced_hdf5_calls()]
+    faults = [*repeated_disk_words(), *unpinned_quirks(), *long_sources(), *upward_includes(), *misplaced_hdf5_calls(),
+              *repeated_types()]
     for path, number, text in faults:
         print(f"{path.relative_to(ROOT)}:{number}: {text}")
     return 1 if faults else 0

@@ -75,6 +75,7 @@ bool SyncToDisk(const std::string& path) {
 
 void RemoveOutputsOnSignals() {
   owner = getpid();
+  (void)std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow further is told of by the write itself
   for (const int signal : {SIGHUP, SIGINT, SIGPIPE, SIGTERM}) {
     // What the caller wants ignored stays ignored.
     if (std::signal(signal, RemoveAndEnd) == SIG_IGN) (void)std::signal(signal, SIG_IGN);

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "program/forged_results.h"
+#include "program/linked_file.h"
 #include "program/run_program.h"
 #include "program/small_result.h"
 
@@ -40,9 +41,9 @@ const Command kCommands[] = {
     {"history", {"history", "FILE", "--var", "STRESS"}, "--var"},
     {"elements", {"elements", "FILE"}, "--type"},
     {"diff", {"diff", "FILE", "FILE"}, "--var"},
-    {"extract", {"extract", "FILE", "-o", "OUT"}, "--var", false},
-    {"repack", {"repack", "FILE", "-o", "OUT"}, "", false},
-    {"link", {"link", "FILE", "-o", "OUT"}, "", false},
+    {"extract", {"extract", "--quiet", "FILE", "-o", "OUT"}, "--var", false},
+    {"repack", {"repack", "--quiet", "FILE", "-o", "OUT"}, "", false},
+    {"link", {"link", "--quiet", "FILE", "-o", "OUT"}, "", false, true, "meshed.orv"},
     {"check", {"check", "FILE"}, "", true, true, "whole.orv", 1, 1},
     {"repair", {"repair", "FILE", "-o", "OUT"}, "", true, true, "whole.orv", 2, 1},
 };
@@ -52,12 +53,13 @@ class EveryCommand : public ProgramTest, public testing::WithParamInterface<Comm
   void SetUp() override {
     ProgramTest::SetUp();
     std::filesystem::create_directory(TempPath("out"));
-    if (GetParam().reads != std::string("whole.orv")) {
+    if (GetParam().reads == std::string("small.frd")) {
       whole_ = SmallRun();
       return;
     }
     ForgedFile file;
     FillForgedResults(file);
+    if (GetParam().reads == std::string("meshed.orv")) AddLinkedMesh(file);
     whole_ = BytesOf(file.path());
   }
 

@@ -19,13 +19,13 @@ struct Finding {
 };
 
 /// What was looked at.
-struct Extent {
+struct LookedAt {
   std::uint64_t states = 0, blocks = 0, datasets = 0, values = 0;
 };
 
 struct Report {
   std::vector<Finding> findings;  ///< in the order of the file; at most `kMostFindings`
-  Extent looked_at;
+  LookedAt looked_at;
   bool is_complete = false;  ///< the file was looked at to its end
 
   static constexpr std::size_t kMostFindings = 20000;
@@ -40,7 +40,7 @@ class Teller {
   void Enter(const std::string& place);  ///< where a crash that comes now would have happened
   void Finish();
 
-  Extent looked_at;
+  LookedAt looked_at;
 
  private:
   void Send(const char* rule, const std::string& place, const std::string& text);

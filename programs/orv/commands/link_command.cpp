@@ -23,7 +23,7 @@ namespace {
 
 struct Options {
   std::string file, out;
-  bool json = false;
+  bool json = false, quiet = false;
 };
 
 std::size_t CountVirtual(const LinkReport& report) {
@@ -98,7 +98,7 @@ LinkReport LinkOrLeave(const Options& options) {
 void RunLink(Options options) {
   if (options.out.empty()) options.out = std::filesystem::path(options.file).replace_extension(".vtkhdf").string();
   const LinkReport report = LinkOrLeave(options);
-  TellReport(options, report);
+  if (!options.quiet) TellReport(options, report);
   if (options.json) PrintReport(options, report);
 }
 
@@ -115,6 +115,7 @@ void AddLinkCommand(CLI::App& app) {
           "File to write (default: the name of the result file with .vtkhdf as its extension); one that exists "
           "is replaced when all went well")
       ->option_text("OUT");
+  command->add_flag("-q,--quiet", options->quiet, "Do not tell what was made, copied and left out");
   command->add_flag("--json", options->json, "Print a report in JSON");
   command->callback([options] { RunLink(*options); });
   AddNotes(*command, {{"orv link crash.orv", "orv link crash.orv -o views/crash.vtkhdf --json"}});

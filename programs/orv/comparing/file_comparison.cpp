@@ -34,7 +34,7 @@ class Comparison {
   }
 
   Differences Run() {
-    std::vector<Quantity> quantities_a = ListQuantities(a_), quantities_b = ListQuantities(b_);
+    std::vector<ComparedQuantity> quantities_a = ListQuantities(a_), quantities_b = ListQuantities(b_);
     CheckNames(a_, b_, quantities_a, quantities_b, options_);
     KeepWanted(a_, options_, quantities_a);
     KeepWanted(b_, options_, quantities_b);
@@ -48,13 +48,13 @@ class Comparison {
  private:
   void ChooseStates();
   void CompareModel();
-  void CompareQuantities(const std::vector<Quantity>& quantities_a, std::vector<Quantity> left);
-  void CompareComponents(const Quantity& a, const Quantity& b);
-  void CompareInStates(const Quantity& a, const Quantity& b);
-  void CompareConstant(const Quantity& a, const Quantity& b);
-  void CompareOverStates(const Quantity& a, const Quantity& b);
-  StateMatch MatchRows(const Quantity& a, const Quantity& b, std::size_t rows_a, std::size_t rows_b);
-  void AddLone(bool in_a, const Quantity& quantity);
+  void CompareQuantities(const std::vector<ComparedQuantity>& quantities_a, std::vector<ComparedQuantity> left);
+  void CompareComponents(const ComparedQuantity& a, const ComparedQuantity& b);
+  void CompareInStates(const ComparedQuantity& a, const ComparedQuantity& b);
+  void CompareConstant(const ComparedQuantity& a, const ComparedQuantity& b);
+  void CompareOverStates(const ComparedQuantity& a, const ComparedQuantity& b);
+  StateMatch MatchRows(const ComparedQuantity& a, const ComparedQuantity& b, std::size_t rows_a, std::size_t rows_b);
+  void AddLone(bool in_a, const ComparedQuantity& quantity);
   void AddLone(bool in_a, const QuantityName& name, std::vector<int> states);
   void AddValues(std::vector<ValueComparison::Row>& rows);
 
@@ -89,11 +89,12 @@ void Comparison::CompareModel() {
   for (const StatePair& pair : states_.pairs) CompareRecords(a_, b_, options_, pair, found_, matches_);
 }
 
-void Comparison::CompareQuantities(const std::vector<Quantity>& quantities_a, std::vector<Quantity> left) {
-  for (const Quantity& quantity : quantities_a) {
+void Comparison::CompareQuantities(const std::vector<ComparedQuantity>& quantities_a,
+                                   std::vector<ComparedQuantity> left) {
+  for (const ComparedQuantity& quantity : quantities_a) {
     if (quantity.IsConstant() && !with_constant_) continue;
-    const auto twin =
-        std::ranges::find_if(left, [&](const Quantity& other) { return IsSameQuantity(other.name, quantity.name); });
+    const auto twin = std::ranges::find_if(
+        left, [&](const ComparedQuantity& other) { return IsSameQuantity(other.name, quantity.name); });
     if (twin == left.end()) {
       AddLone(true, quantity);
       continue;
@@ -109,25 +110,25 @@ void Comparison::CompareQuantities(const std::vector<Quantity>& quantities_a, st
     }
     left.erase(twin);
   }
-  for (const Quantity& quantity : left) {
+  for (const ComparedQuantity& quantity : left) {
     if (!quantity.IsConstant() || with_constant_) AddLone(false, quantity);
   }
 }
 
-std::string LabelsOf(const Quantity& quantity) {
+std::string LabelsOf(const ComparedQuantity& quantity) {
   std::vector<std::string> labels;
   for (const Component& component : quantity.components) labels.push_back(component.label);
   return fmt::format("{}", fmt::join(labels, " "));
 }
 
-void Comparison::CompareComponents(const Quantity& a, const Quantity& b) {
+void Comparison::CompareComponents(const ComparedQuantity& a, const ComparedQuantity& b) {
   const std::string labels_a = LabelsOf(a), labels_b = LabelsOf(b);
   if (SameWord(labels_a, labels_b)) return;
   found_.texts.push_back(
       {"result", a.name.variable + " of " + a.name.entity, "components", labels_a, labels_b, {}, false});
 }
 
-void Comparison::CompareInStates(const Quantity& a, const Quantity& b) {
+void Comparison::CompareInStates(const ComparedQuantity& a, const ComparedQuantity& b) {
   ValueComparison comparison(options_, a, b, matches_);
   std::vector<int> only_a, only_b;
   for (const StatePair& pair : states_.pairs) {
@@ -148,7 +149,7 @@ void Comparison::CompareInStates(const Quantity& a, const Quantity& b) {
   AddLone(false, b.name, std::move(only_b));
 }
 
-void Comparison::CompareConstant(const Quantity& a, const Quantity& b) {
+void Comparison::CompareConstant(const ComparedQuantity& a, const ComparedQuantity& b) {
   StateValues values_a(a_, a, 0), values_b(b_, b, 0);
   if (values_a.IsStored() != values_b.IsStored()) return AddLone(values_a.IsStored(), values_a.IsStored() ? a : b);
   if (!values_a.IsStored()) return;
@@ -158,7 +159,8 @@ void Comparison::CompareConstant(const Quantity& a, const Quantity& b) {
   AddValues(rows);
 }
 
-StateMatch Comparison::MatchRows(const Quantity& a, const Quantity& b, std::size_t rows_a, std::size_t rows_b) {
+StateMatch Comparison::MatchRows(const ComparedQuantity& a, const ComparedQuantity& b, std::size_t rows_a,
+                                 std::size_t rows_b) {
   StateMatch match = MatchByNumber(static_cast<int>(rows_a), static_cast<int>(rows_b));
   if (options_.match_time) {
     std::vector<double> times_a = RowIndex(a_, *a.blocks.front()).FirstColumn();
@@ -170,7 +172,7 @@ StateMatch Comparison::MatchRows(const Quantity& a, const Quantity& b, std::size
   return match;
 }
 
-void Comparison::CompareOverStates(const Quantity& a, const Quantity& b) {
+void Comparison::CompareOverStates(const ComparedQuantity& a, const ComparedQuantity& b) {
   constexpr int kOverStates = -1;
   StateValues values_a(a_, a, kOverStates), values_b(b_, b, kOverStates);
   if (values_a.IsStored() != values_b.IsStored()) return AddLone(values_a.IsStored(), values_a.IsStored() ? a : b);
@@ -190,7 +192,7 @@ void Comparison::CompareOverStates(const Quantity& a, const Quantity& b) {
 }
 
 /// A quantity that the other file lacks, in the states that are compared.
-void Comparison::AddLone(bool in_a, const Quantity& quantity) {
+void Comparison::AddLone(bool in_a, const ComparedQuantity& quantity) {
   if (quantity.name.section != "state") return found_.lone.push_back({in_a, "result", "", quantity.name, {}, false});
   std::vector<int> states;
   for (const StatePair& pair : states_.pairs) {

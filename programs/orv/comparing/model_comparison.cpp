@@ -144,8 +144,8 @@ void CompareIndex(ResultFile& a, ResultFile& b, const DiffOptions& options, cons
   CompareColumns(table_a, table_b, "", options, pairs, found);
 }
 
-void CompareRows(ResultFile& a, ResultFile& b, const DiffOptions& options, const Quantity& quantity_a,
-                 const Quantity& quantity_b, const std::vector<StatePair>& pairs, Differences& found) {
+void CompareRows(ResultFile& a, ResultFile& b, const DiffOptions& options, const ComparedQuantity& quantity_a,
+                 const ComparedQuantity& quantity_b, const std::vector<StatePair>& pairs, Differences& found) {
   const QuantityName& name = quantity_a.name;
   CompareColumns(RowIndex(a, *quantity_a.blocks.front()), RowIndex(b, *quantity_b.blocks.front()),
                  name.variable + " of " + name.entity, options, pairs, found);

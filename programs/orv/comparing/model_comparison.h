@@ -21,7 +21,7 @@ void CompareIndex(ResultFile& a, ResultFile& b, const DiffOptions& options, cons
                   Differences& found);
 
 /// Index values of blocks over all states, by the columns that both have.
-void CompareRows(ResultFile& a, ResultFile& b, const DiffOptions& options, const Quantity& quantity_a,
-                 const Quantity& quantity_b, const std::vector<StatePair>& pairs, Differences& found);
+void CompareRows(ResultFile& a, ResultFile& b, const DiffOptions& options, const ComparedQuantity& quantity_a,
+                 const ComparedQuantity& quantity_b, const std::vector<StatePair>& pairs, Differences& found);
 
 }  // namespace orvio::program

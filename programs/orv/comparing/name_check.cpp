@@ -16,8 +16,8 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-void AppendNames(ResultFile& file, const std::vector<Quantity>& quantities, Names& names) {
-  for (const Quantity& quantity : quantities) {
+void AppendNames(ResultFile& file, const std::vector<ComparedQuantity>& quantities, Names& names) {
+  for (const ComparedQuantity& quantity : quantities) {
     names.push_back(quantity.name.variable);
     for (const Component& component : quantity.components) {
       names.insert(names.end(), component.names.begin(), component.names.end());
@@ -29,8 +29,8 @@ void AppendNames(ResultFile& file, const std::vector<Quantity>& quantities, Name
   }
 }
 
-void AppendEntities(ResultFile& file, const std::vector<Quantity>& quantities, Names& names) {
-  for (const Quantity& quantity : quantities) names.push_back(quantity.name.entity);
+void AppendEntities(ResultFile& file, const std::vector<ComparedQuantity>& quantities, Names& names) {
+  for (const ComparedQuantity& quantity : quantities) names.push_back(quantity.name.entity);
   for (int state = 0; state <= file.states(); ++state) {
     for (const RecordKind kind : kRecordKinds) {
       if (kind == RecordKind::kCollector) continue;
@@ -48,8 +48,8 @@ void Require(const ResultFile& a, const ResultFile& b, const std::string& kind, 
 
 }  // namespace
 
-void CheckNames(ResultFile& a, ResultFile& b, const std::vector<Quantity>& quantities_a,
-                const std::vector<Quantity>& quantities_b, const DiffOptions& options) {
+void CheckNames(ResultFile& a, ResultFile& b, const std::vector<ComparedQuantity>& quantities_a,
+                const std::vector<ComparedQuantity>& quantities_b, const DiffOptions& options) {
   Names names, entities;
   AppendNames(a, quantities_a, names);
   AppendNames(b, quantities_b, names);

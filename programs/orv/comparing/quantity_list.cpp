@@ -52,9 +52,9 @@ std::vector<Component> ComponentsOf(ResultFile& file, ORVResult& block) {
   return components;
 }
 
-void Add(ResultFile& file, ORVResult& block, std::vector<Quantity>& quantities) {
+void Add(ResultFile& file, ORVResult& block, std::vector<ComparedQuantity>& quantities) {
   QuantityName name = NameOf(block);
-  const auto same = [&](const Quantity& other) { return IsSameQuantity(other.name, name); };
+  const auto same = [&](const ComparedQuantity& other) { return IsSameQuantity(other.name, name); };
   for (auto known = std::ranges::find_if(quantities, same); known != quantities.end();
        known = std::ranges::find_if(quantities, same)) {
     if (!known->IsOverStates()) return known->blocks.push_back(&block);
@@ -71,8 +71,8 @@ bool IsSameQuantity(const QuantityName& a, const QuantityName& b) {
          a.is_element == b.is_element && a.is_complex == b.is_complex;
 }
 
-std::vector<Quantity> ListQuantities(ResultFile& file) {
-  std::vector<Quantity> quantities;
+std::vector<ComparedQuantity> ListQuantities(ResultFile& file) {
+  std::vector<ComparedQuantity> quantities;
   for (const int list : {1, 0}) {
     const std::vector<ORVResult*> blocks = file.filer().GetResultList(list);
     for (ORVResult* block : blocks) Add(file, *block, quantities);
@@ -80,9 +80,9 @@ std::vector<Quantity> ListQuantities(ResultFile& file) {
   return quantities;
 }
 
-void KeepWanted(const ResultFile& file, const DiffOptions& options, std::vector<Quantity>& quantities) {
-  std::vector<Quantity> kept;
-  for (Quantity& quantity : quantities) {
+void KeepWanted(const ResultFile& file, const DiffOptions& options, std::vector<ComparedQuantity>& quantities) {
+  std::vector<ComparedQuantity> kept;
+  for (ComparedQuantity& quantity : quantities) {
     const bool is_defined = !quantity.components.empty();
     if (!options.WantsEntity(quantity.name.entity)) continue;
     if (!is_defined && !options.WantsNames({quantity.name.variable})) continue;

@@ -18,7 +18,7 @@ struct Component {
   std::vector<std::string> names;  ///< that it can be asked for by: of its handle, its variable and its results
 };
 
-struct Quantity {
+struct ComparedQuantity {
   bool IsConstant() const { return name.section == "constant"; }
   bool IsOverStates() const { return name.section == "multi-state"; }
 
@@ -28,10 +28,10 @@ struct Quantity {
 };
 
 /// All of a file. Its results of later states must be known.
-std::vector<Quantity> ListQuantities(ResultFile& file);
+std::vector<ComparedQuantity> ListQuantities(ResultFile& file);
 
 /// Keeps what the options ask for. Throws Trouble for a quantity without a definition, whose values cannot be read.
-void KeepWanted(const ResultFile& file, const DiffOptions& options, std::vector<Quantity>& quantities);
+void KeepWanted(const ResultFile& file, const DiffOptions& options, std::vector<ComparedQuantity>& quantities);
 
 /// Whether two files mean the same by these names.
 bool IsSameQuantity(const QuantityName& a, const QuantityName& b);

@@ -9,7 +9,7 @@
 
 namespace orvio::program {
 
-EntityValues ComponentValues::Of(std::size_t entity, std::size_t row) const {
+ComparedValues ComponentValues::Of(std::size_t entity, std::size_t row) const {
   const Piece* piece = &pieces_.front();
   if (pieces_.size() > 1) {
     const auto begins_behind = [](std::size_t at, const Piece& one) { return at < one.first_entity; };
@@ -20,7 +20,7 @@ EntityValues ComponentValues::Of(std::size_t entity, std::size_t row) const {
   return {piece->values.data() + place * step, piece->layers, piece->is_float};
 }
 
-StateValues::StateValues(ResultFile& file, const Quantity& quantity, int state)
+StateValues::StateValues(ResultFile& file, const ComparedQuantity& quantity, int state)
     : file_(file), state_(state), is_element_(quantity.name.is_element), is_complex_(quantity.name.is_complex) {
   for (ORVResult* block : quantity.blocks) {
     const Source source = Look(*block);

@@ -10,7 +10,7 @@
 namespace orvio::program {
 
 /// The values of one entity: its layers, of one part each, or two for complex values.
-struct EntityValues {
+struct ComparedValues {
   const double* values = nullptr;
   std::size_t layers = 0;
   bool is_float = false;  ///< stored as such
@@ -20,7 +20,7 @@ struct EntityValues {
 class ComponentValues {
  public:
   /// By their number among the ids, and by a row from 0 among the states of a block that has several.
-  EntityValues Of(std::size_t entity, std::size_t row) const;
+  ComparedValues Of(std::size_t entity, std::size_t row) const;
 
  private:
   friend class StateValues;
@@ -39,7 +39,7 @@ class ComponentValues {
 class StateValues {
  public:
   /// `state` is 0 for the constant section and -1 for blocks that hold all states.
-  StateValues(ResultFile& file, const Quantity& quantity, int state);
+  StateValues(ResultFile& file, const ComparedQuantity& quantity, int state);
 
   bool IsStored() const { return !sources_.empty(); }
   /// States of a block that holds several; 1 for all others.

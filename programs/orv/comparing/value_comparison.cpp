@@ -19,7 +19,8 @@ double AsFloat(double value) {
 
 }  // namespace
 
-ValueComparison::ValueComparison(const DiffOptions& options, const Quantity& a, const Quantity& b, LastMatch& matches)
+ValueComparison::ValueComparison(const DiffOptions& options, const ComparedQuantity& a, const ComparedQuantity& b,
+                                 LastMatch& matches)
     : is_element_(a.name.is_element), is_complex_(a.name.is_complex), matches_(matches) {
   std::vector<const Component*> left;
   for (const Component& component : b.components) left.push_back(&component);
@@ -48,7 +49,7 @@ void ValueComparison::Compare(StateValues& a, StateValues& b, std::vector<Row>& 
   }
 }
 
-void ValueComparison::CompareEntity(const Pair& pair, const EntityValues& a, const EntityValues& b, long long id,
+void ValueComparison::CompareEntity(const Pair& pair, const ComparedValues& a, const ComparedValues& b, long long id,
                                     ValueDifference& difference) const {
   const std::size_t parts = is_complex_ ? 2 : 1;
   const std::size_t count = std::min(a.layers, b.layers) * parts;

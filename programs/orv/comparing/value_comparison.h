@@ -16,7 +16,7 @@ namespace orvio::program {
 /// rounded to floats first.
 class ValueComparison {
  public:
-  ValueComparison(const DiffOptions& options, const Quantity& a, const Quantity& b, LastMatch& matches);
+  ValueComparison(const DiffOptions& options, const ComparedQuantity& a, const ComparedQuantity& b, LastMatch& matches);
 
   /// Rows of each side, and what was found there.
   struct Row {
@@ -33,7 +33,7 @@ class ValueComparison {
     Tolerance tolerance;
   };
 
-  void CompareEntity(const Pair& pair, const EntityValues& a, const EntityValues& b, long long id,
+  void CompareEntity(const Pair& pair, const ComparedValues& a, const ComparedValues& b, long long id,
                      ValueDifference& difference) const;
   void Count(const Pair& pair, const ValuePlace& place, std::size_t part, ValueDifference& difference) const;
 

@@ -47,7 +47,7 @@ std::string ZoneName(const ORVResult& block, std::size_t number) {
 }  // namespace
 
 /// Whether the dataset has the shape of its kind. `found` learns layers and ids.
-bool ArrayBuilder::Describe(const Quantity& quantity, Found& found) {
+bool ArrayBuilder::Describe(const LinkedQuantity& quantity, Found& found) {
   ORVResult& block = *found.block;
   found.holds_changes = file_.IsIncremental(block, found.state);
   const auto count = static_cast<hsize_t>(file_.CountAt(block, found.state));
@@ -71,7 +71,7 @@ bool ArrayBuilder::Describe(const Quantity& quantity, Found& found) {
 }
 
 /// The places where a block is: states, or the one of a block that holds for all or holds all.
-std::vector<ArrayBuilder::Found> ArrayBuilder::LookFor(const Quantity& quantity, ORVResult& block) {
+std::vector<ArrayBuilder::Found> ArrayBuilder::LookFor(const LinkedQuantity& quantity, ORVResult& block) {
   const bool is_by_state = !block.IsConstantBlk() && !quantity.is_over_states;
   const int first = is_by_state ? 1 : 0, last = is_by_state ? file_.states() : 0;
   std::vector<Found> all;
@@ -89,7 +89,7 @@ std::vector<ArrayBuilder::Found> ArrayBuilder::LookFor(const Quantity& quantity,
   return all;
 }
 
-std::vector<ArrayBuilder::Found> ArrayBuilder::FindBlock(const Quantity& quantity, ORVResult& block) {
+std::vector<ArrayBuilder::Found> ArrayBuilder::FindBlock(const LinkedQuantity& quantity, ORVResult& block) {
   std::vector<Found> all = LookFor(quantity, block);
   std::erase_if(all, [&](Found& found) {
     std::string why = "its values are not there as its header tells";
@@ -183,13 +183,13 @@ std::vector<ArrayBuilder::Group> ArrayBuilder::MakeGroups(const std::vector<std:
   return groups;
 }
 
-hsize_t ArrayBuilder::RowsOf(const Quantity& quantity, std::size_t step) const {
+hsize_t ArrayBuilder::RowsOf(const LinkedQuantity& quantity, std::size_t step) const {
   const Topology& topology = mesh_.topologies[mesh_.steps[step].topology];
   return quantity.is_on_points ? topology.points->rows() : topology.cells();
 }
 
-void ArrayBuilder::Append(const Quantity& quantity, const Placed& placed, std::size_t step, hsize_t layer, hsize_t part,
-                          LinkedArray& array) {
+void ArrayBuilder::Append(const LinkedQuantity& quantity, const Placed& placed, std::size_t step, hsize_t layer,
+                          hsize_t part, LinkedArray& array) {
   const Found& found = *placed.found;
   if (layer >= found.layers) return;
   ORVResult& block = *found.block;
@@ -211,7 +211,7 @@ void ArrayBuilder::Append(const Quantity& quantity, const Placed& placed, std::s
 }
 
 /// Steps with the same blocks in the same mesh share their rows.
-LinkedArray ArrayBuilder::BuildOne(const Quantity& quantity, const Group& group, hsize_t layer, hsize_t part) {
+LinkedArray ArrayBuilder::BuildOne(const LinkedQuantity& quantity, const Group& group, hsize_t layer, hsize_t part) {
   using Key = std::pair<std::size_t, std::vector<std::tuple<const ORVResult*, int, std::size_t>>>;
   LinkedArray array;
   array.is_on_points = quantity.is_on_points;
@@ -235,7 +235,7 @@ LinkedArray ArrayBuilder::BuildOne(const Quantity& quantity, const Group& group,
   return array;
 }
 
-std::vector<LinkedArray> ArrayBuilder::Build(const Quantity& quantity) {
+std::vector<LinkedArray> ArrayBuilder::Build(const LinkedQuantity& quantity) {
   std::vector<std::vector<Found>> blocks;
   for (ORVResult* block : quantity.blocks) blocks.push_back(FindBlock(quantity, *block));
   std::erase_if(blocks, [](const std::vector<Found>& found) { return found.empty(); });

@@ -15,7 +15,7 @@ class ArrayBuilder {
  public:
   ArrayBuilder(ResultFile& file, const Mesh& mesh, LinkReport& report) : file_(file), mesh_(mesh), report_(report) {}
 
-  std::vector<LinkedArray> Build(const Quantity& quantity);
+  std::vector<LinkedArray> Build(const LinkedQuantity& quantity);
 
  private:
   /// A block in a state, or the constant one.
@@ -40,17 +40,17 @@ class ArrayBuilder {
     std::unique_ptr<RunFinder> finder;
   };
 
-  std::vector<Found> LookFor(const Quantity& quantity, ORVResult& block);
-  std::vector<Found> FindBlock(const Quantity& quantity, ORVResult& block);
-  bool Describe(const Quantity& quantity, Found& found);
+  std::vector<Found> LookFor(const LinkedQuantity& quantity, ORVResult& block);
+  std::vector<Found> FindBlock(const LinkedQuantity& quantity, ORVResult& block);
+  bool Describe(const LinkedQuantity& quantity, Found& found);
   std::vector<std::vector<Placed>> PlaceBlock(const std::vector<Found>& found, const std::vector<bool>& constant_holds);
   std::vector<bool> StatesWithout(const std::vector<std::vector<Found>>& blocks) const;
   std::vector<Group> MakeGroups(const std::vector<std::vector<Found>>& blocks);
   Target& TargetOf(std::size_t topology, const ORVResult& block);
-  LinkedArray BuildOne(const Quantity& quantity, const Group& group, hsize_t layer, hsize_t part);
-  void Append(const Quantity& quantity, const Placed& placed, std::size_t step, hsize_t layer, hsize_t part,
+  LinkedArray BuildOne(const LinkedQuantity& quantity, const Group& group, hsize_t layer, hsize_t part);
+  void Append(const LinkedQuantity& quantity, const Placed& placed, std::size_t step, hsize_t layer, hsize_t part,
               LinkedArray& array);
-  hsize_t RowsOf(const Quantity& quantity, std::size_t step) const;
+  hsize_t RowsOf(const LinkedQuantity& quantity, std::size_t step) const;
 
   ResultFile& file_;
   const Mesh& mesh_;

@@ -111,7 +111,7 @@ class Linker {
   void Gather() {
     arrays_ = IdArrays(mesh_);
     ArrayBuilder builder(file_, mesh_, report_);
-    for (const Quantity& quantity : FindQuantities(file_, mesh_, report_)) {
+    for (const LinkedQuantity& quantity : FindQuantities(file_, mesh_, report_)) {
       for (LinkedArray& array : builder.Build(quantity)) arrays_.push_back(std::move(array));
     }
     std::set<std::pair<bool, std::string>> names;

@@ -74,12 +74,12 @@ class QuantityFinder {
  public:
   QuantityFinder(ResultFile& file, const Mesh& mesh, LinkReport& report) : file_(file), mesh_(mesh), report_(report) {}
 
-  std::vector<Quantity> Find() {
+  std::vector<LinkedQuantity> Find() {
     for (const int list : {1, 0}) {
       for (ORVResult* block : file_.filer().GetResultList(list)) Add(*block);
     }
     std::erase_if(quantities_,
-                  [&](const Quantity& quantity) { return quantity.is_over_states && IsByState(quantity); });
+                  [&](const LinkedQuantity& quantity) { return quantity.is_over_states && IsByState(quantity); });
     return std::move(quantities_);
   }
 
@@ -107,9 +107,11 @@ class QuantityFinder {
   }
 
   void Add(ORVResult& block, const Member& member, bool is_on_points) {
-    Quantity wanted{member.name, is_on_points, block.IsComplexBlk(), block.IsMultistateBlk(), member.first, {}, {}};
+    LinkedQuantity wanted{member.name, is_on_points, block.IsComplexBlk(), block.IsMultistateBlk(), member.first, {},
+                          {}};
     wanted.columns.resize(static_cast<std::size_t>(member.count));
-    const auto known = std::ranges::find_if(quantities_, [&](const Quantity& other) { return IsSame(other, wanted); });
+    const auto known =
+        std::ranges::find_if(quantities_, [&](const LinkedQuantity& other) { return IsSame(other, wanted); });
     if (known != quantities_.end()) return known->blocks.push_back(&block);
     std::iota(wanted.columns.begin(), wanted.columns.end(), member.first);
     if (member.variable && member.count == kTensorComponents) Arrange(member, wanted);
@@ -117,13 +119,13 @@ class QuantityFinder {
     quantities_.push_back(std::move(wanted));
   }
 
-  static bool IsSame(const Quantity& a, const Quantity& b) {
+  static bool IsSame(const LinkedQuantity& a, const LinkedQuantity& b) {
     return SameWord(a.name, b.name) && a.is_on_points == b.is_on_points && a.is_complex == b.is_complex &&
            a.is_over_states == b.is_over_states && a.first_column == b.first_column &&
            a.columns.size() == b.columns.size();
   }
 
-  void Arrange(const Member& member, Quantity& quantity) {
+  void Arrange(const Member& member, LinkedQuantity& quantity) {
     const VariableInfo info = DescribeVariable(file_.filer(), *member.variable);
     const std::vector<hsize_t> order = TensorOrder(info.components);
     if (order.empty() && info.shape == "tensor") {
@@ -136,8 +138,8 @@ class QuantityFinder {
   }
 
   /// Whether the states have it one by one, too.
-  bool IsByState(const Quantity& over) {
-    const bool found = std::ranges::any_of(quantities_, [&](const Quantity& other) {
+  bool IsByState(const LinkedQuantity& over) {
+    const bool found = std::ranges::any_of(quantities_, [&](const LinkedQuantity& other) {
       return !other.is_over_states && SameWord(other.name, over.name) && other.is_on_points == over.is_on_points &&
              other.is_complex == over.is_complex;
     });
@@ -148,7 +150,7 @@ class QuantityFinder {
   ResultFile& file_;
   const Mesh& mesh_;
   LinkReport& report_;
-  std::vector<Quantity> quantities_;
+  std::vector<LinkedQuantity> quantities_;
 };
 
 }  // namespace
@@ -164,7 +166,7 @@ std::vector<hsize_t> TensorOrder(const std::vector<std::string>& labels) {
   return order;
 }
 
-std::vector<Quantity> FindQuantities(ResultFile& file, const Mesh& mesh, LinkReport& report) {
+std::vector<LinkedQuantity> FindQuantities(ResultFile& file, const Mesh& mesh, LinkReport& report) {
   return QuantityFinder(file, mesh, report).Find();
 }
 

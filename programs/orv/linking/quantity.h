@@ -13,7 +13,7 @@
 namespace orvio::program {
 
 /// One variable for the points or the cells.
-struct Quantity {
+struct LinkedQuantity {
   std::string name;
   bool is_on_points = true, is_complex = false;
   bool is_over_states = false;   ///< in blocks that hold all states
@@ -23,7 +23,7 @@ struct Quantity {
 };
 
 /// Results of other entities than the nodes and the shown elements are noted as left out, coordinates are passed over.
-std::vector<Quantity> FindQuantities(ResultFile& file, const Mesh& mesh, LinkReport& report);
+std::vector<LinkedQuantity> FindQuantities(ResultFile& file, const Mesh& mesh, LinkReport& report);
 
 /// The stored component for each component of a symmetric tensor in VTK's order, XX YY ZZ XY YZ XZ, by the ends of six
 /// labels such as `SXX` or `E12`. Empty where they do not tell.
