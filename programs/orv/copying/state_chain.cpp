@@ -64,8 +64,8 @@ void StateScan::Look() {
     Chain& chain = incremental_[relative];
     for (const Stage& stage : stages) chain.stored_in.insert(stage.state);
     std::ranges::stable_sort(stages, {}, &Stage::identifier);
-    const auto twins = std::ranges::unique(stages, {}, &Stage::identifier);  // of these the first counts
-    stages.erase(twins.begin(), twins.end());
+    const auto is_twin = [](const Stage& a, const Stage& b) { return a.identifier == b.identifier; };
+    stages.erase(std::unique(stages.begin(), stages.end(), is_twin), stages.end());  // of these the first counts
     chain.stages = std::move(stages);
   }
 }
