@@ -1,17 +1,7 @@
 # Installs BUILD, moves the result, and builds a copy of EXAMPLES against it by CMake and by pkg-config, as C++17 and
 # without a warning. The programs must write what they are to write, and print what the files hold.
 
-file(REMOVE_RECURSE "${SCRATCH}")
-file(MAKE_DIRECTORY "${SCRATCH}")
-
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(NOT status EQUAL 0)
-    string(JOIN " " command ${ARGN})
-    message(FATAL_ERROR "failed (${status}): ${command}\n${output}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/run.cmake")
 
 run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${SCRATCH}/first")
 file(RENAME "${SCRATCH}/first" "${SCRATCH}/moved")

@@ -3,17 +3,7 @@
 # sources' headers, that its link has the library in it, and that nothing is installed unless asked for. The library is
 # not compiled again, which takes minutes; with ORVIO_TEST_WHOLE_SUBPROJECT in the environment it is, and the host runs.
 
-file(REMOVE_RECURSE "${SCRATCH}")
-file(MAKE_DIRECTORY "${SCRATCH}")
-
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(NOT status EQUAL 0)
-    string(JOIN " " command ${ARGN})
-    message(FATAL_ERROR "failed (${status}): ${command}\n${output}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/run.cmake")
 
 function(expect_match text pattern what)
   if(NOT text MATCHES "${pattern}")

@@ -29,8 +29,7 @@ class Completion : public ProgramTest {
     ProgramTest::SetUp();
     ForgedFile file;
     FillForgedResults(file);
-    file.at("/post/constant/parts/PART/orvblock").integer("block", 100).text("etyppart", "PART").integer("npart", 1);
-    file.integer("nindex", 0).dataset<std::int32_t>("pid", {1}, {7});
+    AddPart(file, 7);
     path_ = WriteFile("whole.orv", BytesOf(file.path()));
   }
 

@@ -103,6 +103,12 @@ inline void AddIndexTypes(ForgedFile& file, const std::vector<std::string>& name
   file.integer("nindex", static_cast<std::int64_t>(names.size())).texts("etypindex", 256, {names.size()}, names);
 }
 
+/// A part without a title.
+inline void AddPart(ForgedFile& file, std::int32_t id) {
+  file.at("/post/constant/parts/PART/orvblock").integer("block", 100).text("etyppart", "PART").integer("npart", 1);
+  file.integer("nindex", 0).dataset<std::int32_t>("pid", {1}, {id});
+}
+
 /// Two states, two element types.
 ///
 ///     constant  TEMP        2 nodes, float                      its variable has no label

@@ -192,6 +192,36 @@ TEST_F(RepackCommand, RefusesValuesThatAreMissing) {
   ExpectNoOutput();
 }
 
+/// A few packed bytes may claim to be any number of values.
+TEST_F(RepackCommand, RefusesMoreValuesThanItsFileCanHold) {
+  model_.file().at(kStress).integer("nent", 250'000'000).drop("res").raw([](hid_t block) {
+    const hsize_t shape[] = {250'000'000, 2};
+    const hid_t space = H5Screate_simple(2, shape, nullptr), creation = H5Pcreate(H5P_DATASET_CREATE);
+    H5Pset_chunk(creation, 2, shape);
+    H5Pset_deflate(creation, 6);
+    const hid_t dataset = H5Dcreate2(block, "res", H5T_IEEE_F32LE, space, H5P_DEFAULT, creation, H5P_DEFAULT);
+    const hsize_t first[] = {0, 0};
+    H5Dwrite_chunk(dataset, H5P_DEFAULT, 0, first, 8, "12345678");
+    H5Dclose(dataset);
+    H5Pclose(creation);
+    H5Sclose(space);
+  });
+  const std::string in = model_.path();
+  ExpectTrouble(RunOrv({"repack", in, "-o", Out()}), in, "is larger than its file can hold");
+  ExpectNoOutput();
+}
+
+/// The first versions have a title for each entity; how many entities there are a damaged header does not tell.
+TEST_F(RepackCommand, GivesTitlesToTheEntitiesThatAreThereAlone) {
+  const std::string block = kConstant + std::string("attributes/NODE_SET");
+  model_.file().at(model_.Part(block, "data")).drop("title");
+  model_.file().at(model_.Part(block, "header")).integer("nent", std::int64_t{1} << 40);
+  const std::string in = model_.path();
+  const ProgramRun run = RunOrv({"repack", in, "-o", Out(), "--format-version", "1.0", "-q"});
+  EXPECT_EQ(run.exit_code, 0) << run.err;
+  EXPECT_EQ(RawFile(Out()).shape("/post/constant/attributes/NODE_SET/data/title"), std::vector<hsize_t>{2});
+}
+
 TEST_F(RepackCommand, LeavesNothingBehindForWantOfSpace) {
   Surroundings surroundings;
   for (const long largest : {0L, 3000L, 20000L}) {

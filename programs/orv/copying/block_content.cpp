@@ -55,19 +55,22 @@ void LookAtFilters(hid_t dataset, BlockItem& item) {
   }
 }
 
-/// Extents are a claim: memory is taken for values that are there, and for a few that are not.
-void CheckExtents(const StoredDataset& stored, const std::string& shown_as) {
+/// Extents and widths are a claim: memory is taken for values that are there, as far as the file can hold them packed, and
+/// for a few that are not.
+void CheckSize(hid_t part, const StoredDataset& stored, const BlockItem& item, const std::string& shown_as) {
   constexpr std::uint64_t kUnwritten = 1 << 20;
-  constexpr std::uint64_t kMost = std::uint64_t{1} << 48;
-  if (stored.count <= kUnwritten) return;
-  if (!stored.is_written) RefuseItem(shown_as, stored.path, "values are missing");
-  if (stored.count > kMost / std::max<std::size_t>(stored.type.size, 1)) {
-    RefuseItem(shown_as, stored.path, "is larger than any memory");
-  }
+  constexpr double kUnbackedBytes = 64 << 20, kMostPerByte = 8000;
+  if (stored.count > kUnwritten && !stored.is_written) RefuseItem(shown_as, stored.path, "values are missing");
+  const double bytes = static_cast<double>(stored.count) * static_cast<double>(item.width);
+  if (bytes <= kUnbackedBytes) return;
+  const OwnedId file(H5Iget_file_id(part));
+  hsize_t size = 0;
+  if (file && H5Fget_filesize(file.get(), &size) >= 0 && bytes <= kMostPerByte * static_cast<double>(size)) return;
+  RefuseItem(shown_as, stored.path, "is larger than its file can hold");
 }
 
 void ReadValues(hid_t part, const StoredDataset& stored, BlockItem& item, const std::string& shown_as) {
-  CheckExtents(stored, shown_as);
+  CheckSize(part, stored, item, shown_as);
   item.bytes.resize(stored.count * item.width);
   if (stored.count == 0) return;
   std::vector<hsize_t> shape = item.shape;

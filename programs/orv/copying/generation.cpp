@@ -21,7 +21,9 @@ void WidenTitles(BlockContent& content, std::vector<std::string>& notes) {
   content.Remove("length");
   if (!stored && content.key == kParts) return;
   std::vector<std::string> titles = stored ? TextsOf(*stored) : std::vector<std::string>();
-  if (!stored) titles.resize(static_cast<std::size_t>(std::max<std::int64_t>(content.Number("nent"), 0)));
+  // One for each id that is there: the number in the header is a claim.
+  const BlockItem* ids = content.Item("entid");
+  if (!stored && ids) titles.resize(ids->count());
   if (std::ranges::any_of(titles, [](const std::string& title) { return title.size() > kTitleWidth; })) {
     notes.push_back(fmt::format("left out: what titles of {} have beyond 256 characters", content.place.relative));
   }

@@ -60,7 +60,8 @@ std::vector<Member> MembersOf(const ORVResult& block) {
       _ORVVarClassType variable_class = ORV_VARCLASS_UNKNOWN;
       int count = 0, offset = -1;
       const int status = group->GetVariableInfo(variable->m_varnam, type, variable_class, count, offset);
-      if (status != 0 || count < 1 || offset < 0) continue;
+      const bool is_there = status == 0 && count >= 1 && offset >= 0;
+      if (!is_there || static_cast<hsize_t>(offset) + static_cast<hsize_t>(count) > all) continue;
       members.push_back(
           {TextOf(variable->m_varnam), variable, static_cast<hsize_t>(offset), static_cast<hsize_t>(count)});
     }
