@@ -18,7 +18,7 @@ struct Plan {
   int kind = -1;  ///< a Damage, or below 0 for all of them in turn
   int jobs = 2;
   bool check = true;          ///< the library looks at the structure before HDF5 does
-  bool plain = false;         ///< HDF5 alone reads each mutant too
+  bool plain = false;         ///< HDF5 alone reads the mutants; what becomes of it is no finding
   std::string findings = "";  ///< folder for mutants that broke something
 };
 
@@ -61,7 +61,6 @@ struct Shift {
   std::uint64_t from = 0;     ///< first mutant; the next one is `jobs` further
   bool look_at_each = false;  ///< for leaks, up to `until`
   std::uint64_t until = 0;
-  bool plain = false;
   int board = -1;  ///< descriptor of the memory
 };
 

@@ -28,8 +28,7 @@ constexpr char kAsanOptions[] =
 /// One place for a worker.
 class Post {
  public:
-  Post(const Plan& plan, bool plain, int number) : plan_(plan) {
-    shift_.plain = plain;
+  Post(const Plan& plan, int number) : plan_(plan) {
     shift_.from = static_cast<std::uint64_t>(number);
     shift_.board = memfd_create("board", 0);
     if (shift_.board < 0 || ftruncate(shift_.board, sizeof(Board)) != 0) throw std::runtime_error("no shared memory");
@@ -121,7 +120,7 @@ class Post {
 
   /// The mutant, and the report beside it. HDF5 alone is not what is looked at.
   void Keep(std::uint64_t index, const char* what) const {
-    if (shift_.plain) return;
+    if (plan_.plain) return;
     const std::string name = std::string(what) + "-" + std::to_string(index);
     const Bytes bytes = MakeMutant(plan_, LoadSeeds(plan_), index);
     std::ofstream(plan_.findings + "/" + name + ".h5", std::ios::binary)
@@ -153,11 +152,11 @@ void Add(Counts& sum, const Counts& counts) {
 
 }  // namespace
 
-Outcome Watch(const Plan& plan, bool plain) {
+Outcome Watch(const Plan& plan) {
   Outcome outcome;
   const auto begin = std::chrono::steady_clock::now();
   std::vector<std::unique_ptr<Post>> posts;
-  for (int i = 0; i < plan.jobs; ++i) posts.push_back(std::make_unique<Post>(plan, plain, i));
+  for (int i = 0; i < plan.jobs; ++i) posts.push_back(std::make_unique<Post>(plan, i));
   for (const auto& post : posts) post->Start();
   for (std::size_t running = posts.size(); running > 0;) {
     int status = 0;

@@ -18,7 +18,7 @@ struct Outcome {
 };
 
 /// Lets workers read all mutants of a plan, a new one for each that dies.
-Outcome Watch(const Plan& plan, bool plain);
+Outcome Watch(const Plan& plan);
 
 /// Arguments of a worker, and back.
 std::vector<std::string> ArgumentsOf(const Plan& plan, const Shift& shift);

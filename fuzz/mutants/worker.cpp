@@ -89,7 +89,7 @@ class Worker {
 
   /// With HDF5 alone there is nothing of ours to leak.
   bool LeaksInBatch(std::uint64_t next) {
-    if (!shift_.plain && __lsan_do_recoverable_leak_check() != 0) return true;
+    if (!plan_.plain && __lsan_do_recoverable_leak_check() != 0) return true;
     BeginBatch(next);
     return false;
   }
@@ -101,7 +101,7 @@ class Worker {
     g_watch.limit = kAlwaysAllowed + 10 * bytes.size();
     g_watch.largest = 0;
     SetTimer(kSeconds);
-    g_watch.on = !shift_.plain;
+    g_watch.on = !plan_.plain;
     const bool same = Read(file.path(), index % kEveryRoad == 0);
     g_watch.on = false;
     SetTimer(0);
@@ -113,7 +113,7 @@ class Worker {
   /// Answers whether what is remembered of files changes nothing.
   bool Read(const char* path, bool by_every_road) {
     Counts& counts = board_.counts;
-    if (shift_.plain) {
+    if (plan_.plain) {
       const PlainTally tally = ReadPlain(path);
       counts.opened += tally.opened ? 1 : 0;
       counts.values += tally.values;
