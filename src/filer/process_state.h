@@ -77,6 +77,7 @@ struct ProcessState {
   hid_t dataset_access = -1;
   h5::CheckedFiles* checked_files = nullptr;    ///< made at the first open, never destroyed
   std::vector<h5::WrittenFile*> written_files;  ///< open ones; HDF5 owns them
+  bool is_closing = false;                      ///< the library closes a file, and looks at close_failed then
   bool close_failed = false;                    ///< HDF5 does not stand a close that fails: this tells of it instead
   std::vector<h5::IndexedFile*> indexed_files;  ///< those of the running operation; see FileInUse
   /// Arrays of the running operation, from the first byte to the one behind the last; see UnsetMemory.

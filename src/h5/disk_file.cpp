@@ -199,10 +199,13 @@ WrittenFile::~WrittenFile() {
   std::erase(process().written_files, this);
 }
 
+bool WrittenFile::IsHosts() const { return !is_ours_alone_ && !IsHeld() && !process().is_closing; }
+
 bool WrittenFile::Release(Outcome outcome) {
   --holders_;
   const bool spoils_more = outcome == Outcome::kFailed && IsHeld();
   if (outcome == Outcome::kGivenUp || spoils_more) changes_.Fail();
+  if (outcome == Outcome::kGood) TellFailure();
   return !changes_.HasFailed();
 }
 

@@ -36,6 +36,8 @@ class WrittenFile {
   /// Answers whether the changes can be kept so far.
   bool Release(Outcome outcome);
   bool IsHeld() const { return holders_ > 0; }
+  /// A host works with it by itself, and learns of failures from HDF5 alone.
+  bool IsHosts() const;
 
   /// HDF5 has come to the end of its open, in which it flushes what it is not done with.
   void EndOpening() { opening_ = false; }

@@ -95,6 +95,7 @@ File CreateFile(const char* name) {
 
 bool CloseFile(File& file) {
   process().close_failed = false;
+  const Swapped<bool> closing(process().is_closing, true);
   const bool closed = file.Close();
   return closed && !process().close_failed;
 }
@@ -309,8 +310,8 @@ int WriteFile::Finish(int status) {
   }
   const bool flushed = H5Fflush(file_.get(), H5F_SCOPE_GLOBAL) >= 0;
   const Outcome outcome = !flushed ? Outcome::kGivenUp : status == kOk ? Outcome::kGood : Outcome::kFailed;
-  const bool kept = ReleaseChanges(file_.get(), outcome);
   const std::string told = process().last_error;
+  const bool kept = ReleaseChanges(file_.get(), outcome);
   const bool closed = CloseFile(file_);
   if (status != kOk || (kept && closed)) return status;
   if (told != process().last_error) return kFail;  // the driver knows why

@@ -76,18 +76,27 @@ herr_t Read(H5FD_t* file, H5FD_mem_t /*type*/, hid_t /*transfer*/, haddr_t addre
   return Guarded([&] { return IsAddressable(address, size) && Of(file).Read(address, size, buffer); });
 }
 
-herr_t Write(H5FD_t* base, H5FD_mem_t /*type*/, hid_t /*transfer*/, haddr_t address, size_t size, const void* buffer) {
+/// Does something to the file that a writer has open. The change has failed with the first write that does, and whoever
+/// holds it will learn that. HDF5 is told only where a host has nobody else to learn it from: for the life of the process
+/// it keeps objects open that it could not flush, and with them the file.
+template <class Body>
+herr_t Changed(H5FD_t* base, Body&& body) noexcept {
   WrittenFile* file = Of(base).writer.get();
-  const herr_t status =
-      Guarded([&] { return file && IsAddressable(address, size) && file->changes().Write(address, buffer, size); });
-  if (status < 0 && file) file->changes().Fail();
-  return status;
+  if (!file) return -1;
+  if (Guarded([&] { return body(file->changes()); }) == 0) return 0;
+  file->changes().Fail();
+  return file->IsHosts() ? -1 : 0;
+}
+
+herr_t Write(H5FD_t* base, H5FD_mem_t /*type*/, hid_t /*transfer*/, haddr_t address, size_t size, const void* buffer) {
+  if (!IsAddressable(address, size)) return -1;
+  return Changed(base, [&](FileChanges& changes) { return changes.Write(address, buffer, size); });
 }
 
 herr_t Truncate(H5FD_t* base, hid_t /*transfer*/, hbool_t /*closing*/) {
   const DiskFile& file = Of(base);
   if (file.end_of_allocation == file.EndOfFile()) return 0;
-  return Guarded([&] { return file.writer && file.writer->changes().Resize(file.end_of_allocation); });
+  return Changed(base, [&](FileChanges& changes) { return changes.Resize(file.end_of_allocation); });
 }
 
 /// A file that nobody holds is open for a host, who expects to find on disk what was flushed. On the way to a close there
@@ -95,7 +104,8 @@ herr_t Truncate(H5FD_t* base, hid_t /*transfer*/, hbool_t /*closing*/) {
 herr_t Flush(H5FD_t* base, hid_t /*transfer*/, hbool_t closing) {
   WrittenFile* file = Of(base).writer.get();
   if (!file) return 0;
-  return Guarded([&] { return closing || !file->CommitsFlushes() ? file->changes().error() == 0 : file->Commit(); });
+  if (closing) return file->IsHosts() && file->changes().error() != 0 ? -1 : 0;
+  return Guarded([&] { return !file->CommitsFlushes() || file->Commit(); });
 }
 
 /// The lock was taken when the file was opened, and goes when it is closed.

@@ -13,6 +13,8 @@
 #include "h5/entry.h"
 #include "h5/h5_test.h"
 #include "orvio/oh5_reader.h"
+#include "support/full_disk.h"
+#include "support/raw_file.h"
 
 namespace {
 
@@ -110,6 +112,42 @@ TEST_F(FileAccess, OpensAFileTwiceInOneProcessWhileItIsWritten) {
   EXPECT_EQ(OH5WriteCloseFile(second), 0);
   EXPECT_EQ(OH5WriteCloseFile(first), 0);
   ExpectOpensAsEver();
+}
+
+TEST_F(FileAccess, LetsGoOfAFileThatCouldNotBeMadeOnAFullDisk) {
+  const std::string path = TempPath("made.orv");
+  {
+    const FullDisk full(1000);
+    hid_t file = -1;
+    ASSERT_EQ(OH5WriteOpenFile(path.c_str(), ORV_FILE_CREATE, &file), 0);
+    EXPECT_NE(OH5CreateSkeleton(file) + OH5WriteCloseFile(file), 0);
+  }
+  EXPECT_EQ(H5Fget_obj_count(H5F_OBJ_ALL, H5F_OBJ_ALL), 0);
+  hid_t file = -1;
+  ASSERT_EQ(OH5WriteOpenFile(path.c_str(), ORV_FILE_CREATE, &file), 0);
+  EXPECT_EQ(OH5CreateSkeleton(file), 0);
+  EXPECT_EQ(OH5WriteCloseFile(file), 0);
+  EXPECT_TRUE(RawFile(path).exists("/post/constant"));
+}
+
+/// Writes a dataset by HDF5 alone into a file of the library, and ends the process with 0 when HDF5 tells that it fails.
+[[noreturn]] void WriteByItselfOnAFullDisk(const std::string& path) {
+  hid_t file = -1;
+  if (OH5WriteOpenFile(path.c_str(), ORV_FILE_APPEND, &file) != 0) std::_Exit(99);
+  const FullDisk full(path, 0);
+  const std::vector<double> values(100000, 1);
+  const hsize_t extent = values.size();
+  const hid_t space = H5Screate_simple(1, &extent, nullptr);
+  const hid_t dataset = H5Dcreate2(file, "mine", H5T_NATIVE_DOUBLE, space, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
+  const herr_t written = H5Dwrite(dataset, H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data());
+  std::_Exit(written < 0 && H5Fflush(file, H5F_SCOPE_GLOBAL) < 0 && OH5WriteCloseFile(file) != 0 ? 0 : 1);
+}
+
+TEST_F(FileAccess, TellsAHostThatWritesByItselfOfAFullDisk) {
+  const std::string before = BytesOf(path_);
+  // In a process of its own: HDF5 keeps objects open that it could not flush.
+  EXPECT_EXIT(WriteByItselfOnAFullDisk(path_), testing::ExitedWithCode(0), "");
+  EXPECT_EQ(BytesOf(path_), before);
 }
 
 TEST_F(FileAccess, HandsTheDescriptorOfTheFileToAHostThatAsks) {
