@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <orvio/orv/error.hpp>
 #include <system_error>
 
 #include "commands/commands.h"
@@ -83,6 +84,8 @@ int RunCommand(CLI::App& app, int argc, char** argv) {
     Tell(orvio::program::UsageTrouble(app, error));
   } catch (const orvio::program::Trouble& trouble) {
     Tell(trouble.what());
+  } catch (const orv::Error& error) {
+    Tell(error.what());
   } catch (const std::bad_alloc&) {
     Tell(Called(app) + ": there is not enough memory; ask for less at a time, such as one state or some ids");
   } catch (const std::system_error& error) {

@@ -135,7 +135,7 @@ TEST_F(ModernDamage, ThatAnnouncesMoreComponentsThanTheVariableHasTakesNoneAway)
 }
 
 TEST_F(ModernDamage, OfLayersIsAnError) {
-  for (const std::int64_t layers : {3LL, 1LL << 40, 0x7fffffffffffffffLL}) {
+  for (const std::int64_t layers : {-1LL, 0LL, 3LL, 1LL << 40, 0x7fffffffffffffffLL}) {
     ForgedModel model;
     model.variable({.name = "Heat", .key = "Heat"});
     model.in_state(

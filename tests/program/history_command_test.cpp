@@ -219,8 +219,8 @@ TEST_F(HistoryCommand, ComesFromTheStatesWhereTheyHaveTheIdOnAnotherEntityType) 
   AddMultiState(file_, "SHELL", "STRESS", {11, 21});
   EXPECT_THAT(History({"STRESS", "--ids", "21", "--csv"}),
               StartsWith("state,TIME,STEP,SXX,\"S,Y\"\n1,0.125,1,-1,-2\n"));
-  EXPECT_THAT(History({"STRESS", "--ids", "11", "--csv"}),
-              StartsWith("state,TIME,STEP,SHELL:SXX,\"SHELL:S,Y\"\n1,0.1,1,11.1,-11.1\n"));
+  EXPECT_THAT(History({"STRESS", "--ids", "11", "--entity", "SHELL", "--csv"}),
+              StartsWith("state,TIME,STEP,SXX,\"S,Y\"\n1,0.1,1,11.1,-11.1\n"));
 }
 
 TEST_F(HistoryCommand, ComesFromTheStatesWhereABlockOverAllStatesIsDamagedOrTooShort) {

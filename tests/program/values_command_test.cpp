@@ -147,7 +147,9 @@ TEST_F(ValuesCommand, NumbersEntitiesWithoutIds) {
 TEST_F(ValuesCommand, RefusesABlockWhoseIdsAreDamaged) {
   file_.at("/post/constant/entityresults/NODE/TEMP/orvblock").drop("entid").dataset<std::int32_t>("entid", {1}, {3});
   const ProgramRun run = Run({"TEMP"});
-  ExpectTrouble(run, file_.path(), "block /post/constant/entityresults/NODE/TEMP/orvblock cannot be read");
+  ExpectTrouble(run, file_.path(),
+                "values cannot be read: DatasetIO::   \"entid\" dimension mismatch "
+                "(block /post/constant/entityresults/NODE/TEMP/orvblock");
 }
 
 /// One id on all nodes and in a zone.
@@ -330,9 +332,16 @@ TEST_F(ValuesCommand, RefusesABlockWithoutComponentsOrLayers) {
   for (const char* attribute : {"ncoo", "numl"}) {
     file_.at(kState1 + block).integer(attribute, 0);
     ExpectTrouble(Run({"STRESS", "--state", "1", "--entity", "SHELL"}), file_.path(),
-                  std::string(attribute) == "ncoo" ? "state 1 has no values of \"STRESS\"" : block + " cannot be read");
+                  std::string(attribute) == "ncoo" ? "state 1 has no values of \"STRESS\"" : "values cannot be read");
     file_.at(kState1 + block).integer(attribute, 2);
   }
+}
+
+TEST_F(ValuesCommand, HasTheLayersOfEachState) {
+  const std::string block = std::string(kState2) + "elementresults/SHELL/STRESS/orvblock";
+  file_.at(block).integer("numl", 1).drop("res").dataset<float>("res", {2, 1, 2}, {1, 2, 3, 4});
+  EXPECT_EQ(Values({"STRESS", "--entity", "SHELL", "--states", "1,2", "--csv"}),
+            "state,id,layer,SXX,\"S,Y\"\n1,11,1,1,2\n1,11,2,3,4\n1,12,1,5,6\n1,12,2,7,8\n2,11,1,1,2\n2,12,1,3,4\n");
 }
 
 TEST_F(ValuesCommand, RefusesABlockWithoutItsValues) {

@@ -59,10 +59,7 @@ class File {
   }
   State state(int number) {
     reader_.require_state(number, 1);
-    const ORVIndexBase<int, double>* index = filer().GetStateIndexDP(false);
-    if (!index || number > index->GetNumState() || !index->GetIndexVals()) return {number, {}};
-    const double* row = index->GetIndexVals() + static_cast<std::ptrdiff_t>(number - 1) * index->GetNumIndex();
-    return {number, {row, row + index->GetNumIndex()}};
+    return reader_.state(number);
   }
   /// What the columns of State::index are; numbered where the file names none.
   std::vector<Component> index_columns() {
@@ -127,10 +124,14 @@ class File {
   /// `T` is float or double, whatever the file stores.
   template <class T = double>
   std::vector<Values<T>> values(const std::string& variable, const Selection& selection = {}) {
-    const int state = selection.state == Selection::kLast ? last_state() : selection.state;
-    std::vector<Values<T>> all = reader_.values<T>(variable, selection, state);
-    if (all.empty()) reader_.fail_to_find(variable, selection, state);
+    std::vector<Values<T>> all = find_values<T>(variable, selection);
+    if (all.empty()) reader_.fail_to_find(variable, selection, state_of(selection));
     return all;
+  }
+  /// The same; empty when there is nothing of that name there.
+  template <class T = double>
+  std::vector<Values<T>> find_values(const std::string& variable, const Selection& selection = {}) {
+    return reader_.values<T>(variable, selection, state_of(selection));
   }
   /// Coordinates of the nodes: `values` of "COORDINATE" at "NODE", those of several zones one behind the other.
   template <class T = double>
@@ -153,10 +154,15 @@ class File {
     selection.layer = layer;
     selection.entity = entity;
     detail::Curves read = detail::read_curves(reader_, variable, selection);
-    return {variable, read.states.empty() ? states() : std::move(read.states), std::move(read.curves)};
+    return {std::move(read.variable), read.is_double, read.states.empty() ? states() : std::move(read.states),
+            std::move(read.curves)};
   }
 
  private:
+  int state_of(const Selection& selection) const noexcept {
+    return selection.state == Selection::kLast ? last_state() : selection.state;
+  }
+
   template <class T>
   Values<T> join(std::vector<Values<T>> blocks) const {
     std::size_t numbers = 0;

@@ -87,6 +87,7 @@ struct Values {
   int state = 0;     ///< 1-based; 0 for constant values
   bool is_complex = false;
   bool on_elements = false;
+  bool is_double = false;  ///< the file stores 64-bit floats
   std::vector<Component> components;
   std::size_t layers = 1;         ///< layers or integration points of an element
   std::vector<std::int64_t> ids;  ///< one per entity; 1, 2 and so on where the file has none
@@ -114,21 +115,24 @@ struct Selection {
   std::optional<std::int64_t> part = {};  ///< elements of this part, or their nodes; none: all
   std::vector<std::int64_t> ids = {};     ///< in this order; those that are not there are left out; empty: all
   int layer = 0;                          ///< of elements, from 1; 0: all
-  std::string component = {};             ///< by its name; empty: all
+  std::string component = {};             ///< by its name, or its number from 1; empty: all
   std::string entity = {};                ///< "NODE", "HEX8"; empty: all
 };
 
 /// One curve of a history.
 struct Curve {
   std::string entity, zone, component;
+  std::string unit = {};  ///< of the component; empty where the file tells none
   std::int64_t id = 0;
-  int layer = 1;                              ///< from 1
+  int layer = 1;  ///< from 1
+  bool on_elements = false;
   std::vector<std::optional<double>> values;  ///< one per state; nothing where the state has no value
 };
 
 /// Values over all states.
 struct History {
-  std::string variable;
+  std::string variable;    ///< as the file calls it
+  bool is_double = false;  ///< the file stores 64-bit floats
   std::vector<State> states;
   std::vector<Curve> curves;
 };

@@ -58,7 +58,7 @@ Json ToJson(const TableDifference& difference) {
 }
 
 Json Number(double value, bool is_float) {
-  const Json number = is_float ? JsonNumber(static_cast<float>(value)) : JsonNumber(value);
+  const Json number = JsonNumber(value, !is_float);
   return number;
 }
 

@@ -17,6 +17,7 @@
 #include "plot/line_plot.h"
 #include "reading/history.h"
 #include "reading/units.h"
+#include "reading/values.h"
 #include "trouble.h"
 
 namespace orvio::program {
@@ -25,24 +26,22 @@ namespace {
 /// The shortest text that reads back as the same value; nothing for a state without one.
 std::string Text(const History& history, const std::optional<double>& value) {
   if (!value) return "";
-  return history.is_double ? fmt::format("{}", *value) : fmt::format("{}", static_cast<float>(*value));
+  return ShortText(*value, history.is_double);
 }
 
 std::vector<std::string> Heading(const History& history) {
   std::vector<std::string> heading = {"state"};
-  for (std::size_t i = 0; i < history.index_names.size(); ++i) {
-    heading.push_back(WithUnit(history.index_names[i], history.index_units[i]));
-  }
+  for (const orv::Component& column : history.index_columns) heading.push_back(WithUnit(column.name, column.unit));
   const std::vector<std::string> names = CurveNames(history);
   for (std::size_t i = 0; i < names.size(); ++i) heading.push_back(WithUnit(names[i], history.curves[i].unit));
   return heading;
 }
 
 std::vector<std::string> Row(const History& history, std::size_t row) {
-  std::vector<std::string> cells = {fmt::format("{}", history.states[row])};
-  for (const double value : history.index[row]) cells.push_back(fmt::format("{}", value));
-  cells.resize(1 + history.index_names.size());
-  for (const Curve& curve : history.curves) cells.push_back(Text(history, curve.values[row]));
+  std::vector<std::string> cells = {fmt::format("{}", history.states[row].number)};
+  for (const double value : history.states[row].index) cells.push_back(fmt::format("{}", value));
+  cells.resize(1 + history.index_columns.size());
+  for (const orv::Curve& curve : history.curves) cells.push_back(Text(history, curve.values[row]));
   return cells;
 }
 
@@ -57,12 +56,12 @@ void PrintCsv(const History& history) {
   for (std::size_t row = 0; row < history.states.size(); ++row) PrintCsvLine(Row(history, row));
 }
 
-Json ToJson(const Curve& curve) {
+Json ToJson(const orv::Curve& curve, bool is_double) {
   Json json = {{"entity", curve.entity}, {"component", curve.component}, {"unit", curve.unit}, {"id", curve.id}};
   if (!curve.zone.empty()) json["zone"] = curve.zone;
-  if (curve.layer != 0) json["layer"] = curve.layer;
+  if (curve.on_elements) json["layer"] = curve.layer;
   Json values = Json::array();
-  for (const auto& value : curve.values) values.push_back(value ? JsonNumber(*value) : Json());
+  for (const auto& value : curve.values) values.push_back(value ? JsonNumber(*value, is_double) : Json());
   json["values"] = std::move(values);
   return json;
 }
@@ -70,37 +69,40 @@ Json ToJson(const Curve& curve) {
 void PrintAsJson(const std::string& file, const History& history) {
   Json json = JsonAnswer("history", file);
   json.update({{"variable", history.variable},
-               {"index", history.index_names},
-               {"index_units", history.index_units},
+               {"index", Json::array()},
+               {"index_units", Json::array()},
                {"states", Json::array()},
                {"curves", Json::array()}});
-  for (std::size_t row = 0; row < history.states.size(); ++row) {
-    json["states"].push_back({{"state", history.states[row]}, {"index", JsonNumbers(history.index[row])}});
+  for (const orv::Component& column : history.index_columns) {
+    json["index"].push_back(column.name);
+    json["index_units"].push_back(column.unit);
   }
-  for (const Curve& curve : history.curves) json["curves"].push_back(ToJson(curve));
+  for (const orv::State& state : history.states) {
+    json["states"].push_back({{"state", state.number}, {"index", JsonNumbers(state.index)}});
+  }
+  for (const orv::Curve& curve : history.curves) json["curves"].push_back(ToJson(curve, history.is_double));
   PrintJson(json);
 }
 
 /// What all curves have in common of a member, else `otherwise`.
-std::string Common(const History& history, std::string Curve::*member, const std::string& otherwise) {
+std::string Common(const History& history, std::string orv::Curve::*member, const std::string& otherwise) {
   const std::string& first = history.curves.front().*member;
   const bool is_common =
-      std::ranges::all_of(history.curves, [&](const Curve& curve) { return curve.*member == first; });
+      std::ranges::all_of(history.curves, [&](const orv::Curve& curve) { return curve.*member == first; });
   return is_common ? first : otherwise;
 }
 
 /// Over the first index value, or over the states where they have none.
 LinePlot PlotOf(const History& history) {
   LinePlot plot;
-  const std::string unit = Common(history, &Curve::unit, "");
+  const std::string unit = Common(history, &orv::Curve::unit, "");
   plot.title = history.variable;
-  plot.y_label = WithUnit(Common(history, &Curve::component, history.variable), unit);
+  plot.y_label = WithUnit(Common(history, &orv::Curve::component, history.variable), unit);
+  const std::vector<orv::Component>& columns = history.index_columns;
   const bool has_index =
-      !history.index_names.empty() && std::ranges::none_of(history.index, [](const auto& row) { return row.empty(); });
-  plot.x_label = has_index ? WithUnit(history.index_names.front(), history.index_units.front()) : "state";
-  for (std::size_t row = 0; row < history.states.size(); ++row) {
-    plot.x.push_back(has_index ? history.index[row].front() : history.states[row]);
-  }
+      !columns.empty() && std::ranges::none_of(history.states, &std::vector<double>::empty, &orv::State::index);
+  plot.x_label = has_index ? WithUnit(columns.front().name, columns.front().unit) : "state";
+  for (const orv::State& state : history.states) plot.x.push_back(has_index ? state.time() : state.number);
   const std::vector<std::string> names = CurveNames(history);
   for (std::size_t i = 0; i < names.size(); ++i) {
     plot.lines.push_back(

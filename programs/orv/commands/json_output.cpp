@@ -19,8 +19,7 @@ Json JsonAnswer(std::string_view command, const std::string& file) {
   return {{"schema_version", kSchemaVersion}, {"command", command}, {"file", file}};
 }
 
-Json JsonNumber(double value) { return Number(value); }
-Json JsonNumber(float value) { return Number(value); }
+Json JsonNumber(double value, bool is_double) { return is_double ? Number(value) : Number(static_cast<float>(value)); }
 
 Json JsonNumbers(const std::vector<double>& values) {
   Json numbers = Json::array();

@@ -18,8 +18,7 @@ inline constexpr int kSchemaVersion = 1;
 Json JsonAnswer(std::string_view command, const std::string& file);
 
 /// JSON has no word for numbers that are not finite: they become texts.
-Json JsonNumber(double value);
-Json JsonNumber(float value);
+Json JsonNumber(double value, bool is_double = true);
 Json JsonNumbers(const std::vector<double>& values);
 
 /// Prints an answer on standard output. Texts of a file that are not UTF-8 come with replacement characters.

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,71 +17,83 @@
 #include "reading/result_file.h"
 #include "reading/state_selection.h"
 #include "reading/units.h"
-#include "reading/value_table.h"
+#include "reading/values.h"
 #include "trouble.h"
 
 namespace orvio::program {
 namespace {
 
-/// The shortest text that reads back as the same value.
-std::string ValueText(const ValueTable& table, std::size_t row, std::size_t column) {
-  return std::visit([&](const auto& values) { return fmt::format("{}", values[row * table.columns.size() + column]); },
-                    table.values);
-}
+/// Rows of values as they are printed: one of each entity, or of each layer of an element.
+class ValueRows {
+ public:
+  explicit ValueRows(const Values& values) : values_(values), columns_(ColumnsOf(values)) {}
 
-Json ValueJson(const ValueTable& table, std::size_t row, std::size_t column) {
-  return std::visit([&](const auto& values) { return JsonNumber(values[row * table.columns.size() + column]); },
-                    table.values);
-}
+  std::size_t size() const { return values_.size() * values_.layers; }
+  const std::vector<orv::Component>& columns() const { return columns_; }
+  std::int64_t id(std::size_t row) const { return values_.ids[row / values_.layers]; }
+  std::size_t layer(std::size_t row) const { return row % values_.layers + 1; }
+  double value(std::size_t row, std::size_t column) const { return values_.data[row * columns_.size() + column]; }
 
-std::vector<std::string> Heading(const ValueTable& table) {
+ private:
+  const Values& values_;
+  std::vector<orv::Component> columns_;
+};
+
+std::vector<std::string> Heading(const Values& values) {
   std::vector<std::string> heading = {"id"};
-  if (table.has_layers) heading.emplace_back("layer");
-  for (std::size_t i = 0; i < table.columns.size(); ++i) heading.push_back(WithUnit(table.columns[i], table.units[i]));
+  if (values.on_elements) heading.emplace_back("layer");
+  for (const orv::Component& column : ColumnsOf(values)) heading.push_back(WithUnit(column.name, column.unit));
   return heading;
 }
 
-std::vector<std::string> Row(const ValueTable& table, std::size_t row) {
-  std::vector<std::string> cells = {fmt::format("{}", table.ids[row])};
-  if (table.has_layers) cells.push_back(fmt::format("{}", table.layers[row]));
-  for (std::size_t column = 0; column < table.columns.size(); ++column) cells.push_back(ValueText(table, row, column));
-  return cells;
+/// Calls `take` with the cells of each row.
+template <class Take>
+void ForEachRow(const Values& values, Take take) {
+  const ValueRows rows(values);
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    std::vector<std::string> cells = {fmt::format("{}", rows.id(row))};
+    if (values.on_elements) cells.push_back(fmt::format("{}", rows.layer(row)));
+    for (std::size_t column = 0; column < rows.columns().size(); ++column) {
+      cells.push_back(ShortText(rows.value(row, column), values.is_double));
+    }
+    take(std::move(cells));
+  }
 }
 
-/// Which of state, entity type and zone differ between tables, and so have to be shown.
+/// Which of state, entity type and zone differ between blocks, and so have to be shown.
 struct Differing {
-  explicit Differing(const std::vector<ValueTable>& tables) {
-    for (const ValueTable& table : tables) {
-      state = state || table.state != tables.front().state;
+  explicit Differing(const std::vector<Values>& all) {
+    for (const Values& values : all) {
+      state = state || values.state != all.front().state;
       // Two blocks of one type in a state are told apart by their headings too.
-      const auto in_state = [&](const ValueTable& other) { return other.state == table.state; };
-      entity = entity || std::ranges::count_if(tables, in_state) > 1 || table.entity != tables.front().entity;
-      zone = zone || !table.zone.empty();
+      const auto in_state = [&](const Values& other) { return other.state == values.state; };
+      entity = entity || std::ranges::count_if(all, in_state) > 1 || values.entity != all.front().entity;
+      zone = zone || !values.zone.empty();
     }
   }
 
   bool state = false, entity = false, zone = false;
 };
 
-std::string Title(const ValueTable& table, const Differing& differing) {
-  const std::string state = differing.state ? fmt::format("state {}", table.state) : "";
-  std::string entity = differing.entity ? table.entity : "";
-  if (!table.zone.empty()) entity += (entity.empty() ? "zone " : ", zone ") + table.zone;
+std::string Title(const Values& values, const Differing& differing) {
+  const std::string state = differing.state ? fmt::format("state {}", values.state) : "";
+  std::string entity = differing.entity ? values.entity : "";
+  if (!values.zone.empty()) entity += (entity.empty() ? "zone " : ", zone ") + values.zone;
   return state + (state.empty() || entity.empty() ? "" : ", ") + entity;
 }
 
-void PrintText(const std::vector<ValueTable>& tables) {
-  const Differing differing(tables);
-  for (const ValueTable& table : tables) {
-    Table text(Heading(table));
-    for (std::size_t row = 0; row < table.ids.size(); ++row) text.Add(Row(table, row));
-    text.Print(Title(table, differing));
+void PrintText(const std::vector<Values>& all) {
+  const Differing differing(all);
+  for (const Values& values : all) {
+    Table table(Heading(values));
+    ForEachRow(values, [&](std::vector<std::string> cells) { table.Add(std::move(cells)); });
+    table.Print(Title(values, differing));
   }
 }
 
 /// With several states or blocks the state and the entity type are the first columns.
-void PrintCsv(const std::vector<ValueTable>& tables) {
-  const Differing differing(tables);
+void PrintCsv(const std::vector<Values>& all) {
+  const Differing differing(all);
   const auto line = [&](const std::string& state, const std::string& entity, const std::string& zone,
                         std::vector<std::string> fields) {
     if (differing.zone) fields.insert(fields.begin(), zone);
@@ -89,35 +102,41 @@ void PrintCsv(const std::vector<ValueTable>& tables) {
     PrintCsvLine(fields);
   };
   std::vector<std::string> heading;
-  for (const ValueTable& table : tables) {
-    if (heading != Heading(table)) line("state", "entity", "zone", heading = Heading(table));
-    for (std::size_t row = 0; row < table.ids.size(); ++row) {
-      line(fmt::format("{}", table.state), table.entity, table.zone, Row(table, row));
-    }
+  for (const Values& values : all) {
+    if (heading != Heading(values)) line("state", "entity", "zone", heading = Heading(values));
+    const std::string state = fmt::format("{}", values.state);
+    ForEachRow(values,
+               [&](std::vector<std::string> cells) { line(state, values.entity, values.zone, std::move(cells)); });
   }
 }
 
-Json ToJson(const ValueTable& table) {
-  Json rows = Json::array();
-  for (std::size_t row = 0; row < table.ids.size(); ++row) {
-    Json values = Json::array();
-    for (std::size_t column = 0; column < table.columns.size(); ++column)
-      values.push_back(ValueJson(table, row, column));
-    Json entry = {{"id", table.ids[row]}};
-    if (table.has_layers) entry["layer"] = table.layers[row];
-    entry["values"] = std::move(values);
+Json ToJson(const Values& values) {
+  const ValueRows all(values);
+  Json columns = Json::array(), units = Json::array(), rows = Json::array();
+  for (const orv::Component& column : all.columns()) {
+    columns.push_back(column.name);
+    units.push_back(column.unit);
+  }
+  for (std::size_t row = 0; row < all.size(); ++row) {
+    Json numbers = Json::array();
+    for (std::size_t column = 0; column < all.columns().size(); ++column) {
+      numbers.push_back(JsonNumber(all.value(row, column), values.is_double));
+    }
+    Json entry = {{"id", all.id(row)}};
+    if (values.on_elements) entry["layer"] = all.layer(row);
+    entry["values"] = std::move(numbers);
     rows.push_back(std::move(entry));
   }
-  Json json = {{"entity", table.entity},   {"variable", table.variable}, {"state", table.state},
-               {"columns", table.columns}, {"units", table.units},       {"rows", std::move(rows)}};
-  if (!table.zone.empty()) json["zone"] = table.zone;
+  Json json = {{"entity", values.entity},       {"variable", values.variable}, {"state", values.state},
+               {"columns", std::move(columns)}, {"units", std::move(units)},   {"rows", std::move(rows)}};
+  if (!values.zone.empty()) json["zone"] = values.zone;
   return json;
 }
 
-void PrintAsJson(const std::string& file, const std::vector<ValueTable>& tables) {
+void PrintAsJson(const std::string& file, const std::vector<Values>& all) {
   Json json = JsonAnswer("values", file);
   json["blocks"] = Json::array();
-  for (const ValueTable& table : tables) json["blocks"].push_back(ToJson(table));
+  for (const Values& values : all) json["blocks"].push_back(ToJson(values));
   PrintJson(json);
 }
 
@@ -132,13 +151,13 @@ struct Options {
 void Run(Options& options) {
   for (const std::string& id : options.ids) AppendIds("--ids", id, options.request.ids);
   ResultFile file(options.file);
-  std::vector<ValueTable> tables;
+  std::vector<Values> all;
   for (const int state : StatesOf(file, options.states)) {
-    for (ValueTable& table : ReadValueTables(file, options.request, state)) tables.push_back(std::move(table));
+    for (Values& values : ReadValues(file, options.request, state)) all.push_back(std::move(values));
   }
-  CheckIds(file, options.request, tables);
-  if (options.json) return PrintAsJson(options.file, tables);
-  options.csv ? PrintCsv(tables) : PrintText(tables);
+  CheckIds(file, options.request, all);
+  if (options.json) return PrintAsJson(options.file, all);
+  options.csv ? PrintCsv(all) : PrintText(all);
 }
 
 }  // namespace

@@ -154,6 +154,19 @@ void CheckDefinition(ResultFile& file, const std::string& name) {
   }
 }
 
+FoundQuantity FindBlocks(ResultFile& file, const ValueRequest& request, ResultList list) {
+  FoundQuantity quantity = FindQuantity(file, request.variable, list);
+  std::erase_if(quantity.blocks, [&](const ORVResult* block) {
+    return !request.entity.empty() && !SameWord(TextOf(block->m_etyp), request.entity);
+  });
+  return quantity;
+}
+
+void CheckComponent(ResultFile& file, const ValueRequest& request, ResultList list) {
+  const FoundQuantity quantity = FindBlocks(file, request, list);
+  for (const ORVResult* block : quantity.blocks) (void)ColumnsOf(file, request, quantity, *block);
+}
+
 std::vector<ComponentColumn> ColumnsOf(ResultFile& file, const ValueRequest& request, const FoundQuantity& quantity,
                                        const ORVResult& block) {
   if (quantity.handle) {

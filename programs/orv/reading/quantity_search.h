@@ -43,6 +43,12 @@ std::string SuggestionFor(ResultFile& file, const ValueRequest& request);
 /// Throws Trouble when the blocks of that name lack a definition: they have no components to ask for.
 void CheckDefinition(ResultFile& file, const std::string& name);
 
+/// The blocks of that variable and entity type in one of the lists.
+FoundQuantity FindBlocks(ResultFile& file, const ValueRequest& request, ResultList list);
+
+/// Throws Trouble for a component that a block of that variable and entity type does not have.
+void CheckComponent(ResultFile& file, const ValueRequest& request, ResultList list);
+
 /// The stored components of a block that a request asks for. Throws Trouble for a component that there is not.
 std::vector<ComponentColumn> ColumnsOf(ResultFile& file, const ValueRequest& request, const FoundQuantity& quantity,
                                        const ORVResult& block);

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <map>
+#include <orvio/orv.hpp>
 #include <set>
 #include <string>
 #include <utility>
@@ -24,13 +25,6 @@ struct StateOrder {
 struct StateChain {
   int base = 0;              ///< the state that is read as it stands
   std::vector<int> changes;  ///< those whose changes follow, in order
-};
-
-/// A filer that shows the index of a block.
-class IndexFiler : public ORVFiler {
- public:
-  using ORVFiler::ORVFiler;
-  using ORVFiler::ReadIncrIndex;
 };
 
 /// Receives what the library tells while any of these lives, and prints it on standard error. A message does not say of
@@ -54,17 +48,18 @@ class ResultFile {
   ResultFile(const ResultFile&) = delete;
   ResultFile& operator=(const ResultFile&) = delete;
 
-  const std::string& path() const { return path_; }
-  ORVFiler& filer() { return Filer(); }
-  int states() const { return states_; }
+  const std::string& path() const { return file_.path(); }
+  orv::File& file();
+  ORVFiler& filer() { return file().filer(); }
+  int states() const { return file_.state_count(); }
 
   /// Makes the results known that only later states have: those of one state, or of all (0).
   void LearnLaterResults(int state);
 
   /// Names of the columns of the state index; numbered where the file names none.
-  std::vector<std::string> IndexNames() { return IndexNames(IndexColumns()); }
+  std::vector<std::string> IndexNames();
   /// One per name; empty where the file tells none.
-  std::vector<std::string> IndexUnits() { return IndexUnits(IndexColumns()); }
+  std::vector<std::string> IndexUnits();
   /// The same for so many columns of another index.
   std::vector<std::string> IndexNames(std::size_t columns);
   std::vector<std::string> IndexUnits(std::size_t columns);
@@ -88,17 +83,12 @@ class ResultFile {
   bool IsFirstLook(const ORVResult& result, int state) { return seen_.emplace(result.GetBlkPath(), state).second; }
 
  private:
-  IndexFiler& Filer();
-  std::size_t IndexColumns();
-
-  std::string path_;
-  int states_;
   MessageListener listener_;
+  orv::File file_;
   bool knows_all_results_ = false;
   std::map<std::string, StateOrder> orders_;  ///< by the path of the block
   std::set<std::pair<std::string, int>> seen_;
   StateOrder mapped_;  ///< that of the filer's map
-  IndexFiler filer_;
 };
 
 }  // namespace orvio::program

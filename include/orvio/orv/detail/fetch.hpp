@@ -64,7 +64,8 @@ struct Extents {
 inline Extents extents_of(const Source& from, const std::vector<Column>& columns, const Cut& cut) {
   const ORVResult& block = from.block;
   const bool is_multistate = block.IsMultistateBlk();
-  const bool has_counts = block.m_nent >= 1 && block.m_ncoo >= 1 && (!is_multistate || block.m_nstate >= 1);
+  const bool has_counts = block.m_nent >= 1 && block.m_ncoo >= 1 && (!is_multistate || block.m_nstate >= 1) &&
+                          (!block.IsElementResult() || block.m_numl >= 0);
   const auto is_stored = [&](const Column& column) { return column.place >= 0 && column.place < block.m_ncoo; };
   const bool has_columns = !columns.empty() && std::all_of(columns.begin(), columns.end(), is_stored);
   if (!has_counts || !has_columns || static_cast<std::size_t>(cut.layer) > layers_of(block)) {
@@ -119,9 +120,9 @@ inline ORVResult reader_of(const ORVResult& block) {
 template <class T>
 Buffer<T> fetch_at_once(const Source& from, const std::vector<Column>& columns, const Cut& cut) {
   const std::string variable = only_variable(from.block);
-  const bool has_layers = from.block.IsElementResult() && layers_of(from.block) > 1;
+  const bool may_have_layers = from.block.IsElementResult() && from.block.m_numl != 1;
   const bool is_whole = columns.size() == static_cast<std::size_t>(from.block.m_ncoo) && cut.entities == Cut::kAll;
-  if (variable.empty() || !is_whole || has_layers || from.block.IsMultistateBlk()) return {};
+  if (variable.empty() || !is_whole || may_have_layers || from.block.IsMultistateBlk()) return {};
   for (std::size_t i = 0; i < columns.size(); ++i) {
     if (columns[i].place != static_cast<int>(i)) return {};
   }
@@ -148,36 +149,52 @@ inline std::vector<ComponentRun> runs_of(const std::vector<Column>& columns) {
   return runs;
 }
 
+enum class LayerAxis { stored, not_stored };
+
 /// Reads a run of components: states x entities x layers x components x parts. False when it cannot be read.
 template <class T>
-bool read_run(const Source& from, const Extents& extents, const ComponentRun& run, const Cut& cut, T* values) {
+bool read_run(const Source& from, const Extents& extents, const ComponentRun& run, const Cut& cut, LayerAxis layer_axis,
+              T* values) {
   ORVResult reader = reader_of(from.block);
   reader.m_res = values;
   reader.m_resType = std::is_same_v<T, float> ? ORV_FLOAT : ORV_DOUBLE;
   std::array<int, 8> axes = {};
   const int rank = reader.GetResDataSetDimension(axes.data());
-  const auto read = [&](bool with_layers) {
-    std::array<std::uint64_t, 8> start = {}, count = {};
-    std::size_t used = 0;
-    for (int i = 0; i < rank; ++i) {
-      const int axis = axes[static_cast<std::size_t>(i)];
-      if (axis == ORV_DIM_LAYER && !with_layers) continue;
-      if (axis == ORV_DIM_LAYER && cut.layer > 0) start[used] = static_cast<std::uint64_t>(cut.layer - 1);
-      if (axis == ORV_DIM_ENTITY) start[used] = cut.first;
-      if (axis == ORV_DIM_COMPONENT) start[used] = run.first;
-      count[used++] = axis == ORV_DIM_LAYER       ? extents.layers
-                      : axis == ORV_DIM_ENTITY    ? extents.entities
-                      : axis == ORV_DIM_COMPONENT ? run.count
-                      : axis == ORV_DIM_STATE     ? extents.states
-                                                  : extents.parts;
-    }
-    return reader.ReadSelectiveAttribute(from.file.c_str(), from.state, ORV_READ_DATA, ORV_ATT_RES,
-                                         static_cast<int>(used), start.data(), count.data(), nullptr, nullptr,
-                                         false) == 0;
-  };
-  // Elements that announce no layers may be stored without that axis.
-  const bool may_lack_layers = from.block.IsElementResult() && from.block.m_numl == 0;
-  return (may_lack_layers && read(false)) || read(true);
+  std::array<std::uint64_t, 8> start = {}, count = {};
+  std::size_t used = 0;
+  for (int i = 0; i < rank; ++i) {
+    const int axis = axes[static_cast<std::size_t>(i)];
+    if (axis == ORV_DIM_LAYER && layer_axis == LayerAxis::not_stored) continue;
+    if (axis == ORV_DIM_LAYER && cut.layer > 0) start[used] = static_cast<std::uint64_t>(cut.layer - 1);
+    if (axis == ORV_DIM_ENTITY) start[used] = cut.first;
+    if (axis == ORV_DIM_COMPONENT) start[used] = run.first;
+    count[used++] = axis == ORV_DIM_LAYER       ? extents.layers
+                    : axis == ORV_DIM_ENTITY    ? extents.entities
+                    : axis == ORV_DIM_COMPONENT ? run.count
+                    : axis == ORV_DIM_STATE     ? extents.states
+                                                : extents.parts;
+  }
+  return reader.ReadSelectiveAttribute(from.file.c_str(), from.state, ORV_READ_DATA, ORV_ATT_RES,
+                                       static_cast<int>(used), start.data(), count.data(), nullptr, nullptr,
+                                       false) == 0;
+}
+
+/// Whether elements that announce no layers have several.
+inline bool has_more_layers(const Source& from) {
+  constexpr int kSecond = 2;
+  double value[2];  // a complex one is a pair
+  const Extents one{1, 1, 1, parts_of(from.block)};
+  return read_run(from, one, {0, 1}, {kSecond, 0, 1}, LayerAxis::stored, value);
+}
+
+/// Elements that announce no layers may be stored with one, or without that axis.
+template <class T>
+bool read_stored_run(const Source& from, const Extents& extents, const ComponentRun& run, const Cut& cut, T* values) {
+  if (from.block.IsElementResult() && from.block.m_numl == 0) {
+    if (read_run(from, extents, run, cut, LayerAxis::not_stored, values)) return true;
+    if (has_more_layers(from)) return false;
+  }
+  return read_run(from, extents, run, cut, LayerAxis::stored, values);
 }
 
 /// Values of the columns of a block: states x entities x layers x columns x parts. The counts of the block must be those
@@ -196,7 +213,7 @@ Buffer<T> fetch(const Source& from, const std::vector<Column>& columns, const Cu
     const std::size_t run_width = run.count * extents.parts;
     Buffer<T> own(runs.size() > 1 ? extents.rows() * run_width : 0);
     T* const read = runs.size() > 1 ? own.data() : values.data();
-    if (!read_run(from, extents, run, cut, read)) refuse(from.file, from.block, from.state, text);
+    if (!read_stored_run(from, extents, run, cut, read)) refuse(from.file, from.block, from.state, text);
     for (std::size_t row = 0; row < extents.rows() && runs.size() > 1; ++row) {
       std::copy_n(read + row * run_width, run_width, values.data() + row * width + column);
     }

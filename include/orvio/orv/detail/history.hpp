@@ -28,6 +28,8 @@ class CurveCollector {
   /// The values of a state, from 0. Where several blocks have a value for an entity, the first one counts.
   void add(std::size_t state, const Values<double>& values) {
     const std::size_t parts = values.is_complex ? 2 : 1, columns = values.components.size() * parts;
+    variable_ = values.variable;
+    is_double_ = is_double_ || values.is_double;
     Places& places = places_[{values.entity, values.zone}];
     for (std::size_t i = 0; i < values.size(); ++i) {
       for (std::size_t place = 0; place < values.row_size(); ++place) {
@@ -47,6 +49,8 @@ class CurveCollector {
 
   std::size_t states() const { return states_; }
   std::vector<Curve>& curves() { return curves_; }
+  const std::string& variable() const { return variable_; }
+  bool is_double() const { return is_double_; }
 
  private:
   struct Key {
@@ -69,6 +73,8 @@ class CurveCollector {
     curve.zone = values.zone;
     curve.component = values.components[component].name;
     if (values.is_complex) curve.component += key.column % 2 == 0 ? ".re" : ".im";
+    curve.unit = values.components[component].unit;
+    curve.on_elements = values.on_elements;
     curve.id = key.id;
     curve.layer = static_cast<int>(key.layer) + 1;
     curve.values.resize(states_);
@@ -76,6 +82,8 @@ class CurveCollector {
   }
 
   std::size_t states_;
+  std::string variable_;
+  bool is_double_ = false;
   std::vector<Curve> curves_;
   std::map<std::pair<std::string, std::string>, Places> places_;  ///< by entity type and zone
 };
@@ -89,9 +97,12 @@ struct OverStates {
   /// The values of one state, counted from 0.
   Values<double> at(std::size_t state) const {
     Values<double> values;
+    values.variable = frame.variable;
     values.entity = frame.entity;
     values.zone = frame.zone;
     values.is_complex = frame.is_complex;
+    values.is_double = frame.is_double;
+    values.on_elements = frame.on_elements;
     values.components = frame.components;
     values.layers = frame.layers;
     values.ids = frame.ids;
@@ -123,6 +134,7 @@ inline OverStates read_over_states(Reader& reader, const Found& found, const ORV
   const Source from{reader.path(), reader.filer(), block, Reader::kAllStates};
   OverStates read;
   read.frame = Reader::frame<double>(found, block, variable, columns, selection);
+  read.frame.is_double = reader.is_double(block, Reader::kAllStates);
   read.states = static_cast<std::size_t>(std::max<std::int64_t>(block.m_nstate, 0));
   const std::vector<std::size_t> rows = reader.known_rows(from, selection.ids);
   if (!rows.empty()) {
@@ -185,7 +197,9 @@ inline std::vector<ORVResult*> find_in_states(Reader& reader, const std::string&
 
 /// Curves and the states that they have a value for each.
 struct Curves {
+  std::string variable;
   std::vector<Curve> curves;
+  bool is_double = false;
   std::vector<State> states;  ///< of a block over all states; empty: those of the file
 };
 
@@ -212,10 +226,11 @@ inline std::optional<Curves> collect_over_states(Reader& reader, const std::stri
   }
   const bool has_all = collector.has_all(selection.ids) && states >= reader.states();
   if (collector.curves().empty() || (!in_states.empty() && !has_all)) return std::nullopt;
-  Curves curves{std::move(collector.curves()), index_over_states(reader.filer(), reader.path(), longest)};
+  Curves curves{collector.variable(), std::move(collector.curves()), collector.is_double(),
+                index_over_states(reader.filer(), reader.path(), longest)};
   if (curves.states.size() != static_cast<std::size_t>(states)) {
     curves.states.clear();
-    for (int state = 1; state <= states; ++state) curves.states.push_back({state, {}});
+    for (int state = 1; state <= states; ++state) curves.states.push_back(reader.state(state));
   }
   return curves;
 }
@@ -242,7 +257,7 @@ inline Curves read_curves(Reader& reader, const std::string& variable, const Sel
     }
   }
   if (collector.curves().empty()) reader.fail_to_find(variable, selection, Error::kNoState);
-  return {std::move(collector.curves()), {}};
+  return {collector.variable(), std::move(collector.curves()), collector.is_double(), {}};
 }
 
 }  // namespace orv::detail

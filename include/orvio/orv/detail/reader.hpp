@@ -73,6 +73,14 @@ class Reader {
     throw Error(path_, "has no state " + std::to_string(state), "it has " + std::to_string(states_), {}, state);
   }
 
+  /// A state and its row of the index.
+  State state(int number) const {
+    const ORVIndexBase<int, double>* index = filer_->GetStateIndexDP(false);
+    if (!index || number < 1 || number > index->GetNumState() || !index->GetIndexVals()) return {number, {}};
+    const double* row = index->GetIndexVals() + static_cast<std::ptrdiff_t>(number - 1) * index->GetNumIndex();
+    return {number, {row, row + index->GetNumIndex()}};
+  }
+
   void refresh() {
     states_ = count_states();
     learned_.clear();
@@ -145,6 +153,8 @@ class Reader {
       if (same_word(column.component.name, component)) return {std::move(column)};
       names += (names.empty() ? "" : ", ") + column.component.name;
     }
+    const std::size_t number = number_of(component);
+    if (number >= 1 && number <= all.size()) return {std::move(all[number - 1])};
     throw Error(path_, "\"" + name + "\" has no component \"" + component + "\"", "its components are " + names);
   }
 
@@ -176,11 +186,19 @@ class Reader {
       const std::vector<Column> asked = columns(found, block, variable, selection.component);
       Values<T> values = frame<T>(found, block, variable, asked, selection);
       values.state = block.IsConstantBlk() ? 0 : state;
+      values.is_double = is_double(block, values.state);
       fill(block, asked, selection, values);
       if (selection.part) keep_rows(find_rows(values, selection.ids, members(*selection.part, state)), values);
       if (!values.ids.empty()) all.push_back(std::move(values));
     }
     return all;
+  }
+
+  /// Whether the values of a block are stored as 64-bit floats.
+  bool is_double(const ORVResult& stored, int state) const {
+    ORVResult block = stored;
+    std::vector<ORVResult*> blocks = {&block};
+    return filer_->IsResultValueInDoublePrecision(blocks, state);
   }
 
   /// Rows of a few ids in a block, see KnownRows.
@@ -311,6 +329,7 @@ class Reader {
       if (stored->m_nent < 1) continue;
       Values<T> read = copy_of_frame(frame);
       read.is_complex = stored->IsComplexBlk();
+      read.is_double = frame.is_double || is_double(*stored, state);
       read.layers = layer > 0 ? 1 : layers_of(*stored);
       const Source from{path_, *filer_, *stored, state};
       const bool has_ids = fill_whole(from, columns, layer, read);

@@ -73,4 +73,12 @@ inline std::vector<char> fields_of(const std::vector<std::string>& texts, std::s
   return fields;
 }
 
+/// A number that a text consists of; 0 for any other text.
+inline std::size_t number_of(const std::string& text) {
+  constexpr std::size_t kMostDigits = 9;
+  const bool is_number = !text.empty() && text.size() <= kMostDigits &&
+                         std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
+  return is_number ? static_cast<std::size_t>(std::stoul(text)) : 0;
+}
+
 }  // namespace orv::detail
