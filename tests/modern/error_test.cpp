@@ -31,7 +31,10 @@ TEST_F(ModernError, SaysAllInOneLine) {
 
 TEST_F(ModernError, LeavesOutWhatIsNotKnown) {
   EXPECT_STREQ(orv::Error("a.orv", "has none", "make one").what(), "a.orv: has none; make one");
-  EXPECT_STREQ(orv::Error("a.orv", "has none", "make one", "", 0).what(), "a.orv: has none (state 0); make one");
+  EXPECT_STREQ(orv::Error("a.orv", "has none", "make one", "", 0).what(),
+               "a.orv: has none (constant section); make one");
+  EXPECT_STREQ(orv::Error("a.orv", "has none", "make one", "/post/constant/x", 0).what(),
+               "a.orv: has none (block /post/constant/x); make one");
   EXPECT_STREQ(orv::Error("a.orv", "has none", "make one", "/b").what(), "a.orv: has none (block /b); make one");
   EXPECT_EQ(orv::Error("a.orv", "has none", "make one").state(), orv::Error::kNoState);
 }

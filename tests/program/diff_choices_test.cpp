@@ -199,7 +199,7 @@ TEST_F(DiffOfWhatIsNoResult, IsRefusedWhereValuesAreMissing) {
 
 TEST_F(DiffOfWhatIsNoResult, IsRefusedWhereTablesAreDamaged) {
   AddElements(b_, "SOLID", 3, 3, {21}, {7, 9, 8}).drop("ic");
-  ExpectTrouble(Run(), b_.path(), "does not hold what its header announces");
+  ExpectTrouble(Run(), b_.path(), "are not what their header announces");
   AddElements(b_, "SOLID", 3, 3, {21}, {7, 9, 8});
   const auto add = [](ForgedFile& file, int count) {
     file.at("/post/constant/attributes/NODE/orvblock").integer("block", 200).text("etyp", "NODE");

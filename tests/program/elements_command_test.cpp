@@ -112,7 +112,8 @@ TEST_F(ElementsCommand, PassesOverATypeWithoutElements) {
 }
 
 TEST_F(ElementsCommand, RefusesCountsThatTheFileDoesNotHoldAtOnce) {
-  const std::string text = "/SHELL/orvblock does not hold what its header announces";
+  const std::string text =
+      "elements are not what their header announces (block /post/constant/connectivities/SHELL/orvblock)";
   const std::vector<std::int64_t> counts = {-1,        5,         100'000,         100'000'000, 1LL << 32,
                                             1LL << 40, 1LL << 61, (1LL << 61) + 1, INT64_MAX,   INT64_MIN};
   for (const auto& [attribute, right] : {std::pair{"nele", 2}, std::pair{"npele", 4}}) {
@@ -129,17 +130,17 @@ TEST_F(ElementsCommand, RefusesCountsThatTheFileDoesNotHoldAtOnce) {
 
 TEST_F(ElementsCommand, RefusesRowsOfAnotherLength) {
   file_.at(kShellBlock).integer("npele", 3);
-  ExpectTrouble(Run(), file_.path(), "/SHELL/orvblock cannot be read");
+  ExpectTrouble(Run(), file_.path(), "elements cannot be read: ");
 }
 
 TEST_F(ElementsCommand, RefusesABlockWithoutItsNodes) {
   file_.at(kShellBlock).drop("ic");
-  ExpectTrouble(Run(), file_.path(), "/SHELL/orvblock does not hold what its header announces");
+  ExpectTrouble(Run(), file_.path(), "elements are not what their header announces");
 }
 
 TEST_F(ElementsCommand, RefusesABlockWithoutItsParts) {
   file_.at(kShellBlock).drop("pid");
-  ExpectTrouble(Run(), file_.path(), "/SHELL/orvblock cannot be read");
+  ExpectTrouble(Run(), file_.path(), "elements cannot be read: ");
 }
 
 }  // namespace

@@ -32,7 +32,8 @@ class Error : public std::runtime_error {
   static std::string line(const std::string& file, const std::string& what, const std::string& hint,
                           const std::string& block, int state) {
     std::string place = block.empty() ? "" : "block " + block;
-    if (state != kNoState) place += (place.empty() ? "state " : ", state ") + std::to_string(state);
+    if (state > 0) place += (place.empty() ? "state " : ", state ") + std::to_string(state);
+    if (state == 0 && block.empty()) place = "constant section";  // else the path of the block tells
     std::string text = file + ": " + what + (place.empty() ? "" : " (" + place + ")") + "; " + hint;
     std::replace_if(  // names of a file may hold line ends
         text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');

@@ -99,10 +99,11 @@ class File {
     }
     return all;
   }
-  /// The constant mesh (state 0), or the elements that a state has of its own. Empty where there are none.
-  std::vector<Elements> elements(int state = 0) {
+  /// The constant mesh (state 0), or the elements that a state has of its own; of all types, or of one. Empty where there
+  /// are none.
+  std::vector<Elements> elements(int state = 0, const std::string& type = {}) {
     reader_.require_state(state);
-    return detail::read_all_elements(path(), state);
+    return detail::read_all_elements(path(), state, type);
   }
   /// The parts of the constant section (state 0), or those that a state has of its own.
   std::vector<Part> parts(int state = 0) {

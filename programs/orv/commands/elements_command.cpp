@@ -10,66 +10,66 @@
 #include "commands/help_text.h"
 #include "commands/json_output.h"
 #include "commands/table.h"
-#include "reading/element_table.h"
+#include "reading/elements.h"
+#include "reading/file_model.h"
 
 namespace orvio::program {
 namespace {
 
-std::size_t NodesPerElement(const ElementTable& table) { return static_cast<std::size_t>(table.nodes_per_element); }
-
-std::vector<std::string> Heading(const ElementTable& table) {
+std::vector<std::string> Heading(const orv::Elements& elements) {
   std::vector<std::string> heading = {"id", "part"};
-  for (std::size_t i = 1; i <= NodesPerElement(table); ++i) heading.push_back(fmt::format("n{}", i));
+  for (std::size_t i = 1; i <= elements.nodes_per_element; ++i) heading.push_back(fmt::format("n{}", i));
   return heading;
 }
 
-std::vector<std::string> Row(const ElementTable& table, std::size_t row) {
-  std::vector<std::string> cells = {fmt::format("{}", table.ids[row]), fmt::format("{}", table.parts[row])};
-  for (std::size_t i = 0; i < NodesPerElement(table); ++i) {
-    cells.push_back(fmt::format("{}", table.nodes[row * NodesPerElement(table) + i]));
+std::vector<std::string> Row(const orv::Elements& elements, std::size_t row) {
+  std::vector<std::string> cells = {fmt::format("{}", elements.ids[row]), fmt::format("{}", elements.parts[row])};
+  for (std::size_t i = 0; i < elements.nodes_per_element; ++i) {
+    cells.push_back(fmt::format("{}", elements.nodes[row * elements.nodes_per_element + i]));
   }
   return cells;
 }
 
-void PrintText(const std::vector<ElementTable>& tables) {
-  for (const ElementTable& table : tables) {
-    Table text(Heading(table));
-    for (std::size_t row = 0; row < table.ids.size(); ++row) text.Add(Row(table, row));
-    text.Print(tables.size() > 1 ? table.type : "");
+void PrintText(const std::vector<orv::Elements>& all) {
+  for (const orv::Elements& elements : all) {
+    Table table(Heading(elements));
+    for (std::size_t row = 0; row < elements.size(); ++row) table.Add(Row(elements, row));
+    table.Print(all.size() > 1 ? elements.type : "");
   }
 }
 
 /// With several types the type is the first column.
-void PrintCsv(const std::vector<ElementTable>& tables) {
+void PrintCsv(const std::vector<orv::Elements>& all) {
   const auto line = [&](const std::string& type, std::vector<std::string> fields) {
-    if (tables.size() > 1) fields.insert(fields.begin(), type);
+    if (all.size() > 1) fields.insert(fields.begin(), type);
     PrintCsvLine(fields);
   };
   std::vector<std::string> heading;
-  for (const ElementTable& table : tables) {
-    if (heading != Heading(table)) line("type", heading = Heading(table));
-    for (std::size_t row = 0; row < table.ids.size(); ++row) line(table.type, Row(table, row));
+  for (const orv::Elements& elements : all) {
+    if (heading != Heading(elements)) line("type", heading = Heading(elements));
+    for (std::size_t row = 0; row < elements.size(); ++row) line(elements.type, Row(elements, row));
   }
 }
 
-Json ToJson(const ElementTable& table) {
+Json ToJson(const orv::Elements& elements) {
   Json rows = Json::array();
-  for (std::size_t row = 0; row < table.ids.size(); ++row) {
-    const auto first = table.nodes.begin() + static_cast<std::ptrdiff_t>(row * NodesPerElement(table));
-    rows.push_back({{"id", table.ids[row]},
-                    {"part", table.parts[row]},
-                    {"nodes", std::vector<long long>(first, first + table.nodes_per_element)}});
+  for (std::size_t row = 0; row < elements.size(); ++row) {
+    const auto first = elements.nodes.begin() + static_cast<std::ptrdiff_t>(row * elements.nodes_per_element);
+    rows.push_back(
+        {{"id", elements.ids[row]},
+         {"part", elements.parts[row]},
+         {"nodes", std::vector<std::int64_t>(first, first + static_cast<std::ptrdiff_t>(elements.nodes_per_element))}});
   }
-  return {{"type", table.type},
-          {"nodes_per_element", table.nodes_per_element},
-          {"dimension", table.dimension},
+  return {{"type", elements.type},
+          {"nodes_per_element", elements.nodes_per_element},
+          {"dimension", elements.dimension},
           {"rows", std::move(rows)}};
 }
 
-void PrintAsJson(const std::string& file, const std::vector<ElementTable>& tables) {
+void PrintAsJson(const std::string& file, const std::vector<orv::Elements>& all) {
   Json json = JsonAnswer("elements", file);
   json["groups"] = Json::array();
-  for (const ElementTable& table : tables) json["groups"].push_back(ToJson(table));
+  for (const orv::Elements& elements : all) json["groups"].push_back(ToJson(elements));
   PrintJson(json);
 }
 
@@ -79,9 +79,11 @@ struct Options {
 };
 
 void Run(const Options& options) {
-  const std::vector<ElementTable> tables = ReadElementTables(options.file, options.type);
-  if (options.json) return PrintAsJson(options.file, tables);
-  options.csv ? PrintCsv(tables) : PrintText(tables);
+  (void)CheckResultFile(options.file);
+  orv::File file(options.file);
+  const std::vector<orv::Elements> all = ReadElements(file, options.type);
+  if (options.json) return PrintAsJson(options.file, all);
+  options.csv ? PrintCsv(all) : PrintText(all);
 }
 
 }  // namespace

@@ -11,7 +11,8 @@
 #include "commands/help_text.h"
 #include "commands/json_output.h"
 #include "commands/table.h"
-#include "reading/part_table.h"
+#include "reading/file_model.h"
+#include "reading/parts.h"
 
 namespace orvio::program {
 namespace {
@@ -26,35 +27,52 @@ const std::vector<std::string> kHeading = {"type", "id", "title", "material", "m
 
 std::string Cell(const std::optional<int>& number) { return number ? fmt::format("{}", *number) : ""; }
 
-std::vector<std::string> Cells(const Part& part) {
-  return {part.type,           fmt::format("{}", part.id), part.title,
-          Cell(part.material), Cell(part.material_type),   fmt::format("{}", part.elements)};
-}
+/// A part and how many elements it has.
+struct Row {
+  std::vector<std::string> Cells() const {
+    return {part.type,           fmt::format("{}", part.id), part.title,
+            Cell(part.material), Cell(part.material_type),   fmt::format("{}", elements)};
+  }
 
-Json ToJson(const Part& part) {
-  Json json = {{"type", part.type}, {"id", part.id}, {"title", part.title}, {"elements", part.elements}};
+  orv::Part part;
+  std::size_t elements;
+};
+
+Json ToJson(const Row& row) {
+  const orv::Part& part = row.part;
+  Json json = {{"type", part.type}, {"id", part.id}, {"title", part.title}, {"elements", row.elements}};
   if (part.material) json["material"] = *part.material;
   if (part.material_type) json["material_type"] = *part.material_type;
   return json;
 }
 
-void PrintAsJson(const Options& options, const std::vector<Part>& parts) {
+void PrintAsJson(const Options& options, const std::vector<Row>& rows) {
   Json json = JsonAnswer("parts", options.file);
   json.update({{"state", options.state}, {"parts", Json::array()}});
-  for (const Part& part : parts) json["parts"].push_back(ToJson(part));
+  for (const Row& row : rows) json["parts"].push_back(ToJson(row));
   PrintJson(json);
 }
 
+std::vector<Row> ReadRows(const Options& options) {
+  (void)CheckResultFile(options.file);
+  orv::File file(options.file);
+  const std::vector<orv::Part> parts = ReadParts(file, options.type, options.state);
+  const std::vector<std::size_t> counts = CountElements(file, parts);
+  std::vector<Row> rows;
+  for (std::size_t i = 0; i < parts.size(); ++i) rows.push_back({parts[i], counts[i]});
+  return rows;
+}
+
 void Run(const Options& options) {
-  const std::vector<Part> parts = ReadParts(options.file, options.type, options.state);
-  if (options.json) return PrintAsJson(options, parts);
+  const std::vector<Row> rows = ReadRows(options);
+  if (options.json) return PrintAsJson(options, rows);
   if (options.csv) {
     PrintCsvLine(kHeading);
-    for (const Part& part : parts) PrintCsvLine(Cells(part));
+    for (const Row& row : rows) PrintCsvLine(row.Cells());
     return;
   }
   Table table(kHeading);
-  for (const Part& part : parts) table.Add(Cells(part));
+  for (const Row& row : rows) table.Add(row.Cells());
   table.Print("");
 }
 

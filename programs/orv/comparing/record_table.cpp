@@ -9,9 +9,9 @@
 #include <memory>
 
 #include "comparing/collector_rows.h"
-#include "reading/element_table.h"
+#include "reading/elements.h"
 #include "reading/file_model.h"
-#include "reading/part_table.h"
+#include "reading/parts.h"
 #include "reading/stored_size.h"
 #include "reading/words.h"
 #include "trouble.h"
@@ -26,37 +26,37 @@ namespace {
                 "the file is damaged, or from another kind of writer");
 }
 
-RecordColumn Numbers(std::string what, std::vector<long long> numbers, std::size_t width) {
-  return {std::move(what), {}, std::move(numbers), width, {}};
+template <class Ints>
+RecordColumn Numbers(std::string what, const Ints& numbers, std::size_t width) {
+  return {std::move(what), {}, {numbers.begin(), numbers.end()}, width, {}};
 }
 
 // ---- Elements and parts
 
-RecordTable Records(ElementTable elements) {
+RecordTable Records(const orv::Elements& elements) {
   RecordTable table;
   table.facts = {{"dimension", elements.dimension < 0 ? "unknown" : fmt::format("{}", elements.dimension)},
                  {"type of the parts", elements.part_type},
                  {"type of the nodes", elements.node_type}};
-  table.ids = std::move(elements.ids);
-  table.columns.push_back(Numbers("part", std::move(elements.parts), 1));
-  const auto width = static_cast<std::size_t>(elements.nodes_per_element);
-  table.columns.push_back(Numbers("nodes", std::move(elements.nodes), width));
+  table.ids.assign(elements.ids.begin(), elements.ids.end());
+  table.columns.push_back(Numbers("part", elements.parts, 1));
+  table.columns.push_back(Numbers("nodes", elements.nodes, elements.nodes_per_element));
   return table;
 }
 
-RecordTable Records(const std::vector<Part>& parts) {
+RecordTable Records(const std::vector<orv::Part>& parts) {
   RecordTable table;
   RecordColumn titles{"title", {}, {}, 0, {}};
   std::vector<long long> materials, types;
-  for (const Part& part : parts) {
+  for (const orv::Part& part : parts) {
     table.ids.push_back(part.id);
-    titles.texts.push_back(TextOf(part.title.c_str(), part.title.size()));  // some keep a blank
+    titles.texts.push_back(part.title);
     if (part.material) materials.push_back(*part.material);
     if (part.material_type) types.push_back(*part.material_type);
   }
   table.columns.push_back(std::move(titles));
-  if (materials.size() == parts.size()) table.columns.push_back(Numbers("material", std::move(materials), 1));
-  if (types.size() == parts.size()) table.columns.push_back(Numbers("material type", std::move(types), 1));
+  if (materials.size() == parts.size()) table.columns.push_back(Numbers("material", materials, 1));
+  if (types.size() == parts.size()) table.columns.push_back(Numbers("material type", types, 1));
   return table;
 }
 
@@ -90,7 +90,7 @@ RecordTable Records(const ORVEntAttribute& block) {
   const int* ids = static_cast<const int*>(block.m_entid);
   if (ids) table.ids.assign(ids, ids + count);
   if (const int* numbers = static_cast<const int*>(block.m_uid); numbers && width > 0) {
-    table.columns.push_back(Numbers("integers", {numbers, numbers + count * width}, width));
+    table.columns.push_back(Numbers("integers", std::vector(numbers, numbers + count * width), width));
   }
   if (!block.m_title || block.m_length < 1) return table;
   RecordColumn titles{"title", {}, {}, 0, {}};
@@ -158,7 +158,7 @@ std::vector<std::string> ListRecordTypes(ResultFile& file, RecordKind kind, int 
       }
       break;
     case RecordKind::kPart:
-      for (const Part& part : FindParts(file.path(), "", state)) types.push_back(part.type);
+      for (const orv::Part& part : ReadParts(file.file(), "", state)) types.push_back(part.type);
       break;
     case RecordKind::kAttribute:
       types = ListAttributes(file.filer(), state);
@@ -178,9 +178,9 @@ std::vector<std::string> ListRecordTypes(ResultFile& file, RecordKind kind, int 
 RecordTable ReadRecords(ResultFile& file, RecordKind kind, const std::string& type, int state) {
   switch (kind) {
     case RecordKind::kElement:
-      return Records(std::move(ReadElementTables(file.path(), type, state).front()));
+      return Records(ReadElements(file.file(), type, state).at(0));
     case RecordKind::kPart:
-      return Records(FindParts(file.path(), type, state));
+      return Records(ReadParts(file.file(), type, state));
     case RecordKind::kAttribute:
       return ReadAttribute<ORVEntAttribute>(file, kind, type, state);
     case RecordKind::kIdentifier:

@@ -12,9 +12,9 @@
 #include <utility>
 
 #include "importer/quantity.h"
-#include "reading/element_table.h"
+#include "reading/elements.h"
 #include "reading/file_model.h"
-#include "reading/part_table.h"
+#include "reading/parts.h"
 #include "reading/quantity_search.h"
 #include "reading/state_selection.h"
 #include "reading/words.h"
@@ -80,24 +80,18 @@ std::optional<std::pair<long long, long long>> RangeOf(const std::string& text) 
 }
 
 /// Ids of all parts, with their titles, of blocks of parts and of elements.
-std::map<long long, std::string> PartsOf(const ResultFile& file, const std::vector<ElementTable>& elements) {
+std::map<long long, std::string> PartsOf(ResultFile& file) {
   std::map<long long, std::string> parts;
-  for (const ElementTable& table : elements) {
-    for (const long long part : table.parts) parts.try_emplace(part);
+  for (const orv::Elements& elements : ReadElements(file.file(), "")) {
+    for (const long long part : elements.parts) parts.try_emplace(part);
   }
-  try {
-    for (const Part& part : FindParts(file.path(), "", 0)) {
-      parts.insert_or_assign(part.id, TextOf(part.title.c_str(), part.title.size()));  // some keep a blank at their end
-    }
-  } catch (const Trouble&) {  // a file without parts still has elements of some
-  }
+  for (const orv::Part& part : ReadParts(file.file(), "", 0)) parts.insert_or_assign(part.id, part.title);
   return parts;
 }
 
-EntityChoice::Ids PlanParts(const ExtractOptions& options, const ResultFile& file,
-                            const std::vector<ElementTable>& elements) {
+EntityChoice::Ids PlanParts(const ExtractOptions& options, ResultFile& file) {
   EntityChoice::Ids ids;
-  const std::map<long long, std::string> parts = PartsOf(file, elements);
+  const std::map<long long, std::string> parts = PartsOf(file);
   for (const std::string& text : options.parts) {
     const auto range = RangeOf(text);
     std::size_t found = 0;
@@ -157,11 +151,6 @@ void PlanType(const ExtractOptions& options, ResultFile& file, EntityChoice& cho
   }
 }
 
-std::vector<ElementTable> ReadElements(const ResultFile& file) {
-  if (ReadElementHeaders(file.path()).empty()) return {};
-  return ReadElementTables(file.path(), "");
-}
-
 }  // namespace
 
 ExtractPlan PlanExtract(const ExtractOptions& options) {
@@ -169,7 +158,7 @@ ExtractPlan PlanExtract(const ExtractOptions& options) {
   ExtractPlan plan;
   PlanStates(options, file, plan);
   PlanVariables(options, file, plan);
-  if (!options.parts.empty()) plan.entities.parts = PlanParts(options, file, ReadElements(file));
+  if (!options.parts.empty()) plan.entities.parts = PlanParts(options, file);
   if (!options.entity.empty()) PlanType(options, file, plan.entities);
   const auto add = [](const std::vector<long long>& ids, std::optional<EntityChoice::Ids>& to) {
     if (ids.empty()) return;

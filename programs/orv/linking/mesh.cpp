@@ -61,15 +61,13 @@ class MeshReader {
   explicit MeshReader(ResultFile& file) : file_(file) {}
 
   Mesh Read(int states) {
-    elements_ = ReadElementHeaders(file_.path());
-    for (int state = 1; state <= states && elements_.empty(); ++state) {
-      elements_ = ReadElementHeaders(file_.path(), state);
-    }
+    TakeElements(0);
+    for (int state = 1; state <= states && elements_.empty(); ++state) TakeElements(state);
     mesh_.node_type = elements_.empty() ? "NODE" : TextOf(elements_.front().m_etypnode);
     FindBlocks();
     StartPoints();
     if (constant_) constant_coordinates_ = ReadAt(*constant_, 0);
-    elements_ = ReadElementHeaders(file_.path());
+    TakeElements(0);
     if (states == 0) AddStep(0);
     for (int state = 1; state <= states; ++state) AddStep(state);
     if (!mesh_.points.merged.empty()) mesh_.points.why_copied = "coordinates hold changes alone in some states";
@@ -77,6 +75,15 @@ class MeshReader {
   }
 
  private:
+  /// False where a state has none of its own: then those before it hold.
+  bool TakeElements(int state) {
+    std::vector<ORVEleConnectivity> own = ReadElementHeaders(file_.path(), state);
+    if (own.empty() && state > 0) return false;
+    elements_ = std::move(own);
+    elements_state_ = state;
+    return true;
+  }
+
   void FindBlocks() {
     for (ORVResult* block : file_.filer().GetResultList(1)) {
       if (!IsCoordinates(*block, mesh_.node_type)) continue;
@@ -137,9 +144,7 @@ class MeshReader {
 
   /// The coordinates of a state: its own, the constant ones, else those before.
   void AddStep(int state) {
-    std::vector<ORVEleConnectivity> own = state > 0 ? ReadElementHeaders(file_.path(), state) : elements_;
-    const bool has_elements = state > 0 && !own.empty();
-    if (has_elements) elements_ = std::move(own);
+    const bool has_elements = state > 0 && TakeElements(state);
     const bool moves = moving_ && state > 0 && file_.CountAt(*moving_, state) > 0;
     if (moves && file_.IsIncremental(*moving_, state) && !mesh_.topologies.empty())
       return AddMerged(state, has_elements);
@@ -198,7 +203,8 @@ class MeshReader {
   }
 
   void AddTopology(const std::vector<long long>& node_ids, const std::shared_ptr<const StoredArray>& stored_ids) {
-    Topology topology = ReadTopology(file_, elements_, mesh_.node_type, node_ids, mesh_.left_out, mesh_.notes);
+    Topology topology =
+        ReadTopology(file_, elements_, elements_state_, mesh_.node_type, node_ids, mesh_.left_out, mesh_.notes);
     const bool has_twins = topology.points->rows() != node_ids.size();
     topology.stored_node_ids = has_twins ? nullptr : stored_ids;
     mesh_.topologies.push_back(std::move(topology));
@@ -222,6 +228,7 @@ class MeshReader {
   ORVResult* moving_ = nullptr;
   std::optional<Coordinates> constant_coordinates_, last_;
   std::vector<ORVEleConnectivity> elements_;
+  int elements_state_ = 0;  ///< where they stand; 0: in the constant section
   std::map<std::tuple<const ORVResult*, int, std::size_t>, hsize_t> placed_;
 };
 

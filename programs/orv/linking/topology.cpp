@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "linking/cell_type.h"
-#include "reading/element_table.h"
+#include "reading/elements.h"
 #include "reading/words.h"
 
 namespace orvio::program {
@@ -24,7 +24,8 @@ class TopologyReader {
     topology_.offsets = {0};
   }
 
-  void Add(const ORVEleConnectivity& header, const std::string& node_type) {
+  /// `state` is where the block stands; 0 for the constant section.
+  void Add(const ORVEleConnectivity& header, int state, const std::string& node_type) {
     const std::string type = TextOf(header.m_etypelem);
     if (header.m_nele == 0) return;
     const std::string what = fmt::format("{} elements of {}", header.m_nele, type);
@@ -37,7 +38,7 @@ class TopologyReader {
                                      header.m_ndim < 0 ? "" : fmt::format(" in {} dimensions", header.m_ndim))});
     }
     if (!cell->shown_as.empty()) Note(notes_, what + " are shown as " + cell->shown_as);
-    AddCells(header, *cell);
+    AddCells(header, state, *cell);
   }
 
   Topology Take() { return std::move(topology_); }
@@ -55,25 +56,30 @@ class TopologyReader {
     topology_.node_ids = std::move(ids);
   }
 
-  void AddCells(const ORVEleConnectivity& header, const CellType& cell) {
-    ElementTable table = ReadElementTable(file_.path(), header);
-    CellBlock block{table.type, TextOf(header.m_etyp), std::move(table.ids), std::move(table.parts), {}, nullptr,
+  void AddCells(const ORVEleConnectivity& header, int state, const CellType& cell) {
+    const orv::Elements elements = std::move(ReadElements(file_.file(), TextOf(header.m_etypelem), state).at(0));
+    CellBlock block{elements.type,
+                    elements.family,
+                    {elements.ids.begin(), elements.ids.end()},
+                    {elements.parts.begin(), elements.parts.end()},
+                    {},
+                    nullptr,
                     nullptr};
     std::size_t lost = 0;
-    for (std::size_t i = 0; i < block.ids.size(); ++i) {
-      const long long* nodes = table.nodes.data() + i * static_cast<std::size_t>(table.nodes_per_element);
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+      const std::int64_t* nodes = elements.nodes.data() + i * elements.nodes_per_element;
       const bool added = AddCell(nodes, cell);
       block.cells.push_back(added ? topology_.cells() - 1 : RowMap::kNone);
       if (!added) ++lost;
     }
     if (lost > 0)
-      Note(left_out_, {fmt::format("{} elements of {}", lost, table.type), "they have nodes without coordinates"});
+      Note(left_out_, {fmt::format("{} elements of {}", lost, elements.type), "they have nodes without coordinates"});
     FindStored(header, block);
     topology_.blocks.push_back(std::move(block));
   }
 
   /// False, with nothing added, for a cell of unknown nodes.
-  bool AddCell(const long long* nodes, const CellType& cell) {
+  bool AddCell(const std::int64_t* nodes, const CellType& cell) {
     const bool is_triangle = cell.number == kVtkQuadrangle && (nodes[3] == 0 || nodes[3] == nodes[2]);
     const std::size_t count = is_triangle ? 3 : cell.order.size();
     const std::size_t before = topology_.connectivity.size();
@@ -179,11 +185,11 @@ RowMap Topology::CellsOf(const std::string& type) const {
   return cells;
 }
 
-Topology ReadTopology(ResultFile& file, const std::vector<ORVEleConnectivity>& headers, const std::string& node_type,
-                      const std::vector<long long>& node_ids, std::vector<LeftOut>& left_out,
-                      std::vector<std::string>& notes) {
+Topology ReadTopology(ResultFile& file, const std::vector<ORVEleConnectivity>& headers, int state,
+                      const std::string& node_type, const std::vector<long long>& node_ids,
+                      std::vector<LeftOut>& left_out, std::vector<std::string>& notes) {
   TopologyReader reader(file, node_ids, left_out, notes);
-  for (const ORVEleConnectivity& header : headers) reader.Add(header, node_type);
+  for (const ORVEleConnectivity& header : headers) reader.Add(header, state, node_type);
   return reader.Take();
 }
 

@@ -10,7 +10,7 @@
 
 #include "reading/block_values.h"
 #include "reading/file_model.h"
-#include "reading/part_table.h"
+#include "reading/parts.h"
 #include "reading/quantity_search.h"
 #include "reading/result_file.h"
 #include "reading/units.h"
@@ -100,9 +100,10 @@ Names ElementTypes(const std::string& file) {
   return names;
 }
 
-Names Parts(const std::string& file, NameKind kind) {
+Names Parts(const std::string& path, NameKind kind) {
+  orv::File file(path);
   Names names;
-  for (const Part& part : FindParts(file, "", 0)) {
+  for (const orv::Part& part : ReadParts(file, "", 0)) {
     if (kind == NameKind::kPartType) {
       AddOnce(names, part.type, "");
     } else {

@@ -98,10 +98,12 @@ inline Elements read_elements(const std::string& file, ORVEleConnectivity block,
   return elements;
 }
 
-inline std::vector<Elements> read_all_elements(const std::string& file, int state) {
+/// Those of one type, or of all.
+inline std::vector<Elements> read_all_elements(const std::string& file, int state, const std::string& type = {}) {
   std::vector<Elements> all;
   for (const ORVEleConnectivity& block : HeaderWalk<ORVEleConnectivity>().run(file, state)) {
-    if (block.m_nele != 0) all.push_back(read_elements(file, block, state));
+    const bool is_asked_for = type.empty() || same_word(text_of(block.m_etypelem), type);
+    if (block.m_nele != 0 && is_asked_for) all.push_back(read_elements(file, block, state));
   }
   return all;
 }
