@@ -6,6 +6,7 @@
 #include "filer/later_states.h"
 #include "filer/start_up.h"
 #include "h5/entry.h"
+#include "h5/file_in_use.h"
 #include "h5/status.h"
 #include "orvio/orv_filer.h"
 #include "variable/association.h"
@@ -18,6 +19,7 @@ int ORVFiler::UpdateContainer(int state, int& added, int nextId, int mode) {
   if (!m_pData || state == 1) return kOk;
   return h5::Entry(kFail, [&] {
     int next_id = nextId == -1 ? NextHandleId(m_pData->ext_vars) : nextId;
+    const h5::FileInUse known(m_pData->path.c_str());
     LaterResults later(*m_pData);
     const auto [first, last] = later.States(state, mode == kToTheEnd);
     std::vector<ORVResult*> taken;

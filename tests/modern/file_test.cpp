@@ -178,6 +178,17 @@ TEST_F(ModernFile, ReadsTheMeshOfAStateThatHasOne) {
   EXPECT_THAT(file.elements(2)[0].ids, ElementsAre(21));
 }
 
+TEST_F(ModernFile, ReadsElementsOfOneTypeAlone) {
+  ForgedModel model = SpeedModel();
+  PutElements(model.file(), "/post/constant", "QUAD4", {11}, {1, 2, 3, 4}, {1});
+  PutElements(model.file(), "/post/constant", "TRIA3", {21}, {1, 2, 3}, {7});
+  orv::File file(model.path());
+  const std::vector<orv::Elements> some = file.elements(0, "tria3");
+  ASSERT_THAT(some, SizeIs(1));
+  EXPECT_THAT(some[0].ids, ElementsAre(21));
+  EXPECT_THAT(file.elements(0, "HEX8"), IsEmpty());
+}
+
 TEST_F(ModernFile, ReadsIdsOfElementsThatNo32BitsHold) {
   ForgedModel model = SpeedModel();
   PutElements(model.file(), "/post/constant", "LINE2", {1}, {1, 2}, {1});

@@ -65,6 +65,20 @@ TEST_P(ModernHistory, StateByStateLeavesGaps) {
   EXPECT_THAT(history.curves[3].values, ElementsAre(2.0, std::nullopt, std::nullopt));
 }
 
+TEST_P(ModernHistory, TellsUnitsAndWhatTheCurvesAreOf) {
+  ForgedModel model = SpeedModel(GetParam());
+  model.system().units("Speed", {.mbunit = {1, 1}, .ubid = {1, 2}, .ubexp = {1, 1}});
+  model.in_state(1, SpeedOf({1}, {1, 2}));
+  orv::File file(model.path());
+  const orv::History history = file.history("SPEED", {1});
+  ASSERT_THAT(history.curves, SizeIs(2));
+  EXPECT_EQ(history.variable, "Speed");
+  EXPECT_FALSE(history.is_double);
+  EXPECT_EQ(history.curves[0].unit, "mm");
+  EXPECT_EQ(history.curves[1].unit, "s");
+  EXPECT_FALSE(history.curves[0].on_elements);
+}
+
 TEST_P(ModernHistory, OfNoIdsHasAllEntities) {
   ForgedModel model = SpeedModel(GetParam());
   model.in_state(1, SpeedOf({1, 2}, {1, 2, 3, 4})).in_state(2, SpeedOf({3}, {5, 6}));
@@ -93,6 +107,7 @@ TEST_P(ModernHistory, HasCurvesForLayersAndComplexParts) {
                                  "W.im@2=8"));
   const orv::History one = file.history("Speed", {4}, "W", 2);
   ASSERT_THAT(one.curves, SizeIs(2));
+  EXPECT_TRUE(one.curves[1].on_elements);
   EXPECT_THAT(one.curves[1].values, ElementsAre(8.0));
 }
 

@@ -126,6 +126,28 @@ TEST_F(ModernSelection, OfAComponentGivesItByItsName) {
               HasSubstr("has no component \"Q\"; its components are U, W"));
 }
 
+TEST_F(ModernSelection, OfAComponentGivesItByItsNumber) {
+  orv::File file(model_.path());
+  orv::Selection component;
+  component.component = "2";
+  EXPECT_EQ(file.values("Speed", component).at(0).components.at(0).name, "W");
+  for (const char* none : {"0", "3", "-1", "1 ", "4294967297"}) {
+    component.component = none;
+    EXPECT_THAT(ErrorOf([&] { (void)file.values("Speed", component); }), HasSubstr("its components are U, W")) << none;
+  }
+}
+
+TEST_F(ModernSelection, OfWhatIsNotThereIsFoundNowhere) {
+  orv::File file(model_.path());
+  orv::Selection none;
+  EXPECT_THAT(file.find_values("Speed", none), SizeIs(1));
+  EXPECT_THAT(file.find_values("Nothing", none), SizeIs(0));
+  none.ids = {99};
+  EXPECT_THAT(file.find_values("Speed", none), SizeIs(0));
+  none.state = 2;
+  EXPECT_THAT(ErrorOf([&] { (void)file.find_values("Speed", none); }), HasSubstr("has no state 2"));
+}
+
 TEST_F(ModernSelection, OfAnEntityTypeGivesItsValuesAlone) {
   orv::File file(model_.path());
   orv::Selection entity;

@@ -111,6 +111,21 @@ TEST_P(ModernValues, OfElementsThatAnnounceNoLayersMayHaveTheAxisAllTheSame) {
   EXPECT_THAT(file.values("Speed", {1, {}, {}, 0, "W"}).at(0).data.vector(), ElementsAre(2, 4));
 }
 
+TEST_P(ModernValues, TellWhetherTheFileStoresDoubles) {
+  ForgedModel model = SpeedModel(GetParam());
+  model.in_state(1, SpeedOf({1}, {1, 2})).in_state(2, SpeedOf({1}, {1, 2}));
+  const bool is_single = GetParam() == ForgedModel::kSingle;
+  model.file()
+      .at(ForgedModel::StateGroup(2) + "/entityresults/NODE/Speed/" + (is_single ? "orvblock" : "data"))
+      .drop("res")
+      .dataset<double>("res", {1, 2}, {0.1, 2});
+  orv::File file(model.path());
+  EXPECT_FALSE(file.values("Speed", {1}).at(0).is_double);
+  EXPECT_TRUE(file.values<float>("Speed", {2}).at(0).is_double);
+  EXPECT_EQ(file.values("Speed", {2}).at(0).at(0), 0.1);
+  EXPECT_TRUE(file.history("Speed", {1}).is_double);
+}
+
 TEST_P(ModernValues, ThatAreComplexArePairs) {
   ForgedModel model = SpeedModel(GetParam());
   ForgedValues wave = SpeedOf({1, 2}, {1, 2, 3, 4, 5, 6, 7, 8});

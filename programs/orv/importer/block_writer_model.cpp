@@ -110,10 +110,12 @@ class ResultBlock : public ORVResult {
   void SetExtent(Extent extent) { m_nIncremental = extent == Extent::kChanges ? 1 : 0; }
 };
 
-/// A zone is part of the name by which the block is found: the same quantity may stand at the nodes of many.
-ResultBlock MakeResult(const Quantity& quantity, const EntityValues& values) {
-  ResultBlock result(values.is_complex ? ORV_RESULT_ENTITY_COMPLEX : ORV_RESULT_ENTITY);
-  result.SetEntityAndVarName(values.entity_type, quantity.name);
+/// What results of nodes and of elements have in common. A zone is part of the name by which the block is found: the same
+/// quantity may stand at the nodes of many.
+template <class Target>
+ResultBlock MakeResult(int key, const std::string& type, const Quantity& quantity, const Target& values) {
+  ResultBlock result(key);
+  result.SetEntityAndVarName(type, quantity.name);
   Assign(result.m_etypzone, values.zone);
   Assign(result.m_subBlockName, values.zone);
   result.m_zoneid = values.zone_id;
@@ -126,20 +128,15 @@ ResultBlock MakeResult(const Quantity& quantity, const EntityValues& values) {
   return result;
 }
 
+ResultBlock MakeResult(const Quantity& quantity, const EntityValues& values) {
+  return MakeResult(values.is_complex ? ORV_RESULT_ENTITY_COMPLEX : ORV_RESULT_ENTITY, values.entity_type, quantity,
+                    values);
+}
+
 /// The places of the points are the solver's matter: none are stored.
 ResultBlock MakeResult(const Quantity& quantity, const ElementValues& values) {
-  ResultBlock result(ORV_RESULT_ELEMENT);
-  result.SetEntityAndVarName(values.element_type, quantity.name);
-  Assign(result.m_etypzone, values.zone);
-  Assign(result.m_subBlockName, values.zone);
-  result.m_zoneid = values.zone_id;
-  result.m_nent = static_cast<std::int64_t>(values.ids->size());
+  ResultBlock result = MakeResult(ORV_RESULT_ELEMENT, values.element_type, quantity, values);
   result.m_numl = values.layers;
-  result.m_ncoo = static_cast<std::int64_t>(quantity.components.size());
-  result.m_readIds = 1;
-  result.m_entid = values.ids->data();
-  result.m_res = values.values;
-  result.m_resType = values.type;
   return result;
 }
 
