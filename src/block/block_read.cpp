@@ -140,6 +140,7 @@ int FindDatasetInfo(IOH5Reader& reader, hid_t group, const std::string& name, _O
 
 int ORVBlock::ReadDatasetFilterIds(const char* file, int state, const std::string& name, std::vector<int>& ids) {
   return h5::Entry(kFail, [&] {
+    const FileInUseBy index(*this, file);
     const ReaderLease reader(*this, file);
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));
@@ -151,6 +152,7 @@ int ORVBlock::ReadDatasetFilterIds(const char* file, int state, const std::strin
 int ORVBlock::ReadDatasetFileDataType(const char* file, int state, const std::vector<std::string>& names,
                                       std::vector<_ORVDataType>& types) {
   return h5::Entry(kFail, [&] {
+    const FileInUseBy index(*this, file);
     const ReaderLease reader(*this, file);
     if (!reader) return kFail;
     const h5::Group group(OpenBlockGroup(state));

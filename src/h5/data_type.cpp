@@ -21,9 +21,7 @@ constexpr TypeRow kTypes[] = {
 };
 
 template <class Fits>
-_ORVDataType FirstType(hid_t datatype, Fits fits) {
-  const H5T_class_t type_class = H5Tget_class(datatype);
-  const size_t size = H5Tget_size(datatype);
+_ORVDataType FirstType(H5T_class_t type_class, size_t size, Fits fits) {
   const auto* row = std::ranges::find_if(kTypes, [&](const TypeRow& candidate) {
     return candidate.type_class == type_class && size > 0 && fits(size, candidate.size);
   });
@@ -37,13 +35,16 @@ const TypeRow* FindNumericType(int type) {
   return row == std::end(kTypes) ? nullptr : row;
 }
 
-_ORVDataType ExactType(hid_t datatype) {
-  if (H5Tget_class(datatype) == H5T_STRING) return ORV_CHAR;
-  return FirstType(datatype, [](size_t stored, size_t ours) { return stored == ours; });
+_ORVDataType ExactType(H5T_class_t type_class, size_t size) {
+  if (type_class == H5T_STRING) return ORV_CHAR;
+  return FirstType(type_class, size, [](size_t stored, size_t ours) { return stored == ours; });
 }
 
+_ORVDataType ExactType(hid_t datatype) { return ExactType(H5Tget_class(datatype), H5Tget_size(datatype)); }
+
 _ORVDataType RoomyType(hid_t datatype) {
-  return FirstType(datatype, [](size_t stored, size_t ours) { return stored <= ours; });
+  return FirstType(H5Tget_class(datatype), H5Tget_size(datatype),
+                   [](size_t stored, size_t ours) { return stored <= ours; });
 }
 
 }  // namespace orvio::h5

@@ -21,6 +21,7 @@ const TypeRow* FindNumericType(int type);
 
 /// Type of a stored datatype by class and exact size; ORV_UNKNOWN_TYPE for one that the library does not know.
 _ORVDataType ExactType(hid_t datatype);
+_ORVDataType ExactType(H5T_class_t type_class, size_t size);
 
 /// Numeric type that can hold a stored datatype: up to 4 bytes the small one, up to 8 the large one. Texts and
 /// all else are ORV_UNKNOWN_TYPE.

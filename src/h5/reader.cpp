@@ -157,8 +157,8 @@ int OH5Reader::GetDatasetInfo(hid_t loc, const std::string& name, int& rank, hsi
     h5::StoredDataset dataset(loc, name.c_str());
     const h5::Extents& stored = dataset.extents();
     if (!dataset || stored.rank < 1) return kFail;
-    type = h5::ExactType(dataset.type());
-    if (filters) AppendFilters(dataset.creation_list(), *filters);
+    type = dataset.exact_type();
+    if (filters && dataset.is_filtered()) AppendFilters(dataset.creation_list(), *filters);
     rank = stored.rank;
     std::copy_n(stored.dims, stored.rank, dims);
     total = stored.points;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "h5/data_type.h"
 #include "h5/disk_names.h"
 #include "h5/file_access.h"
 #include "h5/filters.h"
@@ -76,6 +77,11 @@ StoredDataset& StoredDataset::ByHdf5() {
 
 H5T_class_t StoredDataset::type_class() {
   return indexed_ ? ClassOf(indexed_->values.shape.kind) : H5Tget_class(type());
+}
+
+_ORVDataType StoredDataset::exact_type() {
+  const bool is_told = indexed_ && indexed_->values.shape.kind != structure::ElementKind::kOther;
+  return is_told ? ExactType(type_class(), indexed_->values.shape.element_size) : ExactType(type());
 }
 
 void StoredDataset::Open(hid_t loc, const char* name) {

@@ -10,6 +10,7 @@
 
 #include "h5/extents.h"
 #include "h5/handle.h"
+#include "orvio/orv_types.h"
 #include "structure/byte_source.h"
 #include "structure/catalogue.h"
 
@@ -42,6 +43,8 @@ class StoredDataset {
   hid_t space() { return ByHdf5().space_.get(); }
   const Extents& extents() const { return extents_; }
   H5T_class_t type_class();
+  /// See ExactType.
+  _ORVDataType exact_type();
 
   /// Whether its values have gone through filters.
   bool is_filtered() {
