@@ -101,6 +101,15 @@ TEST_F(HistoryCommand, TakesOneComponentAndOneLayer) {
             "state,TIME,STEP,\"S,Y\"\n1,0.125,1,8\n2,0.25,1,80\n");
 }
 
+TEST_F(HistoryCommand, OfALayerLeavesOutEntitiesThatLackItButNotThoseThatAreNowhere) {
+  EXPECT_EQ(History({"STRESS", "--ids", "12,21", "--layer", "2", "--csv"}),
+            "state,TIME,STEP,SXX,\"S,Y\"\n1,0.125,1,7,8\n2,0.25,1,70,80\n");
+  ExpectRefused({"STRESS", "--ids", "12,99", "--layer", "2"},
+                "\"STRESS\" has no value at id 99 in any state; orv values shows which ids there are");
+  ExpectRefused({"STRESS", "--ids", "99", "--layer", "2"},
+                "\"STRESS\" has no value at id 99 in any state; orv values shows which ids there are");
+}
+
 TEST_F(HistoryCommand, ShowsTheTwoPartsOfComplexValues) {
   EXPECT_EQ(History({"WAVE", "--ids", "5", "--csv"}),
             "state,TIME,STEP,A.re,A.im,B.re,B.im\n1,0.125,1,0.1,-1e-300,2,3\n2,0.25,1,,,,\n");

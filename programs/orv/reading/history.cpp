@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <tuple>
 #include <unordered_set>
@@ -45,13 +46,23 @@ orv::History Read(ResultFile& file, const HistoryRequest& request, const std::ve
   return file.file().history(values.variable, ids, values.component, layer, values.entity);
 }
 
-/// Whether there are curves of that request without its ids, or without its layer.
-bool HasCurves(ResultFile& file, const HistoryRequest& request, const std::vector<std::int64_t>& ids, int layer) {
+/// Whether states have values of that name, whatever the ids.
+bool AreInStates(ResultFile& file, const ValueRequest& request) {
+  return std::ranges::any_of(kLists, [&](ResultList list) {
+    const std::vector<ORVResult*> blocks = FindBlocks(file, request, list).blocks;
+    return std::ranges::any_of(blocks, [](const ORVResult* block) { return !block->IsConstantBlk(); });
+  });
+}
+
+/// Ids that have a value in any state and layer.
+std::unordered_set<std::int64_t> IdsInAnyLayer(ResultFile& file, const HistoryRequest& request,
+                                               const std::vector<std::int64_t>& ids) {
+  std::unordered_set<std::int64_t> known;
   try {
-    return !Read(file, request, ids, layer).curves.empty();
-  } catch (const orv::Error&) {
-    return false;
+    for (const orv::Curve& curve : Read(file, request, ids, 0).curves) known.insert(curve.id);
+  } catch (const orv::Error&) {  // there are none
   }
+  return known;
 }
 
 [[noreturn]] void RefuseLayer(const ResultFile& file, const HistoryRequest& request) {
@@ -80,9 +91,8 @@ bool HasCurves(ResultFile& file, const HistoryRequest& request, const std::vecto
                           const orv::Error& error) {
   for (const ResultList list : kLists) CheckComponent(file, request.values, list);
   if (!error.block().empty()) throw error;
-  const bool has_id = std::ranges::any_of(ids, [&](std::int64_t id) { return HasCurves(file, request, {id}, 0); });
-  if (!ids.empty() && !has_id && HasCurves(file, request, {}, 0)) RefuseId(file, request, ids.front());
-  if (request.layer > 0 && HasCurves(file, request, ids, 0)) RefuseLayer(file, request);
+  if (request.layer > 0 && !IdsInAnyLayer(file, request, ids).empty()) RefuseLayer(file, request);
+  if (!ids.empty() && AreInStates(file, request.values)) RefuseId(file, request, ids.front());
   RefuseName(file, request.values);
 }
 
@@ -94,13 +104,17 @@ orv::History Read(ResultFile& file, const HistoryRequest& request, const std::ve
   }
 }
 
-/// An id may have values of other layers only.
-void CheckIds(ResultFile& file, const HistoryRequest& request, const std::vector<orv::Curve>& curves) {
+/// Throws Trouble for an id that has no value; it may have some of other layers.
+void CheckIds(ResultFile& file, const HistoryRequest& request, const std::vector<std::int64_t>& ids,
+              const std::vector<orv::Curve>& curves) {
   std::unordered_set<std::int64_t> known;
   for (const orv::Curve& curve : curves) known.insert(curve.id);
-  for (const long long id : request.values.ids) {
-    if (known.contains(id) || (request.layer > 0 && HasCurves(file, request, {id}, 0))) continue;
-    RefuseId(file, request, id);
+  std::vector<std::int64_t> missing;
+  std::ranges::copy_if(ids, std::back_inserter(missing), [&](std::int64_t id) { return !known.contains(id); });
+  if (missing.empty()) return;
+  if (request.layer > 0) known = IdsInAnyLayer(file, request, missing);
+  for (const std::int64_t id : missing) {
+    if (!known.contains(id)) RefuseId(file, request, id);
   }
 }
 
@@ -116,7 +130,7 @@ History ReadHistory(ResultFile& file, const HistoryRequest& request) {
   if (request.values.ids.empty()) RequireFew(file, request.values);
   const std::vector<std::int64_t> ids(request.values.ids.begin(), request.values.ids.end());
   History history{Read(file, request, ids), {}};
-  CheckIds(file, request, history.curves);
+  CheckIds(file, request, ids, history.curves);
   history.index_columns = file.file().index_columns(CountIndexColumns(history.states));
   return history;
 }
