@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <fstream>
 #include <limits>
+#include <numeric>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -306,6 +307,31 @@ TEST_P(ModernWriter, WritesElementsInLayersAndPairsInZones) {
   look("/elementresults/TRIA3/Heat", 1101, {2, 2, 1, 2}, "idele");
   const std::string zone = Part(State(1) + "/entityresults/NODE/Heat/inner", "header");
   EXPECT_EQ(TextAt(file, zone, "etypzone"), "inner");
+}
+
+TEST_P(ModernWriter, PacksValuesOfWhichItKeepsSomeDigits) {
+  orv::Writer writer(path_, Options());
+  writer.define({"Heat", {"T"}});
+  std::vector<int> ids(5000);
+  std::iota(ids.begin(), ids.end(), 1);
+  std::vector<double> values(ids.size());
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = 300 + static_cast<double>(i % 100) * 0.0123;
+  writer.constant("Heat", ids, values, {"NODE", 0, false, {}, 2});
+  writer.constant("Heat", ids, values, {"PART"});
+  const std::string part = GetParam() >= ORV_VERSION_2_0 ? "/Heat/orvblock/" : "/Heat/data/";
+  const RawFile raw(path_);
+  const std::string packed = "/post/constant/entityresults/NODE" + part,
+                    plain = "/post/constant/entityresults/PART" + part;
+  EXPECT_THAT(raw.filters(packed + "res"), ElementsAre(H5Z_FILTER_SCALEOFFSET));
+  EXPECT_THAT(raw.chunk(packed + "res"), ElementsAre(4096, 1));
+  EXPECT_NEAR(raw.values<double>(packed + "res")[77], 300.9471, 0.005);
+  EXPECT_THAT(raw.values<int>(packed + "entid"), testing::ElementsAreArray(ids));
+  EXPECT_THAT(raw.filters(plain + "res"), testing::IsEmpty());
+  EXPECT_EQ(ORVSetChunkEntities(0), 0);  // as it was
+  EXPECT_THAT(ErrorOf([&] {
+                writer.constant("Heat", ids, values, {"NODE", 0, false, {}, -1});
+              }),
+              HasSubstr("digits less than 0"));
 }
 
 TEST_P(ModernWriter, WritesValuesAsAFileGivesThem) {

@@ -176,6 +176,9 @@ struct Target {
   int layers = 0;               ///< layers or integration points of an element; 0 for entities with one value each
   bool is_complex = false;      ///< values are pairs: real, imaginary
   std::string zone = {};        ///< name of the set that the entities are of; empty for all
+  /// Decimal digits that are kept behind the point; the values are packed then, and the ids, in chunks of a few thousand
+  /// entities. None: as they are.
+  std::optional<int> digits = {};
 };
 
 }  // namespace orv

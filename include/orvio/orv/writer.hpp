@@ -313,6 +313,7 @@ class Writer {
       fail(described_as + " has values there already", "write all of them at once, or in zones", state);
     }
     ORVResult result = detail::result_of(name, target, components, narrowed, values.data());
+    const detail::ChunkScope chunks;  // of packed values; others have none
     try {
       write_result(state, std::move(index), result, described_as);
     } catch (...) {
@@ -323,6 +324,7 @@ class Writer {
 
   void require_target(const Target& target) const {
     require_name(target.entity);
+    if (target.digits && *target.digits < 0) fail("values keep no digits less than 0", "leave them out to keep all");
     if (target.zone.empty()) return;
     require_name(target.zone);
     if (detail::same_word(target.zone, "ZONE")) fail("\"ZONE\" stands for no zone", "give another name");

@@ -17,6 +17,7 @@
 #include "orvio/orv_ele_connectivity.h"
 #include "orvio/orv_part.h"
 #include "orvio/orv_result.h"
+#include "orvio/orv_switches.h"
 
 namespace orv::detail {
 
@@ -122,6 +123,20 @@ inline int kind_of(const Target& target) {
   return target.is_complex ? ORV_RESULT_ENTITY_COMPLEX : ORV_RESULT_ENTITY;
 }
 
+/// Chunks for packed values, for the life of the scope: the values of one entity are found without unpacking all others.
+class ChunkScope {
+ public:
+  ChunkScope() : before_(ORVSetChunkEntities(kEntities)) {}
+  ChunkScope(const ChunkScope&) = delete;
+  ChunkScope& operator=(const ChunkScope&) = delete;
+  ~ChunkScope() { (void)ORVSetChunkEntities(before_); }
+
+ private:
+  static constexpr int kEntities = 4096;
+
+  int before_;
+};
+
 /// A result block without index. `ids` are borrowed, and so are the values.
 template <class Number>
 ORVResult result_of(const std::string& variable, const Target& target, std::size_t components, std::vector<int>& ids,
@@ -137,6 +152,7 @@ ORVResult result_of(const std::string& variable, const Target& target, std::size
   result.m_entid = ids.data();
   result.m_res = const_cast<Number*>(values);  // only read
   result.m_resType = std::is_same_v<Number, float> ? ORV_FLOAT : ORV_DOUBLE;
+  result.m_nCompressionFactor = target.digits.value_or(-1);
   return result;
 }
 
