@@ -166,6 +166,26 @@ TEST_F(LinkArrays, HaveOneArrayForEachVariableOfAGroup) {
   EXPECT_FALSE(Exists("PointData/BOTH"));
 }
 
+TEST_F(LinkArrays, LeaveOutVariablesOfAGroupThatTheBlockHasNoComponentsOf) {
+  const std::string group = "/post/constant/variablegroup/BOTH/orvblock";
+  file_.at(group)
+      .integer("block", 32)
+      .text("etypvar", "BOTH")
+      .integer("ncoo", 3)
+      .integer("nvar", 2)
+      .dataset<std::int32_t>("cnt", {2}, {1, 2})
+      .dataset<std::int32_t>("offs", {2}, {0, 1})
+      .texts("varkey", 256, {2}, {"TEMP", "PAIR"});
+  AddNodalValues(file_, 1, "BOTH", 3, {10, 20}, {1, 11, 21, 2, 12, 22});
+  for (const int offset : {2, 3, -1, 0x7fffffff}) {
+    file_.at(group).drop("offs").dataset<std::int32_t>("offs", {2}, {0, offset});
+    Link();
+    EXPECT_THAT(Values<float>("PointData/TEMP"), AreFloats({1, 2, kNone, kNone, kNone, kNone, kNone})) << offset;
+    EXPECT_FALSE(Exists("PointData/PAIR")) << offset;
+    std::filesystem::remove(Out());
+  }
+}
+
 TEST_F(LinkArrays, CopyWhatChangesArePutTogetherFrom) {
   const auto add = [&](int state, int indexic, const std::vector<std::int32_t>& ids, const std::vector<float>& values) {
     AddNodalValues(file_, state, "TEMP", 1, ids, values);
