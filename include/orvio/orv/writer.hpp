@@ -48,9 +48,11 @@ class Writer {
 
   /// Makes a file. One that is there is replaced.
   explicit Writer(std::string path) : Writer(std::move(path), Options()) {}
-  Writer(std::string path, Options options)
-      : path_(std::move(path)), version_(options.version), units_(path_, options.origin) {
-    has_groups_ = version_ >= ORV_VERSION_2_0;
+  Writer(std::string path, const Options& options)
+      : path_(std::move(path)),
+        version_(options.version),
+        units_(path_, options.origin),
+        has_groups_(version_ >= ORV_VERSION_2_0) {
     for (const Component& column : options.index) {  // while the file that is there still is
       require_name(column.name);
       (void)units_.ids(path_, column.unit);
@@ -70,7 +72,7 @@ class Writer {
   /// A variable: what its values are. Goes before them.
   void define(const Quantity& quantity) {
     require_name(quantity.name);
-    if (known_.taken.count(quantity.name) > 0) {
+    if (detail::holds(known_.taken, quantity.name)) {
       fail("\"" + quantity.name + "\" is defined already", "give another name");
     }
     const std::size_t count = quantity.components.size();
@@ -115,7 +117,7 @@ class Writer {
   /// Node ids and their coordinates, ids x 3, as constant values of "COORDINATE", which is defined if it is not.
   template <class Ids, class Numbers>
   void nodes(const Ids& ids, const Numbers& xyz, const std::string& unit = {}) {
-    if (known_.variables.count("COORDINATE") == 0) {
+    if (!detail::holds(known_.variables, "COORDINATE")) {
       define({"COORDINATE", {"X", "Y", "Z"}, Shape::vector, unit, "CLASS_LENGTH"});
     }
     constant("COORDINATE", ids, xyz);

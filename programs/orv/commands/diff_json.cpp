@@ -57,17 +57,12 @@ Json ToJson(const TableDifference& difference) {
   return json;
 }
 
-Json Number(double value, bool is_float) {
-  const Json number = JsonNumber(value, !is_float);
-  return number;
-}
-
 Json ToJson(const ValuePlace& place) {
   Json json = {{"difference", JsonNumber(place.difference)}, {"id", place.id}};
   if (place.layer > 0) json["layer"] = place.layer;
   json["component"] = place.component;
-  json["a"] = Number(place.a, place.a_is_float);
-  json["b"] = Number(place.b, place.b_is_float);
+  json["a"] = JsonNumber(place.a, !place.a_is_float);
+  json["b"] = JsonNumber(place.b, !place.b_is_float);
   return json;
 }
 

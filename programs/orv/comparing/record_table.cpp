@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 
 #include "comparing/collector_rows.h"
@@ -65,7 +66,7 @@ RecordTable Records(const std::vector<orv::Part>& parts) {
 template <class Block>
 std::vector<std::string> TypesOf(const std::vector<Block*>& blocks) {
   std::vector<std::string> types;
-  for (const Block* block : blocks) types.push_back(TextOf(block->m_etyp));
+  std::ranges::transform(blocks, std::back_inserter(types), [](const Block* block) { return TextOf(block->m_etyp); });
   return types;
 }
 
@@ -120,7 +121,8 @@ std::vector<std::string> ListCollectors(ORVFiler& filer, int state) {
   std::vector<ORVCollector*> blocks;
   filer.GetCollector(state, ORV_READ_HEADER, blocks);
   std::vector<std::string> types;
-  for (const ORVCollector* block : blocks) types.push_back(TextOf(block->m_etypcoll));
+  std::ranges::transform(blocks, std::back_inserter(types),
+                         [](const ORVCollector* block) { return TextOf(block->m_etypcoll); });
   filer.DeleteCollector(blocks);
   return types;
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -103,7 +104,7 @@ EntityChoice::Ids PlanParts(const ExtractOptions& options, ResultFile& file) {
     }
     if (found > 0) continue;
     std::vector<std::string> titles;
-    for (const auto& [id, title] : parts) titles.push_back(title);
+    std::ranges::transform(parts, std::back_inserter(titles), [](const auto& part) { return part.second; });
     throw Trouble(file.path(), fmt::format("has no part \"{}\"{}", text, DidYouMean(text, titles)),
                   "orv parts lists them");
   }

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -16,7 +18,7 @@ std::vector<orv::Part> ReadParts(orv::File& file, const std::string& type, int s
   std::vector<orv::Part> parts = file.parts(state);
   if (type.empty()) return parts;
   std::vector<std::string> types;
-  for (const orv::Part& part : parts) types.push_back(part.type);
+  std::ranges::transform(parts, std::back_inserter(types), &orv::Part::type);
   std::erase_if(parts, [&](const orv::Part& part) { return !SameWord(part.type, type); });
   if (!parts.empty()) return parts;
   throw Trouble(file.path(), fmt::format("has no parts of type \"{}\"{}", type, DidYouMean(type, types)),
@@ -29,7 +31,9 @@ std::vector<std::size_t> CountElements(orv::File& file, const std::vector<orv::P
     for (const std::int64_t part : elements.parts) ++counts[{elements.part_type, part}];
   }
   std::vector<std::size_t> of_parts;
-  for (const orv::Part& part : parts) of_parts.push_back(counts[{part.type, part.id}]);
+  std::ranges::transform(parts, std::back_inserter(of_parts), [&](const orv::Part& part) {
+    return counts[{part.type, part.id}];
+  });
   return of_parts;
 }
 

@@ -15,13 +15,18 @@
 
 namespace orv::detail {
 
+template <class Set, class Key>
+bool holds(const Set& set, const Key& key) {
+  return set.find(key) != set.end();  // NOLINT(readability-container-contains): that is not C++17
+}
+
 /// Places of results in one section. The library leaves a result alone that is there, and says nothing.
 class Places {
  public:
   /// False where values stand already: in the same zone, or in no zone while these are of one, or the reverse.
   bool add(const std::string& entity, const std::string& variable, const std::string& zone) {
     Zones& zones = zones_[{entity, variable}];
-    const bool is_free = zones.empty() || (!zone.empty() && zones.count("") == 0 && zones.count(zone) == 0);
+    const bool is_free = zones.empty() || (!zone.empty() && !holds(zones, "") && !holds(zones, zone));
     if (is_free) zones.insert(zone);
     return is_free;
   }

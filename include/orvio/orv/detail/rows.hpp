@@ -18,7 +18,7 @@ namespace orv::detail {
 /// share an id the first one counts.
 inline std::vector<std::size_t> find_rows(const std::vector<std::int64_t>& stored,
                                           const std::vector<std::int64_t>& asked) {
-  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  constexpr auto kNone = static_cast<std::size_t>(-1);
   std::unordered_map<std::int64_t, std::size_t> places;  // of the few, not of all
   for (const std::int64_t id : asked) places.emplace(id, kNone);
   std::size_t missing = places.size();
