@@ -98,11 +98,7 @@ TEST_F(CheckGuard, LimitsMemoryTimeAndDumps) {
       },
       {.seconds = 7, .memory_mib = 2048});
   EXPECT_EQ(outcome.ending, Ending::kFinished);
-#ifdef __SANITIZE_ADDRESS__
-  EXPECT_THAT(lines_, ElementsAre("none", "8", "0"));
-#else
-  EXPECT_THAT(lines_, ElementsAre("2147483648", "8", "0"));
-#endif
+  EXPECT_THAT(lines_, ElementsAre(kIsSanitized ? "none" : "2147483648", "8", "0"));
 }
 
 TEST_F(CheckGuard, TakesAnyOtherEndForACrash) {
