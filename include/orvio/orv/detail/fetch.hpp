@@ -182,7 +182,7 @@ bool read_run(const Source& from, const Extents& extents, const ComponentRun& ru
 /// Whether elements that announce no layers have several.
 inline bool has_more_layers(const Source& from) {
   constexpr int kSecond = 2;
-  double value[2];  // a complex one is a pair
+  double value[2] = {};  // a complex one is a pair
   const Extents one{1, 1, 1, parts_of(from.block)};
   return read_run(from, one, {0, 1}, {kSecond, 0, 1}, LayerAxis::stored, value);
 }
