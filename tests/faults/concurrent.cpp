@@ -70,9 +70,9 @@ class Reader {
   /// Counts a finding and tells of it.
   void Find(std::atomic<long>& count, const char* what, int state, int block = -1) {
     if (++count > 20 || round_.writer.durability == 0) return;
-    (void)std::fprintf(stderr, "%s: state %d, block %d, %d states known, %d said; %s, %s%s\n", what, state, block,
-                       states_, progress_.states.load(), NameOf(round_.writer).c_str(), NameOf(round_.form),
-                       round_.with_kills ? ", with kills" : "");
+    (void)std::fprintf(stderr, "%s: state %d, block %d, %d states known, %d said; %s, %s%s; last error: %s\n", what,
+                       state, block, states_, progress_.states.load(), NameOf(round_.writer).c_str(),
+                       NameOf(round_.form), round_.with_kills ? ", with kills" : "", ORVGetLastErrorText());
   }
 
   void Look() {
