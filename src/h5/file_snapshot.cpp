@@ -3,7 +3,9 @@
 #include "h5/file_snapshot.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 #include "h5/file_locks.h"
 #include "structure/structure_check.h"
@@ -28,8 +30,11 @@ bool FileSnapshot::Stat() {
 
 /// The stamp is older than the look at the journal, the size is younger: a change in between is seen by the first read,
 /// and what it made longer can be read.
+///
+/// Pages that are being overwritten right now may be met in the middle of several sectors, as the writer moves on between
+/// two reads: a journal does not fit such a file for a moment, and one of another file does not fit it ever.
 bool FileSnapshot::Take() {
-  constexpr int kTries = 10;
+  constexpr int kTries = 10, kLooks = 4;
   announced_ = AnnounceReader(file_.get());
   for (int i = 0; i < kTries; ++i) {
     if (!Stat()) return false;
@@ -40,7 +45,10 @@ bool FileSnapshot::Take() {
     const bool fits = state.unfinished.empty() || Fits(file_.get(), journal, state);
     if (!Stat()) return false;
     size_ = static_cast<std::uint64_t>(stamp_.size);
-    if (!fits && stamp_ != before) continue;  // the change came to its end meanwhile
+    if (!fits && (stamp_ != before || i + 1 < kLooks)) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      continue;
+    }
     stamp_ = before;
     if (journal) journals_.push_back(std::move(journal));
     chain_ = fits ? state.chain : 0;  // one that does not fit is of another file that had this name
