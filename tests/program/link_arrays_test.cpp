@@ -18,6 +18,20 @@ class LinkArrays : public LinkTest {
     AddVariable(file_, "PAIR", "", 0, {"A", "B"});
     AddVariable(file_, "STRESS", "CLASS_STRESS", 2, {"SXX", "SYY", "SZZ", "SXY", "SXZ", "SYZ"});
   }
+
+  static constexpr char kGroup[] = "/post/constant/variablegroup/BOTH/orvblock";
+
+  /// TEMP and PAIR side by side.
+  void AddGroup() {
+    file_.at(kGroup)
+        .integer("block", 32)
+        .text("etypvar", "BOTH")
+        .integer("ncoo", 3)
+        .integer("nvar", 2)
+        .dataset<std::int32_t>("cnt", {2}, {1, 2})
+        .dataset<std::int32_t>("offs", {2}, {0, 1})
+        .texts("varkey", 256, {2}, {"TEMP", "PAIR"});
+  }
 };
 
 TEST_F(LinkArrays, FillWhatAStateLacks) {
@@ -150,14 +164,7 @@ TEST_F(LinkArrays, TakeStepsFromABlockThatHoldsAllWhereThereAreNoStates) {
 }
 
 TEST_F(LinkArrays, HaveOneArrayForEachVariableOfAGroup) {
-  file_.at("/post/constant/variablegroup/BOTH/orvblock")
-      .integer("block", 32)
-      .text("etypvar", "BOTH")
-      .integer("ncoo", 3)
-      .integer("nvar", 2)
-      .dataset<std::int32_t>("cnt", {2}, {1, 2})
-      .dataset<std::int32_t>("offs", {2}, {0, 1})
-      .texts("varkey", 256, {2}, {"TEMP", "PAIR"});
+  AddGroup();
   AddNodalValues(file_, 1, "BOTH", 3, {10, 20, 30, 40, 50, 60, 70},
                  {1, 11, 21, 2, 12, 22, 3, 13, 23, 4, 14, 24, 5, 15, 25, 6, 16, 26, 7, 17, 27});
   Link();
@@ -167,18 +174,10 @@ TEST_F(LinkArrays, HaveOneArrayForEachVariableOfAGroup) {
 }
 
 TEST_F(LinkArrays, LeaveOutVariablesOfAGroupThatTheBlockHasNoComponentsOf) {
-  const std::string group = "/post/constant/variablegroup/BOTH/orvblock";
-  file_.at(group)
-      .integer("block", 32)
-      .text("etypvar", "BOTH")
-      .integer("ncoo", 3)
-      .integer("nvar", 2)
-      .dataset<std::int32_t>("cnt", {2}, {1, 2})
-      .dataset<std::int32_t>("offs", {2}, {0, 1})
-      .texts("varkey", 256, {2}, {"TEMP", "PAIR"});
+  AddGroup();
   AddNodalValues(file_, 1, "BOTH", 3, {10, 20}, {1, 11, 21, 2, 12, 22});
   for (const int offset : {2, 3, -1, 0x7fffffff}) {
-    file_.at(group).drop("offs").dataset<std::int32_t>("offs", {2}, {0, offset});
+    file_.at(kGroup).drop("offs").dataset<std::int32_t>("offs", {2}, {0, offset});
     Link();
     EXPECT_THAT(Values<float>("PointData/TEMP"), AreFloats({1, 2, kNone, kNone, kNone, kNone, kNone})) << offset;
     EXPECT_FALSE(Exists("PointData/PAIR")) << offset;
