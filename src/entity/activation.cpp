@@ -52,7 +52,7 @@ int ORVEleActivation::ReadHeader(hid_t header, int mode) {
   in.strip(m_etyp);
   in.required(disk::nent, m_nent);
   in.required(disk::nindex, m_nindex);
-  in.attempted(disk::indexic, m_nIncremental);
+  in.tolerated(disk::indexic, m_nIncremental);
   return in.status();
 }
 

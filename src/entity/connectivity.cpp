@@ -89,7 +89,7 @@ int ORVEleConnectivity::ReadHeader(hid_t header, int mode) {
   in.defaulted(disk::nbfloat, m_nbfloat);
   in.tolerated(disk::nindex, m_nindex);
   in.defaulted(disk::ndim, m_ndim, kUnknownDim);
-  in.attempted(disk::indexic, m_nIncremental);  // other writers store it, this one never does
+  in.tolerated(disk::indexic, m_nIncremental);  // other writers store it, this one never does
   return in.status();
 }
 

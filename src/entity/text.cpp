@@ -47,7 +47,7 @@ int ORVText::ReadHeader(hid_t header, int flags) {
   in.required(disk::nlines, m_nlines);
   in.required(disk::length, m_length);
   in.strip(m_etyptext);
-  in.attempted(disk::indexic, m_nIncremental);  // other writers store it, this one never does
+  in.tolerated(disk::indexic, m_nIncremental);  // other writers store it, this one never does
   return in.status();
 }
 

@@ -84,6 +84,18 @@ TEST_P(ActivationHeaderLayout, ReadsWithoutTheIncrementalFlag) {
   EXPECT_FALSE(block_.IsIncremental());
 }
 
+TEST_P(ActivationHeaderLayout, WithoutAFlagIsNotIncrementalAfterOneThatIs) {
+  AddActivation(file_, kActiveShells, GetParam()).integer32("indexic", 1);
+  ASSERT_EQ(ReadHeaderOf(block_, file_), 0);
+  ASSERT_TRUE(block_.IsIncremental());
+  file_.retype("indexic");
+  ASSERT_EQ(ReadHeaderOf(block_, file_), 0);
+  EXPECT_TRUE(block_.IsIncremental());  // what cannot be read changes nothing
+  file_.drop("indexic");
+  ASSERT_EQ(ReadHeaderOf(block_, file_), 0);
+  EXPECT_FALSE(block_.IsIncremental());
+}
+
 TEST_P(ActivationHeaderLayout, ReadsABlockOfItsOwnState) {
   AddActivation(file_, "/post/singlestate/state000000000001/activflags/BEAM", GetParam());
   AddActivation(file_, "/post/singlestate/state000000000002/activflags/SHELL", GetParam()).integer("nent", 99);

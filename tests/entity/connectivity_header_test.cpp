@@ -215,6 +215,15 @@ TEST_F(ConnectivityHeader, IsNotIncrementalWithAnUnreadableFlag) {
   EXPECT_FALSE(block_.IsIncremental());
 }
 
+TEST_F(ConnectivityHeader, WithoutAFlagIsNotIncrementalAfterOneThatIs) {
+  AddOptionalAttributes(Mesh());
+  ASSERT_EQ(ReadHeaderOf(block_, file_), 0);
+  ASSERT_TRUE(block_.IsIncremental());
+  Mesh().drop("indexic");
+  ASSERT_EQ(ReadHeaderOf(block_, file_), 0);
+  EXPECT_FALSE(block_.IsIncremental());
+}
+
 TEST_F(ConnectivityHeader, TakesTextsThatFillTheirField) {
   Mesh().text("etypelem", std::string(256, 'E')).text("etypnode", std::string(256, 'N'));
   ASSERT_EQ(ReadHeaderOf(block_, file_), 0);

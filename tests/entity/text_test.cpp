@@ -159,7 +159,10 @@ TEST_F(TextBlock, IsIncrementalAsItsHeaderSays) {
   EXPECT_TRUE(text.IsIncremental());  // what cannot be read changes nothing
   file.drop("indexic");
   ASSERT_EQ(text.Header(file), 0);
-  EXPECT_TRUE(text.IsIncremental());  // nor does what is not there
+  EXPECT_FALSE(text.IsIncremental());
+  file.integer32("indexic", 1);
+  ASSERT_EQ(text.Header(file), 0);
+  EXPECT_TRUE(text.IsIncremental());
   file.integer32("indexic", 0);
   ASSERT_EQ(text.Header(file), 0);
   EXPECT_FALSE(text.IsIncremental());
