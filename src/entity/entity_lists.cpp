@@ -33,7 +33,7 @@ h5::StoredElementsOf StoredInState(ORVBlock& block, const char* file, int state)
     if (!reader) return 0;
     const h5::Group group(ORVBlockPathResolver(&block).OpenBlockGroupFor(state));
     const h5::Group data = group ? OpenData(group.get()) : h5::Group();
-    return data ? h5::StoredElements(data.get(), name, bytes_each) : 0;
+    return data ? h5::BackedElements(data.get(), name, bytes_each) : 0;
   };
 }
 
@@ -76,7 +76,7 @@ class EntityScan : public Block {
     }
     const h5::StoredElementsOf stored = [this](const char* name, std::uint64_t bytes_each) {
       const h5::Group data = OpenOwnData();
-      return data ? h5::StoredElements(data.get(), name, bytes_each) : 0;
+      return data ? h5::BackedElements(data.get(), name, bytes_each) : 0;
     };
     return AllocateBuffers(*this, stored) ? ORV_ACTION_CONTINUE : ORV_ACTION_SKIP;
   }

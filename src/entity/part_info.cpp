@@ -56,8 +56,8 @@ bool PartReader::MakeArrays(hid_t data) {
   std::uint64_t bytes = 0;
   if (__builtin_mul_overflow(parts, kBytesPerPart + title, &bytes)) return false;
   if (bytes > h5::kUnbackedBytes) {
-    if (h5::StoredElements(data, disk::pid) < parts) return false;
-    if (title > 0 && h5::StoredElements(data, disk::title, title) < parts) return false;
+    if (h5::BackedElements(data, disk::pid, 1) < parts) return false;
+    if (title > 0 && h5::BackedElements(data, disk::title, title) < parts) return false;
   }
   if (title > 0) titles_ = ZeroedArray<char>(parts * title + 1);
   for (auto* list : {&info_.ids, &info_.material_ids, &info_.material_types}) list->resize(parts);

@@ -10,7 +10,7 @@
 
 namespace orvio::h5 {
 
-/// Elements of a dataset that are really in the file, where one takes so many bytes at least.
+/// Elements of a dataset that are really in the file, where one has so many bytes at least before filters.
 using StoredElementsOf = std::function<std::uint64_t(const char* dataset, std::uint64_t bytes_each)>;
 
 /// Makes the arrays of one block, zeroed and of the C allocator. 64 MiB are made on the word of the header; a larger
@@ -25,8 +25,7 @@ class ArrayMaker {
   /// Integers or floats of four bytes.
   template <class T>
   void numbers(T*& array, const char* dataset, Shape shape) {
-    // Compressed numbers take less than their four bytes in a file, but hardly less than one.
-    array = static_cast<T*>(Make(array, dataset, shape, {4, 1, 0}));
+    array = static_cast<T*>(Make(array, dataset, shape, {4, 1, 0}));  // a file may have them in a smaller type
   }
   /// Texts of `width` bytes. One byte more ends the last one where a reader takes it for the rest of the array.
   void texts(char*& array, const char* dataset, Shape shape, std::int64_t width);
@@ -34,7 +33,7 @@ class ArrayMaker {
   [[nodiscard]] bool ok() const { return ok_; }
 
  private:
-  /// Bytes of an element in an array, the least that it takes in a file, and bytes behind the last one.
+  /// Bytes of an element in an array, the least that it has in a dataset, and bytes behind the last one.
   struct ElementSize {
     std::uint64_t bytes, stored, spare;
   };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "h5/handle.h"
 #include "h5/stored_dataset.h"
 
 namespace orvio::h5 {
@@ -29,10 +30,9 @@ std::optional<std::uint64_t> Product(int rank, const hsize_t* dims) {
   return product;
 }
 
-std::uint64_t StoredElements(hid_t loc, const char* name, std::uint64_t bytes_each) {
+std::uint64_t StoredElements(hid_t loc, const char* name) {
   StoredDataset dataset(loc, name);
-  if (!dataset) return 0;
-  return std::min<std::uint64_t>(dataset.extents().points, H5Dget_storage_size(dataset.get()) / bytes_each);
+  return dataset ? std::min<std::uint64_t>(dataset.extents().points, H5Dget_storage_size(dataset.get())) : 0;
 }
 
 namespace {
@@ -50,14 +50,37 @@ std::optional<std::uint64_t> ElementsInChunks(StoredDataset& dataset) {
   return each && !__builtin_mul_overflow(*each, chunks, &elements) ? elements : UINT64_MAX;
 }
 
+std::uint64_t AllocatedIn(StoredDataset& dataset) {
+  const hsize_t points = dataset.extents().points;
+  if (const auto elements = ElementsInChunks(dataset)) return std::min(points, *elements);
+  return std::min<std::uint64_t>(points, H5Dget_storage_size(dataset.get()) / H5Tget_size(dataset.type()));
+}
+
+/// Deflate packs a thousand bytes into one. Scale-offset packs any number of equal values into none, but these describe
+/// things with ids, of which no two are equal.
+constexpr std::uint64_t kMostPerByte = 8000;
+
+/// Bytes that the file of an object may hold packed.
+std::uint64_t MostBytesPacked(hid_t object) {
+  const File file(H5Iget_file_id(object));
+  hsize_t size = 0;
+  std::uint64_t bytes = 0;
+  if (!file || H5Fget_filesize(file.get(), &size) < 0) return 0;
+  return __builtin_mul_overflow(std::uint64_t{size}, kMostPerByte, &bytes) ? UINT64_MAX : bytes;
+}
+
 }  // namespace
 
 std::uint64_t AllocatedElements(hid_t loc, const char* name) {
   StoredDataset dataset(loc, name);
+  return dataset ? AllocatedIn(dataset) : 0;
+}
+
+std::uint64_t BackedElements(hid_t loc, const char* name, std::uint64_t bytes_each) {
+  StoredDataset dataset(loc, name);
   if (!dataset) return 0;
-  const hsize_t points = dataset.extents().points;
-  if (const auto elements = ElementsInChunks(dataset)) return std::min(points, *elements);
-  return std::min<std::uint64_t>(points, H5Dget_storage_size(dataset.get()) / H5Tget_size(dataset.type()));
+  const std::uint64_t size = H5Tget_size(dataset.type());
+  return size < bytes_each ? 0 : std::min(AllocatedIn(dataset), MostBytesPacked(dataset.get()) / size);
 }
 
 bool HasZero(int rank, const hsize_t* dims) {

@@ -28,11 +28,15 @@ bool HasZero(int rank, const hsize_t* dims);
 inline constexpr std::uint64_t kUnbackedBytes = std::uint64_t{64} << 20;
 
 /// Elements of a dataset that are there, and not only claimed by its extents: a dataset of any extents may have no
-/// bytes at all, and would be read as zeros. One element takes `bytes_each` bytes in the file at least. 0 for a dataset
-/// that is missing.
-std::uint64_t StoredElements(hid_t loc, const char* name, std::uint64_t bytes_each = 1);
+/// bytes at all, and would be read as zeros. One element takes a byte in the file at least. 0 for a dataset that is
+/// missing.
+std::uint64_t StoredElements(hid_t loc, const char* name);
 
 /// The same for a dataset that may be compressed: what its chunks hold counts, however few bytes they take.
 std::uint64_t AllocatedElements(hid_t loc, const char* name);
+
+/// The same, but no more than a file of its size can hold packed: a chunk of 4 GiB may take some twenty bytes. 0 for
+/// elements of less than `bytes_each` bytes before filters.
+std::uint64_t BackedElements(hid_t loc, const char* name, std::uint64_t bytes_each);
 
 }  // namespace orvio::h5

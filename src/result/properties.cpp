@@ -158,20 +158,15 @@ struct Free {
 };
 using Bytes = std::unique_ptr<char, Free>;
 
-/// Bytes that the stored texts take in the file; their extents alone may claim anything.
-std::uint64_t StoredBytes(hid_t data) {
-  h5::StoredDataset dataset(data, disk::cparam);
-  return dataset ? dataset.stored_bytes() : 0;
-}
-
 /// Writers leave the ids out where all entities have a record.
 [[nodiscard]] int ReadIdsThatExist(ORVProperties& block, IOH5Reader* reader, hid_t data) {
   return h5::LinkExists(data, disk::entid) ? ReadIds(block, reader, data) : kOk;
 }
 
-/// Zeroed room for the texts of all entities and a terminator; null when nothing in the file stands behind its size.
-Bytes MakeRoom(std::uint64_t room, hid_t data) {
-  if (room >= h5::kUnbackedBytes && room > StoredBytes(data)) return nullptr;
+/// Zeroed room for texts of a length and a terminator; null when nothing in the file stands behind its size.
+Bytes MakeRoom(std::uint64_t room, int length, hid_t data) {
+  const auto each = static_cast<std::uint64_t>(length);
+  if (room >= h5::kUnbackedBytes && room / each > h5::BackedElements(data, disk::cparam, each)) return nullptr;
   return Bytes(static_cast<char*>(std::calloc(static_cast<std::size_t>(room) + 1, 1)));
 }
 
@@ -185,7 +180,7 @@ int ORVProperties::ReadSelAttWithCallBack(hid_t group, int state, _ORVBlockAtt a
     const ResultParts parts(group);
     const hid_t data = parts.of(ResultPart::kData);
     const auto room = TextBytes(*this, std::max(m_nbstring, 1));
-    const Bytes texts = room ? MakeRoom(*room, data) : nullptr;
+    const Bytes texts = room ? MakeRoom(*room, m_length, data) : nullptr;
     if (!texts) return kFail;
     const int ids_status = ReadIdsThatExist(*this, GetH5Reader(), data);
     const int texts_status = ReadTexts(GetH5Reader(), data, m_length, texts.get(), *room);

@@ -25,7 +25,7 @@ h5::StoredElementsOf StoredInState(ORVProperties& block, const char* file, int s
     const h5::Group group(ORVResultAccess::OpenGroup(block, state));
     if (!group) return 0;
     const ResultParts parts(group.get());
-    return h5::StoredElements(parts.of(ResultPart::kData), name, bytes_each);
+    return h5::BackedElements(parts.of(ResultPart::kData), name, bytes_each);
   };
 }
 

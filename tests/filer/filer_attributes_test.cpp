@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "orvio/orv_filer.h"
 #include "support/messages.h"
 #include "support/orv_test.h"
+#include "support/packed_dataset.h"
 
 namespace orv_test {
 namespace {
@@ -283,6 +285,43 @@ TEST_P(FilerAttributes, OfMoreThan64MiBAreReadWhereTheFileHasThem) {
   ASSERT_EQ(Read(kBoth), 0);
   EXPECT_EQ(static_cast<int*>(block_.m_entid)[kCount - 1], 5);
   EXPECT_THAT(NamesOfAll(kBoth), ElementsAre("NODE"));
+}
+
+TEST_P(FilerAttributes, OfMoreThan64MiBAreReadHoweverLittleTheFileHasOfThem) {
+  constexpr int kCount = 9000000;  // 36 MB of ids and as much of one number
+  std::vector<int> numbers(kCount);
+  std::iota(numbers.begin(), numbers.end(), 1);
+  Add("NODE").integer("nent", kCount).integer("nuid", 1).integer32("length", 0);
+  DataOf("NODE").dataset<std::int32_t>("entid", {kCount}, numbers);
+  numbers.assign(kCount, 7);
+  file_.raw([&](hid_t here) { AddPacked(here, "uid", H5T_NATIVE_INT, {kCount, 1}, numbers.data()); });
+  ASSERT_EQ(Read(kBoth), 0);
+  EXPECT_EQ(static_cast<int*>(block_.m_entid)[kCount - 1], kCount);
+  EXPECT_EQ(static_cast<int*>(block_.m_uid)[kCount - 1], 7);
+  EXPECT_THAT(NamesOfAll(kBoth), ElementsAre("NODE"));
+}
+
+TEST_P(FilerAttributes, WithMoreThan64MiBOfTitlesAreReadHoweverLittleTheFileHasOfThem) {
+  constexpr int kCount = 300000;
+  std::vector<int> ids(kCount);
+  std::iota(ids.begin(), ids.end(), 1);
+  Add("NODE").integer("nent", kCount);
+  std::string titles(kCount * 256, ' ');
+  titles.replace(titles.size() - 256, 4, "last");
+  DataOf("NODE").dataset<std::int32_t>("entid", {kCount}, ids).drop("title").raw([&](hid_t here) {
+    AddPacked(here, "title", TextType(256).get(), {kCount}, titles.data());
+  });
+  ASSERT_EQ(Read(kBoth), 0);
+  EXPECT_STREQ(block_.m_title + (kCount - 1) * 256, "last");
+}
+
+TEST_P(FilerAttributes, OfMoreThanAFileOfItsSizeHoldsAreRefused) {
+  constexpr std::int64_t kCount = std::int64_t{1} << 27;
+  Add("NODE").integer("nent", kCount).integer32("length", 0);
+  DataOf("NODE").drop("entid").raw([](hid_t here) { AddPackedFives(here, "entid", kCount); });
+  EXPECT_EQ(Read(kBoth), 1);
+  ExpectNoArrays();
+  EXPECT_THAT(NamesOfAll(kBoth), IsEmpty());
 }
 
 // ---- All of a section

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <hdf5.h>
 
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "orvio/orv_filer.h"
 #include "support/messages.h"
 #include "support/orv_test.h"
+#include "support/packed_dataset.h"
 
 namespace orv_test {
 namespace {
@@ -224,6 +226,22 @@ TEST_F(FilerParts, OfALargeModelAreToldWhenTheFileHasThem) {
   EXPECT_EQ(Ask(), kMany);
   EXPECT_EQ(ids_.size(), kMany);
   EXPECT_EQ(names_.size(), kMany);
+}
+
+TEST_F(FilerParts, OfALargeModelAreToldHoweverLittleTheFileHasOfThem) {
+  constexpr int kCount = 300000;
+  std::vector<int> numbers(kCount);
+  std::iota(numbers.begin(), numbers.end(), 1);
+  std::string titles(kCount * 256, ' ');
+  titles.replace(titles.size() - 256, 4, "last");
+  AddParts(file_, kParts, Layout::kSingle).drop("pid").integer("npart", kCount);
+  file_.raw([&](hid_t here) {
+    AddPacked(here, "pid", H5T_NATIVE_INT, {kCount}, numbers.data());
+    AddPacked(here, "title", TextType(256).get(), {kCount}, titles.data());
+  });
+  ASSERT_EQ(Ask(), 300000U);
+  EXPECT_EQ(ids_.back(), kCount);
+  EXPECT_EQ(names_.back(), "last");
 }
 
 TEST_F(FilerParts, ThatTheFileOnlyClaimsToHaveAreNone) {

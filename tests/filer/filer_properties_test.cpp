@@ -7,6 +7,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "filer/stored_properties.h"
 #include "support/messages.h"
 #include "support/orv_test.h"
+#include "support/packed_dataset.h"
 
 namespace orv_test {
 namespace {
@@ -253,6 +255,18 @@ TEST_P(FilerProperties, OfMoreThan64MiBAreReadWhereTheFileHasThem) {
   file_.Add(IdsOnly("/post/constant", "SECURED_NODE", "COORDINATE", std::vector<int>(kCount, 5)));
   ASSERT_EQ(Read(kBoth), 0);
   EXPECT_EQ(static_cast<int*>(block_.m_entid)[kCount - 1], 5);
+}
+
+TEST_P(FilerProperties, OfMoreThan64MiBAreReadHoweverLittleTheFileHasOfThem) {
+  constexpr int kCount = 9000000;  // 36 MB of ids and as much of one number
+  std::vector<int> numbers(kCount);
+  std::iota(numbers.begin(), numbers.end(), 1);
+  file_.Add(IdsOnly("/post/constant", "SECURED_NODE", "COORDINATE", numbers)).integer32("nbint", 1);
+  numbers.assign(kCount, 7);
+  file_.Data().raw([&](hid_t here) { AddPacked(here, "iparam", H5T_NATIVE_INT, {kCount, 1}, numbers.data()); });
+  ASSERT_EQ(Read(kBoth), 0);
+  EXPECT_EQ(static_cast<int*>(block_.m_entid)[kCount - 1], kCount);
+  EXPECT_EQ(block_.m_iparam[kCount - 1], 7);
 }
 
 TEST_F(FilerPropertiesBlock, InWhosePlaceIsABlockOfAnotherKindFail) {

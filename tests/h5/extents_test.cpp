@@ -5,11 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <vector>
 
 #include "h5/entry.h"
 #include "support/forged_file.h"
 #include "support/orv_test.h"
+#include "support/packed_dataset.h"
 
 namespace orv_test {
 namespace {
@@ -83,6 +85,36 @@ TEST_F(AllocatedElements, AreThoseOfTheChunksHoweverFewBytesTheyTake) {
 TEST_F(AllocatedElements, OfAScalarAreOne) {
   file_.at("/").scalar<float>("one", 5);
   EXPECT_EQ(Of("one"), 1U);
+}
+
+class BackedElements : public OrvTest {
+ protected:
+  std::uint64_t Of(const char* name, std::uint64_t bytes_each) {
+    const orvio::h5::QuietHdf5 quiet;
+    std::uint64_t elements = 77;
+    file_.at("/").raw([&](hid_t here) { elements = orvio::h5::BackedElements(here, name, bytes_each); });
+    return elements;
+  }
+
+  ForgedFile file_;
+};
+
+TEST_F(BackedElements, AreThoseOfTheChunksWhereTheFileCanHoldThem) {
+  file_.raw([](hid_t here) { AddPackedFives(here, "few", 1 << 20); });
+  EXPECT_EQ(Of("few", 1), 1048576U);
+  EXPECT_EQ(Of("none", 1), 0U);
+}
+
+TEST_F(BackedElements, AreNotMoreThanAFileOfItsSizeHolds) {
+  file_.raw([](hid_t here) { AddPackedFives(here, "many", 1 << 29); });
+  const std::uint64_t most = 2000 * std::filesystem::file_size(file_.path());  // of four bytes each
+  EXPECT_EQ(Of("many", 1), most);
+}
+
+TEST_F(BackedElements, AreNoneThatAreSmallerThanTheyShouldBe) {
+  file_.texts("titles", 8, {2}, {"one", "two"});
+  EXPECT_EQ(Of("titles", 8), 2U);
+  EXPECT_EQ(Of("titles", 9), 0U);
 }
 
 }  // namespace

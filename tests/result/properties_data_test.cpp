@@ -8,6 +8,7 @@
 
 #include "orvio/oh5_reader.h"
 #include "result/forged_properties.h"
+#include "support/packed_dataset.h"
 #include "support/raw_hdf5.h"
 
 namespace {
@@ -423,6 +424,19 @@ TEST_F(PropertiesCallBack, IsNotCalledForCountsThatTheFileDoesNotHold) {
   block_.m_length = -3;
   EXPECT_EQ(Read(file), 1);
   EXPECT_EQ(call_.calls, 0);
+}
+
+TEST_F(PropertiesCallBack, GetsMoreThan64MiBOfTextsHoweverLittleTheFileHasOfThem) {
+  constexpr int kCount = 300000;
+  ForgedProperties file;
+  file.header().integer32("nbstring", 1).integer32("length", 256).integer("nent", kCount);
+  const std::string texts(kCount * 256, 'x');
+  file.data().drop("cparam").drop("entid").raw(
+      [&](hid_t here) { orv_test::AddPacked(here, "cparam", orv_test::TextType(256).get(), {kCount}, texts.data()); });
+  Prepare(file);
+  EXPECT_EQ(Read(file), 0);
+  EXPECT_EQ(call_.calls, 1);
+  EXPECT_EQ(call_.texts, std::string(13, 'x'));
 }
 
 TEST_F(PropertiesCallBack, IsNotCalledUnlessValuesAndIdsAreAskedFor) {
