@@ -75,7 +75,8 @@ int ORVEntAttribute::WriteBlock(const char* path, int state, int mode) {
     const bool fits =
         FitsStoredBlock(home.group.get(), name,
                         {{disk::entid, {m_nent}}, {disk::uid, {m_nent, m_nuid}}, {disk::title, {m_nent}, width}});
-    if (mode & ORV_WRITE_DATA && !fits) return kFail;
+    // Under a header of other counts the data could not be read any more.
+    if (mode & (ORV_WRITE_HEADER | ORV_WRITE_DATA) && !fits) return kFail;
     // QUIRK: the group of an index is made, the index left to WriteIndex. Hosts ask for all parts and set no index; the
     // state tells what these blocks hold for. Pinned by
     // AttributeWriteVersion.WithEveryPartAskedForStoresHeaderAndDataOnly.

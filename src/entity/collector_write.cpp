@@ -61,7 +61,8 @@ int ORVCollector::WriteBlock(const char* path, int state, int mode) {
                                        {disk::etyp, {m_ntyp}, disk::kTextWidth},
                                        {disk::nent, {m_ncoll, m_ntyp}},
                                        {disk::entid, {m_nenttot}}});
-    if (what & ORV_WRITE_DATA && !fits) return kFail;
+    // Under a header of other counts the data could not be read any more.
+    if (mode & (ORV_WRITE_HEADER | ORV_WRITE_DATA) && !fits) return kFail;
     return WriteIntoHome(*this, std::move(home), name, ExistingName::kIsWrittenInto, what);
   });
 }

@@ -196,6 +196,7 @@ TEST_P(AttributeWriteVersion, LeavesTheFileAloneForOtherExtents) {
   EXPECT_EQ(Write(0, ORV_WRITE_DATA), 1);
   block_.m_nent = 3;
   EXPECT_EQ(Write(0, kAll), 1);
+  EXPECT_EQ(Write(0, ORV_WRITE_HEADER), 1);
   block_.m_nent = 2;
   block_.m_nuid = 2;
   EXPECT_EQ(Write(0, kHeaderAndData), 1);

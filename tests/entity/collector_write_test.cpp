@@ -155,6 +155,7 @@ TEST_P(CollectorWriteVersion, LeavesTheFileAloneForOtherExtents) {
   block_.m_ncoll = 2;
   block_.m_ntyp = 1;
   EXPECT_EQ(Write(0, ORV_WRITE_DATA), 1);
+  EXPECT_EQ(Write(0, ORV_WRITE_HEADER), 1);
   EXPECT_EQ(BytesOf(path_), before);
 }
 
