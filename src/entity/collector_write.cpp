@@ -51,7 +51,6 @@ int ORVCollector::WriteIndex(hid_t index) {
 int ORVCollector::WriteBlock(const char* path, int state, int mode) {
   const std::string_view name = Content(m_etypcoll);
   if (!path || name.empty()) return kFail;
-  const int what = state > 0 ? mode : mode & ~ORV_WRITE_INDEX;
   return h5::Entry(kFail, [&] {
     const WriteAccess access;
     Home home = OpenHome(path, state, {disk::collector, false, false});
@@ -63,6 +62,9 @@ int ORVCollector::WriteBlock(const char* path, int state, int mode) {
                                        {disk::entid, {m_nenttot}}});
     // Under a header of other counts the data could not be read any more.
     if (mode & (ORV_WRITE_HEADER | ORV_WRITE_DATA) && !fits) return kFail;
-    return WriteIntoHome(*this, std::move(home), name, ExistingName::kIsWrittenInto, what);
+    // In the constant section the group of an index is made all the same.
+    const int written = state > 0 ? mode : mode & ~ORV_WRITE_INDEX;
+    return WriteIntoHome(std::move(home), name, ExistingName::kIsWrittenInto, mode,
+                         [&](const BlockParts& parts) { return WriteStages(*this, parts, written); });
   });
 }
