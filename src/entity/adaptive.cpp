@@ -86,7 +86,8 @@ namespace {
 /// The scratch block of a search for a collector.
 class CollectorSearch : public ORVCollector {
  public:
-  explicit CollectorSearch(std::string_view name) : name_(name) {}
+  /// Of a name that is cut to its field.
+  explicit CollectorSearch(std::string_view name) : name_(name.substr(0, disk::kTextWidth)) {}
 
   bool any = false;
   bool found = false;

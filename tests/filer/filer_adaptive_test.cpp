@@ -257,6 +257,14 @@ TEST_P(FilerAdaptiveCollectors, HaveExactlyThatName) {
   EXPECT_TRUE(any_);
 }
 
+TEST_P(FilerAdaptiveCollectors, AreLookedForByTheFirst256Bytes) {
+  const std::string longest(256, 'L');
+  Add(1, longest);
+  EXPECT_TRUE(Has(longest));
+  EXPECT_TRUE(Has(longest + "ER"));
+  EXPECT_FALSE(Has(longest.substr(1)));
+}
+
 TEST_P(FilerAdaptiveCollectors, WithoutCollectorsOrHeadersDoNotCount) {
   Add(1, "NODE_FATHERS").integer("ncoll", 0);
   Add(2, "NODE_FATHERS").drop("nindex");
