@@ -7,15 +7,22 @@
 
 namespace orvio::h5 {
 
+namespace {
+
+/// Nothing can be read as these types, which a type query leaves behind. The read itself refuses them and tells why.
+bool IsNoType(_ORVDataType type) { return type == ORV_UNKNOWN_TYPE || type == ORV_NO_DATASET; }
+
+}  // namespace
+
 DatasetReader::DatasetReader(IOH5Reader* reader, hid_t loc)
     : reader_(reader), loc_(loc), status_(reader ? kOk : kFail) {}
 
 void DatasetReader::integers(const char* name, _ORVDataType type, void* buffer, Shape shape) {
-  Read(name, type == ORV_INT || type == ORV_LONG, type, buffer, shape);
+  Read(name, type == ORV_INT || type == ORV_LONG || IsNoType(type), type, buffer, shape);
 }
 
 void DatasetReader::floats(const char* name, _ORVDataType type, void* buffer, Shape shape) {
-  Read(name, type == ORV_FLOAT || type == ORV_DOUBLE, type, buffer, shape);
+  Read(name, type == ORV_FLOAT || type == ORV_DOUBLE || IsNoType(type), type, buffer, shape);
 }
 
 void DatasetReader::texts(const char* name, std::int64_t width, char* buffer, std::int64_t count) {

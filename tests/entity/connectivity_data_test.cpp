@@ -192,6 +192,19 @@ TEST_P(ConnectivityData, RefusesDatasetsOfAnotherClass) {
   EXPECT_THAT(Ints(room_.idele, 1), ElementsAre(-1));
 }
 
+TEST_P(ConnectivityData, TellsOfATypeThatNothingCanBeReadAs) {
+  const std::string path = file_.path();
+  for (const _ORVDataType type : {ORV_UNKNOWN_TYPE, ORV_NO_DATASET}) {
+    block_.m_ideleType = ORV_INT;
+    block_.m_pidType = type;
+    EXPECT_EQ(block_.ReadBlock(path.c_str(), 0, ORV_READ_DATA), 1);
+    EXPECT_STREQ(ORVGetLastErrorText(), "DatasetIO::\n\t \"pid\" Unable to get HDF5 datatype for given ORV datatype");
+    block_.m_ideleType = type;
+    EXPECT_EQ(block_.ReadBlock(path.c_str(), 0, ORV_READ_DATA), 1);
+    EXPECT_STREQ(ORVGetLastErrorText(), "DatasetIO::\n\t \"idele\" Unable to get HDF5 datatype for given ORV datatype");
+  }
+}
+
 TEST_P(ConnectivityData, NeedsAReader) {
   EXPECT_EQ(block_.ReadHeader(H5I_INVALID_HID, ORV_READ_HEADER), 1);
   EXPECT_EQ(block_.ReadData(H5I_INVALID_HID, ORV_READ_DATA), 1);
