@@ -30,7 +30,7 @@ bool ORVFiler::HasIncremetalData() {
   const char* name = GetSolverName();
   if (!name) return false;
   return h5::Entry(false, [&] {
-    return std::ranges::any_of(SolverNameParts(name),
+    return std::ranges::any_of(SolverNameParts(Content(name)),
                                [&](std::string_view part) { return EqualIgnoringCase(part, kIncrementalWord); });
   });
 }

@@ -56,6 +56,16 @@ TEST_P(IncrementalFile, HasTheWordAsAPartOfItsSolversName) {
   }
 }
 
+TEST_F(IncrementalFile, HasNoWordsBehindTheFieldOfItsSolversName) {
+  ForgedModel model(ForgedModel::kSingle);
+  model.system();
+  ORVFiler filer(model.path().c_str());
+  ASSERT_EQ(filer.ReadSystemBlock(), 0);
+  std::memset(filer.GetSystem()->m_solverName, 'A', sizeof filer.GetSystem()->m_solverName);
+  std::strcpy(filer.GetSystem()->m_solverVers, ":INC");
+  EXPECT_FALSE(filer.HasIncremetalData());
+}
+
 TEST_F(IncrementalFile, IsNoneBeforeItsSolverWasRead) { EXPECT_FALSE(ORVFiler("none").HasIncremetalData()); }
 
 // ---- Blocks
