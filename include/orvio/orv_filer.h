@@ -362,9 +362,10 @@ class ORVIO_EXPORT ORVFiler {
 
   // ---- Parts
 
-  /// Parts of a type in the constant section (state 0) or in a state: how many there are, 0 for none. All vectors are
-  /// emptied first, and those of materials stay empty where the file has none. There is a name for each part, empty where
-  /// the file has no titles.
+  /// Parts of a type in the constant section (state 0) or in a state: how many there are, 0 for none. `names` is emptied
+  /// first. Without such a block, or with one whose header has no parts, the other vectors stay as they were; all are
+  /// empty when its data cannot be read. Those of materials are empty where the file has none. There is a name for each
+  /// part, empty where the file has no titles.
   std::uint64_t GetPartInfo(const std::string& partType, std::vector<int>& ids, std::vector<std::string>& names,
                             std::vector<int>& materialIds, std::vector<int>& materialTypes, int state);
   std::uint64_t GetPartIdsAndNames(const std::string& partType, std::vector<int>& ids, std::vector<std::string>& names,

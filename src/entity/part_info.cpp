@@ -24,8 +24,8 @@ class PartReader : public ORVPart {
  public:
   explicit PartReader(const std::string& type) { Assign(m_etyppart, type); }
 
-  [[nodiscard]] int Read(const char* file, int state);
-  PartInfo Take();
+  /// Nothing without a block or parts, empty without their data.
+  std::optional<PartInfo> Read(const char* file, int state);
 
  protected:
   int ReadData(hid_t data, int mode) override;
@@ -33,6 +33,7 @@ class PartReader : public ORVPart {
  private:
   std::uint64_t Slot() const { return m_length > 0 ? static_cast<std::uint64_t>(m_length) : disk::kTextWidth; }
   bool MakeArrays(hid_t data);
+  PartInfo Take();
 
   PartInfo info_;
   CArray<char> titles_;
@@ -41,12 +42,12 @@ class PartReader : public ORVPart {
 /// Bytes that are made for each part besides its title.
 constexpr std::uint64_t kBytesPerPart = 3 * sizeof(int) + sizeof(std::string);
 
-int PartReader::Read(const char* file, int state) {
+std::optional<PartInfo> PartReader::Read(const char* file, int state) {
   const ReaderLease reader(*this, file);
-  if (!reader) return kFail;
+  if (!reader) return std::nullopt;
   const h5::Group group(OpenBlockGroup(state));
-  if (!group || ReadBlockStepWrap(group.get(), ORV_READ_HEADER) != kOk || m_npart < 1) return kFail;
-  return ReadBlockStepWrap(group.get(), ORV_READ_DATA);
+  if (!group || ReadBlockStepWrap(group.get(), ORV_READ_HEADER) != kOk || m_npart < 1) return std::nullopt;
+  return ReadBlockStepWrap(group.get(), ORV_READ_DATA) == kOk ? Take() : PartInfo();
 }
 
 /// False when nothing in the file stands behind so many parts or so long titles.
@@ -88,10 +89,9 @@ PartInfo PartReader::Take() {
 
 }  // namespace
 
-PartInfo ReadPartInfo(const char* file, const std::string& type, int state) {
-  PartReader reader(type);
-  if (type.empty() || reader.Read(file, state) != kOk) return {};
-  return reader.Take();
+std::optional<PartInfo> ReadPartInfo(const char* file, const std::string& type, int state) {
+  if (type.empty()) return std::nullopt;
+  return PartReader(type).Read(file, state);
 }
 
 }  // namespace orvio

@@ -2,6 +2,7 @@
 
 // The parts of a file in vectors, as a filer tells them.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,8 @@ struct PartInfo {
   std::vector<int> material_types;
 };
 
-/// Empty when there are no parts or they cannot be read. `state` is 0 for the constant section.
-PartInfo ReadPartInfo(const char* file, const std::string& type, int state);
+/// Nothing when there is no such block or its header has no parts; empty when its data cannot be read. `state` is 0 for
+/// the constant section.
+std::optional<PartInfo> ReadPartInfo(const char* file, const std::string& type, int state);
 
 }  // namespace orvio
