@@ -35,6 +35,11 @@ const TypeRow* FindNumericType(int type) {
   return row == std::end(kTypes) ? nullptr : row;
 }
 
+bool IsWider(int type, size_t bytes) {
+  const TypeRow* row = FindNumericType(type);
+  return row && row->size > bytes;
+}
+
 _ORVDataType ExactType(H5T_class_t type_class, size_t size) {
   if (type_class == H5T_STRING) return ORV_CHAR;
   return FirstType(type_class, size, [](size_t stored, size_t ours) { return stored == ours; });

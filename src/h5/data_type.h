@@ -18,6 +18,8 @@ struct TypeRow {
 
 /// Null: this type is refused.
 const TypeRow* FindNumericType(int type);
+/// Whether a number of this type takes more than so many bytes.
+bool IsWider(int type, size_t bytes);
 
 /// Type of a stored datatype by class and exact size; ORV_UNKNOWN_TYPE for one that the library does not know.
 _ORVDataType ExactType(hid_t datatype);

@@ -22,8 +22,8 @@ struct PropertyValues {
 };
 
 /// Reads the values of a block of a filer's list at a state; none for a block without entities. The block gets the header
-/// of that state, but not while it has arrays of its own, which are sized by the header that it has. On failure it is left
-/// alone.
+/// of that state, but not while it has arrays of its own, which are sized by the header that it has. It is left alone
+/// where the header cannot be read.
 [[nodiscard]] int ReadPropertyValues(ORVProperties& listed, const char* file, int state, PropertyValues& values);
 
 }  // namespace orvio

@@ -9,6 +9,7 @@
 #include "block/file_in_use_by.h"
 #include "filer/messages.h"
 #include "filer/process_state.h"
+#include "h5/data_type.h"
 #include "h5/entry.h"
 #include "h5/status.h"
 #include "result/result_complex.h"
@@ -158,12 +159,15 @@ std::uint64_t ValueFetch::ReadOneByOne(const FetchShare& share) {
   return total;
 }
 
-/// Blocks keep pointing at their part of the answer; those without one point at nothing.
+/// Blocks keep pointing at their part of the answer; those without one point at nothing. So do those whose own type is
+/// wider, be it that a query has found it in the file: their next read would go beyond the answer.
 void ValueFetch::PointBlocksAtAnswer() {
   for (const Place& place : places_) {
+    ORVResult& block = *place.block;
     const bool holds = delivered_ && place.holds_values;
-    place.block->m_res = holds ? PlaceOf(place.values) : nullptr;
-    if (request_.want_ids) place.block->m_entid = holds ? ids_ + place.ids : nullptr;
+    block.m_res = holds && !h5::IsWider(block.m_resType, request_.size) ? PlaceOf(place.values) : nullptr;
+    if (!request_.want_ids) continue;
+    block.m_entid = holds && !h5::IsWider(block.m_entidType, sizeof(int)) ? ids_ + place.ids : nullptr;
   }
 }
 

@@ -7,6 +7,7 @@
 #include "block/reader_lease.h"
 #include "filer/process_state.h"
 #include "h5/c_array.h"
+#include "h5/data_type.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
 #include "h5/extents.h"
@@ -95,6 +96,15 @@ class PathFetch {
 void PointAtNothing(ORVResult& block, bool with_ids) {
   for (void** pointer : {&block.m_res, &block.m_indexident, &block.m_indexval}) *pointer = nullptr;
   if (with_ids) block.m_entid = nullptr;
+}
+
+/// What its next read would fill beyond the end, as its own type is wider than that of the arrays, is forgotten: a query
+/// may have found that type in the file.
+void PointAtWhatFits(ORVResult& block, bool with_ids) {
+  if (h5::IsWider(block.m_resType, sizeof(float))) block.m_res = nullptr;
+  if (with_ids && h5::IsWider(block.m_entidType, sizeof(int))) block.m_entid = nullptr;
+  if (h5::IsWider(block.m_indexidentType, sizeof(int))) block.m_indexident = nullptr;
+  if (h5::IsWider(block.m_indexvalType, sizeof(float))) block.m_indexval = nullptr;
 }
 
 /// Arrays that nobody got are freed now.
@@ -190,6 +200,7 @@ void PathFetch::ReadBlocks() {
       PointAtNothing(*block, ids_ != nullptr);
       continue;
     }
+    PointAtWhatFits(*block, ids_ != nullptr);
     ++blocks_read_;
     (void)read_.Add({*values, amounts->entities, amounts->index});  // no more than was counted before
   }

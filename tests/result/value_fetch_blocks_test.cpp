@@ -220,6 +220,23 @@ TEST_P(ValueFetchBlocks, LeavesTheBlocksPointingAtTheirPartOfTheAnswer) {
   EXPECT_EQ(masses.m_entid, values_.m_ids + 2);
 }
 
+TEST_P(ValueFetchBlocks, LeavesNoBlockPointingWhereItsNextReadGoesBeyondTheAnswer) {
+  file_.Add(kState1, Nodes(2));
+  ORVResult nodes = Listed();
+  nodes.m_resType = ORV_DOUBLE;  // as a query of types finds it
+  ASSERT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  ASSERT_EQ(values_.m_valueCount, 2);
+  EXPECT_EQ(nodes.m_resType, ORV_DOUBLE);
+  EXPECT_EQ(nodes.m_res, nullptr);
+  nodes.m_resType = ORV_FLOAT;
+  nodes.m_entidType = ORV_LONG;
+  values_.DeleteAllocation(true);
+  values_.m_wantIds = 1;
+  ASSERT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(nodes.m_res, values_.m_values);
+  EXPECT_EQ(nodes.m_entid, nullptr);
+}
+
 TEST_P(ValueFetchBlocks, LeavesNoBlockPointingAtTheAnswerBeforeIt) {
   file_.Add(kState1, Nodes(2)).Add(kState1, Nodes(1, "Mass", 5));
   VariableWithHandles other("OTHER", 3);

@@ -241,6 +241,26 @@ TEST_P(ValueFetchPaths, PutTheStoredTypesOfABlockBack) {
   EXPECT_EQ(block.m_readIds, 0);
 }
 
+TEST_P(ValueFetchPaths, LeaveABlockOfWiderTypesPointingAtNothing) {
+  ORVResult block = Add("A", {1}, {10}, {0.5F});
+  values_.m_wantIds = 1;
+  EXPECT_EQ(Fetch({&block}), 0);
+  EXPECT_EQ(block.m_res, values_.m_values);
+  EXPECT_EQ(block.m_entid, values_.m_ids);
+  EXPECT_EQ(block.m_indexident, values_.m_indexIdent);
+  EXPECT_EQ(block.m_indexval, values_.m_indexVal);
+  for (void* array : {static_cast<void*>(values_.m_values), static_cast<void*>(values_.m_ids),
+                      static_cast<void*>(values_.m_indexIdent), static_cast<void*>(values_.m_indexVal)}) {
+    std::free(array);
+  }
+  block.m_resType = block.m_indexvalType = ORV_DOUBLE;
+  block.m_entidType = block.m_indexidentType = ORV_LONG;
+  EXPECT_EQ(Fetch({&block}), 0);
+  for (const void* pointer : {block.m_res, block.m_entid, block.m_indexident, block.m_indexval}) {
+    EXPECT_EQ(pointer, nullptr);
+  }
+}
+
 TEST_P(ValueFetchPaths, HaveNoAnswerWhereNothingCanBeRead) {
   EXPECT_EQ(Fetch({}), 1);
   EXPECT_EQ(Fetch({nullptr}), 1);
