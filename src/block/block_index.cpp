@@ -30,8 +30,9 @@ int ORVBlock::ReadIndexComm(hid_t group, hsize_t rows, hsize_t columns, int stag
       if (status == kOk) status = ReadDataset(group, disk::indexval, rank, dims, *valueType, values);
     }
     if (stages & (ORV_READ_DATA_INFO | ORV_READ_INDEX_INFO)) {
-      status = OH5Read_DATATYPE(group, disk::indexident, identType);
-      if (status == kOk) status = OH5Read_DATATYPE(group, disk::indexval, valueType);
+      const int ident_status = OH5Read_DATATYPE(group, disk::indexident, identType);
+      status = OH5Read_DATATYPE(group, disk::indexval, valueType);
+      if (status == kOk) status = ident_status;
     }
     return status;
   });

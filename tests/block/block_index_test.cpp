@@ -96,6 +96,15 @@ TEST_F(BlockIndex, TellsItsTypes) {
   EXPECT_EQ(ident_[0], -1);
 }
 
+TEST_F(BlockIndex, TellsTheTypeOfItsValuesWhereThatOfTheIdentifiersCannotBeRead) {
+  block_.CloseH5Reader();
+  file_.at("/row").drop("indexident").group("/row/indexident");
+  ASSERT_EQ(block_.OpenH5Reader(file_.path().c_str(), 0), 0);
+  value_type_ = ORV_DOUBLE;
+  EXPECT_EQ(ReadAt("/row", 2, 0, 16), 1);
+  EXPECT_EQ(value_type_, ORV_FLOAT);
+}
+
 TEST_F(BlockIndex, IsNotTouchedWithoutGroupRowsOrStage) {
   EXPECT_EQ(ReadAt("/row", 0, 0, 4), 1);
   EXPECT_EQ(ReadAt("/row", static_cast<hsize_t>(-2), 0, 4), 1);
