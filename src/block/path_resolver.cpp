@@ -1,5 +1,7 @@
 // Paths and groups of a block whose reader is open: section, state, type group, the block's own levels.
 
+#include <string>
+#include <string_view>
 #include <typeinfo>
 
 #include "block/block_keys.h"
@@ -34,9 +36,12 @@ hid_t OpenPath(IOH5Reader& reader, const std::string& path) {
 /// A host's reader has ways of its own.
 bool IsOurs(IOH5Reader& reader) { return typeid(reader) == typeid(OH5Reader); }
 
-/// Name of the group of a state, which is found by position; empty when there is no such state.
-std::string StateGroupName(IOH5Reader& reader, const h5::Group& group, int state) {
-  if (IsOurs(reader)) {
+/// The states of which names are remembered. Hosts may have roots of their own beside this one.
+std::string OurStates() { return std::string("/") + disk::post + "/" + disk::singlestate; }
+
+/// Name of the group of a state, which is found by position; empty when there is no such state. `path` leads to `group`.
+std::string StateGroupName(IOH5Reader& reader, std::string_view path, const h5::Group& group, int state) {
+  if (IsOurs(reader) && path == OurStates()) {
     return h5::LinkNameAt(reader.GetFileId(), group.get(), static_cast<hsize_t>(state - 1));
   }
   std::string name;
@@ -66,7 +71,7 @@ int ORVBlockPathResolver::AppendTypeGroup(std::string& path, int state) {
     std::string found = path + "/" + section;
     if (IsInState(*m_pBlock, state)) {
       const h5::Group group(OpenPath(*reader, found));
-      const std::string name = group ? StateGroupName(*reader, group, state) : std::string();
+      const std::string name = group ? StateGroupName(*reader, found, group, state) : std::string();
       if (name.empty()) return kFail;
       found += "/" + name;
     }
@@ -116,7 +121,7 @@ hid_t ORVBlockPathResolver::OpenStateGroup(int state) {
     if (!section || !IsInState(*m_pBlock, state)) return section.release();
     std::string name;
     if (IsOurs(*reader)) {
-      name = StateGroupName(*reader, section, state);
+      name = StateGroupName(*reader, OurStates(), section, state);
       return name.empty() ? H5I_INVALID_HID : reader->OpenGroup(section.get(), name.c_str(), H5P_DEFAULT);
     }
     hid_t child = H5I_INVALID_HID;

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <hdf5.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "block/recording_block.h"
@@ -141,6 +143,20 @@ TEST_F(BlockPath, FindsAStateByItsPositionAndNotByItsName) {
   EXPECT_EQ(TypeGroup(200, 2), "/post/singlestate/b/attributes");
   EXPECT_EQ(TypeGroup(200, 3), "failed, /post");
   EXPECT_EQ(TypeGroup(200, 2147483647), "failed, /post");
+}
+
+TEST_F(BlockPath, TakesTheStatesOfAnotherRootFromThere) {
+  file_.group("/mmc/singlestate/x/attributes");
+  (void)file_.path();                                           // on the disk
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // nothing is remembered of a file that has just changed
+  for (const char* root : {"/mmc", "/post", "/mmc"}) {
+    Open();
+    block_.m_BlkKey = 200;
+    std::string path = root;
+    EXPECT_EQ(resolver_.AppendTypeGroup(path, 1), 0);
+    EXPECT_EQ(path, *(root + 1) == 'm' ? "/mmc/singlestate/x/attributes" : "/post/singlestate/a/attributes");
+    block_.CloseH5Reader();
+  }
 }
 
 TEST_F(BlockPath, CannotBeFormedForAStateWhoseNameIsTooLong) {
