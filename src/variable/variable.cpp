@@ -66,13 +66,15 @@ hid_t ORVVariable::GetVariableBlkGrp(hid_t a, hid_t b) {
                                                    : reader->OpenGroup(b, m_varnam, H5P_DEFAULT);
 }
 
-/// A variable that was found in a file is read again where it was found, any other one is looked for by its identity.
+/// A variable that was found in a file is read again where it was found, one with another identity than is stored there
+/// is looked for by it.
 int ORVVariable::ReadBlock(const char* path, int state, int flags) {
   return h5::Entry(kFail, [&] {
     const ReaderLease reader(*this, path);
     if (!reader) return kFail;
     h5::Group group;
     if (GetBlkVersion() == ORV_BLK_VERSION_SINGLE) group.reset(GetVariableBlkGrp(reader->GetFileId(), H5I_INVALID_HID));
+    if (group && !MayBeStoredIn(*this, *GetH5Reader(), group.get())) group.reset();
     if (!group) group.reset(OpenBlockGroup(state));
     return group ? ReadBlockStepWrap(group.get(), flags) : kFail;
   });

@@ -10,6 +10,7 @@
 #include "h5/status.h"
 #include "orvio/oh5_io.h"
 #include "orvio/orv_variable.h"
+#include "variable/variable_identity.h"
 
 using namespace orvio;
 
@@ -26,6 +27,10 @@ void Strip(h5::HeaderReader& in, Text& text) {
 /// A word that other writers leave out. One that cannot be read is left out too.
 void ReadWord(h5::HeaderReader& in, const char* name, Text& text) {
   if (in.attempted(name, text)) Strip(in, text);
+}
+
+void ReadName(h5::HeaderReader& in, Text& name) {
+  if (!in.attempted(disk::etypvar, name)) in.required(disk::varnam, name);
 }
 
 /// QUIRK: an empty word is filled with blanks in the object itself, so that it no longer counts as a variable without
@@ -49,12 +54,23 @@ void WriteMapFlag(const h5::HeaderWriter& out, hid_t header, std::int64_t lvmap)
 
 }  // namespace
 
+bool orvio::MayBeStoredIn(const ORVVariable& variable, IOH5Reader& reader, hid_t group) {
+  const std::string_view asked = GroupNameOf(variable);
+  if (asked.empty()) return true;
+  ORVVariable stored;
+  h5::HeaderReader in(&reader, group);
+  ReadName(in, stored.m_varnam);
+  Strip(in, stored.m_varnam);
+  ReadWord(in, disk::varkey, stored.m_varkey);
+  return in.ok() && EqualIgnoringCase(asked, GroupNameOf(stored));
+}
+
 int ORVVariable::ReadHeader(hid_t header, int flags) {
   if (!(flags & ORV_READ_HEADER)) return kFail;
   return h5::Entry(kFail, [&] {
     h5::HeaderReader in(GetH5Reader(), header);
     in.required(disk::block, m_BlkKey);
-    if (!in.attempted(disk::etypvar, m_varnam)) in.required(disk::varnam, m_varnam);
+    ReadName(in, m_varnam);
     in.required(disk::ncoo, m_ncoo);
     if (in.ok()) m_originalCount = static_cast<std::uint64_t>(m_ncoo);
     Strip(in, m_varnam);

@@ -2,9 +2,12 @@
 
 // By what a variable is known.
 
+#include <hdf5.h>
+
 #include <string_view>
 
 #include "h5/text_field.h"
+#include "orvio/oh5_reader.h"
 #include "orvio/orv_variable.h"
 
 namespace orvio {
@@ -21,6 +24,9 @@ inline std::string_view GroupNameOf(const ORVVariable& variable) {
   const std::string_view identity = IdentityOf(variable);
   return identity.find_first_not_of(' ') == std::string_view::npos ? Content(variable.m_varnam) : identity;
 }
+
+/// Whether a variable without a name, or the one of this identity, is stored in a group. In variable_header.cpp.
+bool MayBeStoredIn(const ORVVariable& variable, IOH5Reader& reader, hid_t group);
 
 inline bool HasKey(const ORVVariable& variable) { return variable.m_varkey[0] != '\0'; }
 

@@ -395,6 +395,22 @@ TEST_F(VariableBlock, ThatWasFoundIsReadAgainWhereItStands) {
   EXPECT_STREQ(variable.m_varnam, "other");
 }
 
+TEST_F(VariableBlock, WithAnotherIdentityThanStandsAtItsPathIsLookedForByThat) {
+  ForgedFile file = ForgeKeyed();
+  file.at("/post/constant/variable/second/orvblock").integer("block", 30).text("varnam", "other");
+  file.text("varkey", "second").integer("ncoo", 5).integer("rank", 0);
+  TestVariable variable;
+  orv_test::SetText(variable.m_varkey, "ZPS:Stress");
+  ASSERT_EQ(variable.ReadBlock(file.path().c_str(), 0, ORV_READ_HEADER), 0);
+  ASSERT_EQ(variable.m_ncoo, 2);
+  orv_test::SetText(variable.m_varkey, "second");
+  EXPECT_EQ(variable.ReadBlock(file.path().c_str(), 0, ORV_READ_HEADER), 0);
+  EXPECT_EQ(variable.m_ncoo, 5);
+  variable.ReSetBlock(ORV_READ_HEADER);
+  orv_test::SetText(variable.m_varnam, "in no file");
+  EXPECT_EQ(variable.ReadBlock(file.path().c_str(), 0, ORV_READ_HEADER), 1);
+}
+
 TEST_F(VariableBlock, ThatIsNotThereFails) {
   ForgedFile file = ForgeKeyed();
   TestVariable variable;
