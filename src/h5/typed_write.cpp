@@ -26,8 +26,10 @@ struct Write {
   const void* data;
 };
 
+bool IsSpace(int rank, const hsize_t* dims) { return rank == 0 || (dims && rank > 0 && rank <= H5S_MAX_RANK); }
+
 Space SpaceOf(int rank, const hsize_t* dims) {
-  return Space(rank < 1 ? H5Screate(H5S_SCALAR) : H5Screate_simple(rank, dims, nullptr));
+  return Space(rank == 0 ? H5Screate(H5S_SCALAR) : H5Screate_simple(rank, dims, nullptr));
 }
 
 /// One chunk of all, unless only so many entities are to be in one. HDF5 takes none of 4 GiB or more: what is larger is
@@ -102,7 +104,7 @@ int WriteOverNumbers(const Write& write, const TypeRow& row) {
   if (!dataset) return Fail("%s::\n\t Failed to write ::\"%s\"%s", write.who, write.name, dataset.refusal());
   const H5T_class_t stored_class = dataset.type_class();
   if (stored_class != row.type_class) return WrongClass(write, row.type_class, stored_class);
-  if (dataset.extents().rank > std::max(write.rank, 0) || !BufferCovers(dataset.extents(), write)) {
+  if (dataset.extents().rank > write.rank || !BufferCovers(dataset.extents(), write)) {
     return Fail("%s::\n\t \"%s\" can not reduce original size", write.who, write.name);
   }
   if (!StoredFilterKeeps(dataset.get(), row, write.data, dataset.extents().points)) {
@@ -128,7 +130,7 @@ int WriteOverTexts(const Write& write, hid_t type) {
   if (dataset.type_class() != H5T_STRING || H5Tis_variable_str(dataset.type()) != 0) {
     return Fail("OH5Write_CHAR::\n\t existing \"%s\" dataset is not ORV_CHAR type", write.name);
   }
-  if (dataset.extents().rank > std::max(write.rank, 0) || !BufferCovers(dataset.extents(), write)) {
+  if (dataset.extents().rank > write.rank || !BufferCovers(dataset.extents(), write)) {
     return Fail("OH5Write_CHAR::\n\t existing \"%s\" dataspace rank is not same as that of ovewrite requested",
                 write.name);
   }
@@ -151,21 +153,21 @@ int WriteTexts(const Write& write, int size) {
 using namespace orvio;  // the exported functions below only forward
 
 int OH5Write_INT(hid_t loc, const char* name, int rank, const hsize_t* dims, _ORVDataType type, const void* data) {
-  if (!name || !data || (rank > 0 && !dims) || rank > H5S_MAX_RANK) return kFail;
+  if (!name || !data || !h5::IsSpace(rank, dims)) return kFail;
   return h5::Entry(kFail, [&] {
     return h5::WriteNumbers({"OH5Write_INT", loc, name, rank, dims, data}, H5T_INTEGER, type);
   });
 }
 
 int OH5Write_FLOAT(hid_t loc, const char* name, int rank, const hsize_t* dims, _ORVDataType type, const void* data) {
-  if (!name || !data || (rank > 0 && !dims) || rank > H5S_MAX_RANK) return kFail;
+  if (!name || !data || !h5::IsSpace(rank, dims)) return kFail;
   return h5::Entry(kFail, [&] {
     return h5::WriteNumbers({"OH5Write_FLOAT", loc, name, rank, dims, data}, H5T_FLOAT, type);
   });
 }
 
 int OH5Write_CHAR(hid_t loc, const char* name, int rank, const hsize_t* dims, int size, const char* data) {
-  if (!name || !data || (rank > 0 && !dims) || rank > H5S_MAX_RANK) return kFail;
+  if (!name || !data || !h5::IsSpace(rank, dims)) return kFail;
   return h5::Entry(kFail, [&] { return h5::WriteTexts({"OH5Write_CHAR", loc, name, rank, dims, data}, size); });
 }
 

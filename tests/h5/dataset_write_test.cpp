@@ -198,7 +198,7 @@ TEST_F(DatasetWrite, FailsInAFileOpenForReading) {
   EXPECT_EQ(LastText(), "OH5Write_INT::\n\t Failed to write ::\"i\"");
 }
 
-TEST_F(DatasetWrite, RefusesNullArgumentsARankAboveHdf5sAndTextsWithoutASize) {
+TEST_F(DatasetWrite, RefusesNullArgumentsRanksThatHdf5HasNotAndTextsWithoutASize) {
   const Location place(file_.path(), kBlock, H5F_ACC_RDWR);
   const std::vector<hsize_t> dims(40, 1);
   const std::int32_t value = 1;
@@ -208,6 +208,9 @@ TEST_F(DatasetWrite, RefusesNullArgumentsARankAboveHdf5sAndTextsWithoutASize) {
   EXPECT_EQ(OH5Write_INT(place.id(), "i", 33, dims.data(), ORV_INT, &value), 1);
   EXPECT_EQ(OH5Write_FLOAT(place.id(), "i", 33, dims.data(), ORV_FLOAT, &value), 1);
   EXPECT_EQ(OH5Write_CHAR(place.id(), "i", 33, dims.data(), 1, "x"), 1);
+  EXPECT_EQ(OH5Write_INT(place.id(), "i", -1, dims.data(), ORV_INT, &value), 1);
+  EXPECT_EQ(OH5Write_FLOAT(place.id(), "i", -1, dims.data(), ORV_FLOAT, &value), 1);
+  EXPECT_EQ(OH5Write_CHAR(place.id(), "i", -1, dims.data(), 1, "x"), 1);
   EXPECT_EQ(OH5Write_CHAR(place.id(), "i", 1, dims.data(), 0, "x"), 1);
 }
 
