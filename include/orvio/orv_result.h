@@ -90,7 +90,7 @@ class ORVIO_EXPORT ORVResult : public ORVBlock {
   int IterateBlockOver(const char* file, int stages, ORVIterationCallBack action, int first, int last, int step,
                        const char* name, int reverse) override;
   /// Writes the block into an existing file. A block that exists is left alone, with status 0, unless the
-  /// overwrite mode allows it.
+  /// overwrite mode allows it; then 1, and nothing is written, where the data are of other extents than the stored ones.
   int WriteBlock(const char* file, int state, int sections) override;
   int WriteHeader(hid_t group) override;
   int WriteData(hid_t group) override;

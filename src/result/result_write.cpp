@@ -13,7 +13,9 @@
 #include "h5/group_paths.h"
 #include "h5/header_io.h"
 #include "h5/soft_link.h"
+#include "h5/stored_dataset.h"
 #include "orvio/oh5_io.h"
+#include "result/result_access.h"
 #include "result/result_datasets.h"
 #include "result/result_place.h"
 
@@ -113,6 +115,47 @@ int WriteValues(const ORVResult& block, const ResultKind& kind, hid_t group, con
   return OH5Write_FLOAT(group, disk::res, shape.rank, shape.dims, block.m_resType, block.m_res);
 }
 
+bool WritesLocations(const ORVResult& block, const ResultKind& kind) {
+  return kind.IsElement() && block.m_eloc && block.m_numl > 0 && block.m_ndim > 0;
+}
+
+Shape ValueShape(ORVResult& block) {
+  Shape shape{};  // zeroed: the fifth extent of one kind stays as it is
+  shape.rank = ORVResultAccess::ValueDimension(block, shape.dims);
+  return shape;
+}
+
+/// The group that a block has its data in already, in the layout that is written; none where it has none.
+h5::Group OpenStoredData(const ResultPlace& place) {
+  const h5::Group block = h5::OpenGroup(place.parent(), place.name());
+  const char* part = IsSingleLayoutWriter() ? disk::orvblock : disk::data;
+  return block && h5::LinkExists(block.get(), part) ? h5::OpenGroup(block.get(), part) : h5::Group();
+}
+
+/// Whether a dataset has these extents, or is not there.
+bool FitsStored(hid_t data, const char* name, const Shape& shape) {
+  const h5::StoredDataset dataset(data, name);
+  if (dataset.is_missing()) return true;
+  const h5::Extents& stored = dataset.extents();
+  if (dataset && std::equal(stored.dims, stored.dims + stored.rank, shape.dims, shape.dims + shape.rank)) return true;
+  SetLastError("ORVResult::WriteBlock::\n\t \"%s\" is stored with other extents", name);
+  return false;
+}
+
+/// Whether the data of a block that is there are of the extents that are written. Of others HDF5 would write a part or
+/// nothing, and the header, which is written first, would no longer tell their counts: the block could not be read.
+/// Frames are not looked at: a write of them may fail.
+bool FitsStored(ORVResult& block, const ResultKind& kind, const ResultPlace& place) {
+  const h5::Group data = OpenStoredData(place);
+  if (!data) return true;
+  if (!FitsStored(data.get(), disk::res, ValueShape(block))) return false;
+  const ResultDataset eloc = LocationsOf(block);
+  if (WritesLocations(block, kind) && !FitsStored(data.get(), eloc.name, eloc.shape)) return false;
+  const ResultDataset ids = IdsOf(block, kind);
+  const bool own_ids = block.m_readIds && h5::SoftLinkTarget(data.get(), ids.name).empty();  // a link gives way
+  return !own_ids || FitsStored(data.get(), ids.name, ids.shape);
+}
+
 const char* WordOr(const char* text, const char* word) { return *text ? text : word; }
 
 }  // namespace
@@ -176,10 +219,12 @@ int ORVResult::WriteBlock(const char* file, int state, int sections) {
     const WriteAccess access;
     ResultPlace place(*this, *kind, file, state, OpenSection);
     if (!place) return kFail;
-    if (place.HasBlock() && process().g_nResultOverwriteMode == 0) {
+    const bool is_there = place.HasBlock();
+    if (is_there && process().g_nResultOverwriteMode == 0) {
       TellProtected(*this, place, FindBlockKey(kind->key)->name);
       return place.Finish(kOk);
     }
+    if (is_there && sections & ORV_WRITE_DATA && !FitsStored(*this, *kind, place)) return place.Finish(kFail);
     return place.Finish(
         place.Write(sections, [&](const BlockParts& parts) { return WriteStages(*this, parts, sections); }));
   });
@@ -215,13 +260,12 @@ int ORVResult::WriteData(hid_t group) {
   const ResultKind* kind = FindResultKind(m_BlkKey);
   if (!kind) return kFail;
   return h5::Entry(kFail, [&] {
-    Shape shape{};  // zeroed: the fifth extent of one kind stays as it is
-    shape.rank = GetResultValueDimension(shape.dims);
+    const Shape shape = ValueShape(*this);
     const auto is_count = [](hsize_t extent) { return extent <= INT64_MAX; };
     if (shape.rank < 1 || !m_res || !std::all_of(shape.dims, shape.dims + shape.rank, is_count)) return kFail;
     // Refused by the write of the values; nothing else shall stand in the file then.
     const bool is_empty = h5::HasZero(shape.rank, shape.dims);
-    if (!is_empty && kind->IsElement() && m_eloc && m_numl > 0 && m_ndim > 0) {
+    if (!is_empty && WritesLocations(*this, *kind)) {
       const ResultDataset eloc = LocationsOf(*this);
       if (OH5Write_FLOAT(group, eloc.name, eloc.shape.rank, eloc.shape.dims, eloc.type, eloc.buffer) != kOk)
         return kFail;

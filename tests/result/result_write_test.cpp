@@ -258,6 +258,108 @@ TEST_F(ResultWrite, OverALargerBlockFailsAndLosesNothing) {
   EXPECT_EQ(raw.values<int>(std::string(kState1) + "/entityresults/Node/VELOCITY/orvblock/entid"), (Ints{10, 20}));
 }
 
+TEST_F(ResultWrite, OverABlockOfOtherExtentsFailsAndChangesNothing) {
+  constexpr std::int64_t kCounts[][2] = {{1, 2}, {3, 2}, {2, 1}, {2, 3}, {4, 1}, {0, 2}, {-1, 2}};
+  for (const int version : {1, 3}) {
+    const Writer writer(version, 1);
+    ForgedFile file("write");
+    ASSERT_EQ(Nodes().Write(file.path(), 1, 3), 0);
+    const std::string before = BytesOf(file.path());
+    for (const auto& [nent, ncoo] : kCounts) {
+      Nodes other;
+      other.ids = {1, 2, 3, 4};
+      other.block.m_entid = other.ids.data();
+      other.block.m_nent = nent;
+      other.block.m_ncoo = ncoo;
+      EXPECT_EQ(other.Write(file.path(), 1, 3), 1) << version << ": " << nent << " x " << ncoo;
+      EXPECT_STREQ(ORVGetLastErrorText(), "ORVResult::WriteBlock::\n\t \"res\" is stored with other extents");
+      EXPECT_EQ(BytesOf(file.path()), before) << version << ": " << nent << " x " << ncoo;
+    }
+  }
+}
+
+TEST_F(ResultWrite, OverFewerStatesFailsAndChangesNothing) {
+  const Writer writer(3, 1);
+  ForgedFile file("write");
+  Nodes history(1050);
+  history.block.m_nstate = 1;
+  ASSERT_EQ(history.Write(file.path(), 0), 0);
+  const std::string before = BytesOf(file.path());
+  history.block.m_nstate = 2;
+  EXPECT_EQ(history.Write(file.path(), 0), 1);
+  EXPECT_EQ(BytesOf(file.path()), before);
+}
+
+TEST_F(ResultWrite, OverIdsOfAnotherCountFailsAndChangesNothing) {
+  const Writer writer(3, 1);
+  ForgedFile file("write");
+  ASSERT_EQ(Nodes().Write(file.path(), 1, 3), 0);
+  file.at(std::string(kState1) + "/entityresults/Node/VELOCITY/orvblock").drop("entid");
+  file.dataset<int>("entid", {1}, {10});
+  const std::string before = BytesOf(file.path());
+  EXPECT_EQ(Nodes().Write(file.path(), 1, 3), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "ORVResult::WriteBlock::\n\t \"entid\" is stored with other extents");
+  EXPECT_EQ(BytesOf(file.path()), before);
+  Nodes without_ids;
+  without_ids.block.m_readIds = 0;
+  EXPECT_EQ(without_ids.Write(file.path(), 1, 3), 0);
+}
+
+TEST_F(ResultWrite, TakesIdsOfItsOwnInPlaceOfALinkToOthers) {
+  const Writer writer(3, 1);
+  ForgedFile file("write");
+  ASSERT_EQ(Nodes().Write(file.path(), 1, 3), 0);
+  const std::string data = std::string(kState1) + "/entityresults/Node/VELOCITY/orvblock";
+  file.at("/post/constant").dataset<int>("entid", {3}, {1, 2, 3});
+  file.at(data).drop("entid").soft_link("entid", "/post/constant/entid");
+  EXPECT_EQ(Nodes().Write(file.path(), 1, 3), 0);
+  EXPECT_EQ(RawFile(file.path()).values<int>(data + "/entid"), (Ints{10, 20}));
+  EXPECT_EQ(RawFile(file.path()).values<int>("/post/constant/entid"), (Ints{1, 2, 3}));
+}
+
+TEST_F(ResultWrite, OverLocationsOfOtherExtentsFailsAndChangesNothing) {
+  const Writer writer(1, 1);
+  ForgedFile file("write");
+  Nodes shells(1100);
+  Floats locations(4, 1);
+  shells.block.m_numl = 1;
+  shells.block.m_ndim = 3;
+  shells.block.m_eloc = locations.data();
+  ASSERT_EQ(shells.Write(file.path(), 0, 3), 0);
+  const std::string before = BytesOf(file.path());
+  for (const int ndim : {2, 4}) {
+    shells.block.m_ndim = ndim;
+    EXPECT_EQ(shells.Write(file.path(), 0, 3), 1);
+    EXPECT_EQ(BytesOf(file.path()), before);
+  }
+  shells.block.m_eloc = nullptr;  // not written
+  EXPECT_EQ(shells.Write(file.path(), 0, 3), 0);
+}
+
+TEST_F(ResultWrite, OfAHeaderAloneTellsWhatASelectiveWriteHasMadeOfTheData) {
+  const Writer writer(3, 1);
+  ForgedFile file("write");
+  Nodes nodes;
+  ASSERT_EQ(nodes.Write(file.path(), 1, 3), 0);
+  nodes.block.m_nent = 9;
+  EXPECT_EQ(nodes.Write(file.path(), 1, 1), 0);
+  EXPECT_EQ(RawFile(file.path()).attribute_int(std::string(kState1) + "/entityresults/Node/VELOCITY/orvblock", "nent"),
+            9);
+}
+
+TEST_F(ResultWrite, OfDataIntoABlockThatHasNoneYetTakesAnyExtents) {
+  for (const int version : {1, 3}) {
+    const Writer writer(version, 1);
+    ForgedFile file("write");
+    ASSERT_EQ(Nodes().Write(file.path(), 1, 1), 0);
+    Nodes other;
+    other.block.m_ncoo = 1;
+    EXPECT_EQ(other.Write(file.path(), 1, 3), 0);
+    const std::string block = std::string(kState1) + "/entityresults/Node/VELOCITY/";
+    EXPECT_EQ(RawFile(file.path()).shape(block + (version == 1 ? "data/res" : "orvblock/res")), (Shape{2, 1}));
+  }
+}
+
 TEST_F(ResultWrite, ThatTheDiskHasNoRoomForFailsAndWorksWhenItHas) {
   const Writer writer(3);
   ForgedFile file("write");
