@@ -24,8 +24,8 @@ enum _ORVResultLocation : int {
   ORV_RESULT_LOCATION_DEFAULT = 0,
 };
 
-/// What a complex pair becomes on a selective read. The first bit set counts; "always" converts whatever the
-/// start of the selection is.
+/// What a complex pair becomes on a selective read. The first bit set counts; "always" converts every selection
+/// that holds both parts of its pairs, whatever its start and blocks are.
 enum _ORVComplexOutput : int {
   ORV_COMPLEX_MAGNITUDE = 1,
   ORV_COMPLEX_PHASE = 2,  ///< in degrees

@@ -175,7 +175,7 @@ bool HistoryReader::ReadBlocks(Histories& histories) {
   for (Share& share : shares_) {
     if (share.values == 0 || !Read(share, histories)) continue;
     ORVHyperSlab& slab = share.slab;
-    if (IsConverted(*share.block, slab.m_rank, slab.m_start, slab.m_count)) {
+    if (IsConverted(*share.block, {slab.m_rank, slab.m_start, slab.m_count})) {
       slab.m_count[slab.m_rank - 1] = 1;  // of each pair one number is left
       share.values /= kComplexParts;
     }

@@ -20,7 +20,7 @@ namespace {
 /// Whether what was read may have to be converted, which is left to the read of the file.
 bool MayBeConverted(const ORVResult& block, int rank, const std::uint64_t* start, const std::uint64_t* count) {
   if (!start || !count) return block.m_complexOutput != 0 && block.IsComplexBlk();
-  return IsConverted(block, rank, start, count);
+  return IsConverted(block, {rank, start, count});
 }
 
 /// What a block has set buffers for, values first.

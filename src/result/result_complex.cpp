@@ -3,6 +3,8 @@
 #include "result/result_complex.h"
 
 #include <cmath>
+#include <optional>
+#include <type_traits>
 
 #include "h5/extents.h"
 #include "h5/status.h"
@@ -31,9 +33,34 @@ void ConvertPairs(int output, T* values, std::uint64_t pairs) {
   for (std::uint64_t i = 0; i < pairs; ++i) values[i] = Converted(output, values[2 * i], values[2 * i + 1]);
 }
 
-bool SpansBothParts(const ResultKind& kind, int rank, const std::uint64_t* count) {
+bool IsAlways(const ORVResult& block) { return (block.m_complexOutput & ORV_COMPLEX_ALWAYS) != 0; }
+
+/// Values that a selection takes along an axis; 0 where they do not fit 64 bits, which no dataset has.
+std::uint64_t Along(const ComplexSelection& selection, int axis) {
+  std::uint64_t values = 0;
+  const std::uint64_t each = selection.block ? selection.block[axis] : 1;
+  return __builtin_mul_overflow(selection.count[axis], each, &values) ? 0 : values;
+}
+
+/// QUIRK: without "always" the blocks of a selection are passed over: it is converted as if each held one value. Hosts
+/// whose selections have blocks know how many pairs are left to them. Pinned by
+/// ResultComplex.PassesOverBlocksUnlessAlways.
+ComplexSelection Considered(const ORVResult& block, ComplexSelection selection) {
+  if (!IsAlways(block)) selection.block = nullptr;
+  return selection;
+}
+
+bool SpansBothParts(const ResultKind& kind, const ComplexSelection& selection) {
   const int axis = kind.PositionOf(ORV_DIM_COMPLEX);
-  return axis < rank && count[axis] == kComplexParts;
+  return axis < selection.rank && Along(selection, axis) == kComplexParts;
+}
+
+/// Pairs of a selection of the rank of its kind; nothing when their parts do not fit 64 bits.
+std::optional<std::uint64_t> PairsOf(const ComplexSelection& selection) {
+  std::uint64_t values[std::extent_v<decltype(ResultKind::axes)>] = {};
+  for (int axis = 0; axis < selection.rank; ++axis) values[axis] = Along(selection, axis);
+  const auto product = h5::Product(selection.rank, values);
+  return product ? std::optional(*product / kComplexParts) : std::nullopt;
 }
 
 /// QUIRK: not the complex axis is looked at but the first one, or the second of multi-state kinds: a conversion
@@ -46,27 +73,27 @@ bool StartsConversion(const ResultKind& kind, int rank, const std::uint64_t* sta
 
 }  // namespace
 
-bool IsConverted(const ORVResult& block, int rank, const std::uint64_t* start, const std::uint64_t* count) {
+bool IsConverted(const ORVResult& block, const ComplexSelection& selection) {
   constexpr int kOutputs = ORV_COMPLEX_MAGNITUDE | ORV_COMPLEX_PHASE | ORV_COMPLEX_REAL | ORV_COMPLEX_IMAGINARY;
   const ResultKind* kind = FindResultKind(block.GetKey());
-  if (!kind || !kind->IsComplex() || !(block.m_complexOutput & kOutputs) || rank < 1) return false;
-  if (block.m_complexOutput & ORV_COMPLEX_ALWAYS) return SpansBothParts(*kind, rank, count);
-  return StartsConversion(*kind, rank, start);
+  if (!kind || !kind->IsComplex() || !(block.m_complexOutput & kOutputs) || selection.rank < 1) return false;
+  if (IsAlways(block)) return SpansBothParts(*kind, selection);
+  return StartsConversion(*kind, selection.rank, selection.start);
 }
 
-int ConvertComplex(ORVResult& block, int rank, const std::uint64_t* count) {
+int ConvertComplex(ORVResult& block, const ComplexSelection& selected) {
   const ResultKind* kind = FindResultKind(block.GetKey());
-  if (!kind || !kind->IsComplex() || rank != kind->rank || !SpansBothParts(*kind, rank, count)) return kFail;
+  const ComplexSelection selection = Considered(block, selected);
+  if (!kind || !kind->IsComplex() || selection.rank != kind->rank || !SpansBothParts(*kind, selection)) return kFail;
   const int layer = kind->PositionOf(ORV_DIM_LAYER);
-  const bool one_layer = layer < 0 || count[layer] <= 1;
-  if (!one_layer && !(block.m_complexOutput & ORV_COMPLEX_ALWAYS)) return kFail;
-  const auto values = h5::Product(rank, count);
-  if (!values || !block.m_res) return values ? kOk : kFail;
-  const std::uint64_t pairs = *values / kComplexParts;
+  const bool one_layer = layer < 0 || selection.count[layer] <= 1;
+  if (!one_layer && !IsAlways(block)) return kFail;
+  const auto pairs = PairsOf(selection);
+  if (!pairs || !block.m_res) return pairs ? kOk : kFail;
   if (block.m_resType == ORV_DOUBLE) {
-    ConvertPairs(block.m_complexOutput, static_cast<double*>(block.m_res), pairs);
+    ConvertPairs(block.m_complexOutput, static_cast<double*>(block.m_res), *pairs);
   } else {
-    ConvertPairs(block.m_complexOutput, static_cast<float*>(block.m_res), pairs);
+    ConvertPairs(block.m_complexOutput, static_cast<float*>(block.m_res), *pairs);
   }
   return kOk;
 }

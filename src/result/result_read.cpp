@@ -148,11 +148,12 @@ int ORVResult::ReadSelAtt(hid_t group, int /*state*/, _ORVBlockAtt att, int rank
     const int status =
         OH5Read_SELECTIVE(place, dataset->name, rank, start, count, stride, block, dataset->type, dataset->buffer);
     if (status != kOk || att != ORV_ATT_RES) return status;
-    if (IsConverted(*this, rank, start, count)) {
+    const ComplexSelection selection{rank, start, count, block};
+    if (IsConverted(*this, selection)) {
       // QUIRK: values that are read as integers are not converted and end the read before the ids. Pinned by
       // ResultComplex.LeavesIntegerValuesAndTheIdsAlone.
       if (m_resType != ORV_FLOAT && m_resType != ORV_DOUBLE) return kOk;
-      if (ConvertComplex(*this, rank, count) != kOk) return kFail;
+      if (ConvertComplex(*this, selection) != kOk) return kFail;
     }
     return read_ids(place);
   });

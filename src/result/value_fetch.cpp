@@ -77,7 +77,7 @@ class ValueFetch {
 
 /// Values that a read of a slab leaves in the buffer: a converted pair becomes one.
 std::uint64_t DeliveredBy(const ORVResult& block, const ORVHyperSlab& slab, std::uint64_t selected) {
-  return IsConverted(block, slab.m_rank, slab.m_start, slab.m_count) ? selected / 2 : selected;
+  return IsConverted(block, {slab.m_rank, slab.m_start, slab.m_count}) ? selected / 2 : selected;
 }
 
 void ValueFetch::ReadBlocks() {

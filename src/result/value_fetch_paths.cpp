@@ -168,7 +168,7 @@ std::optional<std::uint64_t> PathFetch::ReadParts(ORVResult& block) {
   const bool index_ok = block.m_nindex < 1 || (ReadIndexPart(block, group.get(), ORV_ATT_INDEXIDENT) == kOk &&
                                                ReadIndexPart(block, group.get(), ORV_ATT_INDEXVAL) == kOk);
   if (!index_ok) return std::nullopt;
-  const bool halved = IsConverted(block, slab->m_rank, slab->m_start, slab->m_count);
+  const bool halved = IsConverted(block, {slab->m_rank, slab->m_start, slab->m_count});
   return halved ? CountOf(*slab) / kComplexParts : CountOf(*slab);
 }
 

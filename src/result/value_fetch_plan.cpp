@@ -67,7 +67,7 @@ bool HasOneVariable(const ORVResult& block) {
 
 bool IsWhole(const ORVResult& block, const ResultKind& kind, const ORVHyperSlab& slab) {
   if (kind.IsProperties() || !HasOneVariable(block)) return false;
-  if (IsConverted(block, slab.m_rank, slab.m_start, slab.m_count)) return false;  // only selections are
+  if (IsConverted(block, {slab.m_rank, slab.m_start, slab.m_count})) return false;  // only selections are
   const auto axes = kind.Axes();
   for (std::size_t i = 0; i < axes.size(); ++i) {
     const bool no_layers = axes[i] == ORV_DIM_LAYER && block.m_numl == 0;

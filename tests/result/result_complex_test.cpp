@@ -283,6 +283,42 @@ TEST_F(ResultComplex, AlwaysTakesAllLayers) {
   EXPECT_EQ(values[3], 10);
 }
 
+/// Reads runs of values, each `block` long.
+int ReadRuns(ORVResult& block, const std::string& file, Numbers start, Numbers count, Numbers stride, Numbers run) {
+  return block.ReadSelectiveAttribute(file.c_str(), 1, 2, ORV_ATT_RES, static_cast<int>(count.size()), start.data(),
+                                      count.data(), stride.data(), run.data(), false);
+}
+
+TEST_F(ResultComplex, AlwaysTakesTheBlocksOfASelection) {
+  ForgedResult forged(Layout::kSingle, kNodePath);
+  forged.data().dataset<float>("res", {3, 1, 2}, {3, 4, 0, 2, 6, 8});
+  Nodes three_nodes(ORV_COMPLEX_MAGNITUDE | ORV_COMPLEX_ALWAYS);
+  EXPECT_EQ(ReadRuns(three_nodes.block, forged.path(), {0, 0, 0}, {1, 1, 2}, {3, 1, 1}, {3, 1, 1}), 0);
+  EXPECT_EQ(three_nodes.values, (Floats{5, 2, 10, 2, 6, 8}));
+  Nodes both_parts(ORV_COMPLEX_MAGNITUDE | ORV_COMPLEX_ALWAYS);
+  EXPECT_EQ(ReadRuns(both_parts.block, forged.path(), {0, 0, 0}, {1, 1, 1}, {3, 1, 2}, {3, 1, 2}), 0);
+  EXPECT_EQ(both_parts.values, (Floats{5, 2, 10, 2, 6, 8}));
+}
+
+TEST_F(ResultComplex, AlwaysLeavesOnePartInBlocksAsItIs) {
+  ForgedResult forged(Layout::kSingle, kNodePath);
+  forged.data().dataset<float>("res", {3, 1, 2}, {3, 4, 0, 2, 6, 8});
+  Nodes nodes(ORV_COMPLEX_MAGNITUDE | ORV_COMPLEX_ALWAYS);
+  EXPECT_EQ(ReadRuns(nodes.block, forged.path(), {0, 0, 1}, {1, 1, 1}, {3, 1, 1}, {3, 1, 1}), 0);
+  EXPECT_EQ(nodes.values, (Floats{4, 2, 8, -9, -9, -9}));
+}
+
+TEST_F(ResultComplex, PassesOverBlocksUnlessAlways) {
+  ForgedResult forged(Layout::kSingle, kNodePath);
+  forged.data().dataset<float>("res", {4, 1, 2}, {0, 0, 3, 4, 0, 2, 6, 8});
+  Nodes three_nodes(ORV_COMPLEX_MAGNITUDE);
+  EXPECT_EQ(ReadRuns(three_nodes.block, forged.path(), {1, 0, 0}, {1, 1, 2}, {3, 1, 1}, {3, 1, 1}), 0);
+  EXPECT_EQ(three_nodes.values, (Floats{5, 4, 0, 2, 6, 8}));
+  Nodes both_parts(ORV_COMPLEX_MAGNITUDE);
+  EXPECT_EQ(ReadRuns(both_parts.block, forged.path(), {1, 0, 0}, {1, 1, 1}, {3, 1, 2}, {3, 1, 2}), 1);
+  EXPECT_EQ(both_parts.values, (Floats{3, 4, 0, 2, 6, 8}));
+}
+
 TEST_F(ResultComplex, AlwaysAloneConvertsNothing) {
   ForgedResult forged = ForgeNodes();
   Nodes nodes(ORV_COMPLEX_ALWAYS);
