@@ -38,10 +38,16 @@ int WriteSelected(hid_t group, const char* name, const Selection& selection, _OR
                             selection.block, type, selection.extent, data);
 }
 
+/// Ids of entities or frames, which are never filtered: readers pick single ones.
+int WriteSelectedIds(hid_t group, const char* name, const Selection& selection, _ORVDataType type, const void* data) {
+  const Swapped<Compression> plain(process().compression, Compression{});
+  return WriteSelected(group, name, selection, type, data);
+}
+
 /// The frame id of a block is one number, and no more can be taken from the member that holds it.
 int WriteFrameId(ORVResult& block, hid_t group, const Selection& selection) {
   if (selection.rank < 1 || !selection.count || h5::Product(selection.rank, selection.count) != 1U) return kFail;
-  return WriteSelected(group, disk::fidglob, selection, ORV_LONG, &block.m_fidglob);
+  return WriteSelectedIds(group, disk::fidglob, selection, ORV_LONG, &block.m_fidglob);
 }
 
 int WriteMissingFrameId(const ORVResult& block, hid_t group) {
@@ -147,11 +153,11 @@ int ORVResult::WriteSelAtt(hid_t group, int /*sections*/, _ORVBlockAtt att, int 
   return h5::Entry(kFail, [&] {
     switch (static_cast<int>(att)) {
       case ORV_ATT_IDS:
-        return WriteSelected(group, IdName(*kind), selection, m_resType, m_res);
+        return WriteSelectedIds(group, IdName(*kind), selection, m_resType, m_res);
       case ORV_ATT_FIDGLOB:
-        return WriteSelected(group, disk::fidglob, selection, m_resType, m_res);
+        return WriteSelectedIds(group, disk::fidglob, selection, m_resType, m_res);
       case ORV_ATT_FID:
-        return WriteSelected(group, disk::fid, selection, m_resType, m_res);
+        return WriteSelectedIds(group, disk::fid, selection, m_resType, m_res);
       case ORV_ATT_ELOC:
         return WriteSelected(group, disk::eloc, selection, m_resType, m_res);
       case ORV_ATT_RES:
@@ -175,14 +181,12 @@ int ORVResult::WriteSelAttData(hid_t group, _ORVBlockAtt att, int rank, std::uin
   const Selection selection{rank, start, count, stride, block, extent};
   return h5::Entry(kFail, [&] {
     switch (static_cast<int>(att)) {
-      case ORV_ATT_IDS: {
-        const Swapped<Compression> plain(process().compression, Compression{});
-        return WriteSelected(group, IdName(*kind), selection, m_resType, m_res);
-      }
+      case ORV_ATT_IDS:
+        return WriteSelectedIds(group, IdName(*kind), selection, m_resType, m_res);
       case ORV_ATT_FIDGLOB:
         return WriteFrameId(*this, group, selection);
       case ORV_ATT_FID:
-        return WriteSelected(group, disk::fid, selection, m_fidType, m_fid);
+        return WriteSelectedIds(group, disk::fid, selection, m_fidType, m_fid);
       case ORV_ATT_ELOC:
         return WriteSelected(group, disk::eloc, selection, m_elocType, m_eloc);
       case ORV_ATT_RES:

@@ -392,6 +392,30 @@ TEST_F(ResultSelectiveWrite, NeverFiltersIdsBesideValuesInTheHeaderPart) {
   EXPECT_EQ(Raw().filters(std::string(kBlock) + "/header/fidglob"), Ints{});
 }
 
+TEST_F(ResultSelectiveWrite, NeverFiltersIdsByThemselvesInTheHeaderPart) {
+  Ints numbers{7, 8};
+  OH5SetCompression(1, 3);
+  EXPECT_EQ(Write(kHeader, 17, {{0, 0}, {1, 2}, {}}), 0);
+  block_.m_res = numbers.data();
+  block_.m_resType = ORV_INT;
+  for (const int code : {13, 16}) EXPECT_EQ(Write(kHeader, code, {{0}, {2}, {}}), 0) << code;
+  EXPECT_EQ(Write(kHeader, 15, {{0}, {1}, {}}), 0);
+  OH5SetCompression(0, -1);
+  const std::string header = std::string(kBlock) + "/header/";
+  EXPECT_EQ(Raw().filters(header + "eloc"), (Ints{H5Z_FILTER_SCALEOFFSET}));
+  for (const char* ids : {"entid", "fid", "fidglob"}) EXPECT_EQ(Raw().filters(header + ids), Ints{}) << ids;
+}
+
+TEST_F(ResultSelectiveWrite, NeverFiltersFrameIdsInTheDataPart) {
+  Ints frames{31, 32};
+  block_.m_fid = frames.data();
+  block_.m_nCompressionFactor = 3;
+  EXPECT_EQ(Write(kData, 16, {{0}, {2}, {}}), 0);
+  EXPECT_EQ(Write(kData, 15, {{0}, {1}, {}}), 0);
+  EXPECT_EQ(Raw().filters(std::string(kBlock) + "/data/fid"), Ints{});
+  EXPECT_EQ(Raw().filters(kFrame), Ints{});
+}
+
 TEST_F(ResultSelectiveWrite, NeverFiltersAnIndex) {
   OH5SetCompression(1, 3);
   Floats values{.5F, 7};
