@@ -141,7 +141,8 @@ class ORVIO_EXPORT ORVResult : public ORVBlock {
   bool IsComplexBlk() const;
   bool IsConstantBlk() const { return m_constantBlk != 0; }
   void SetConstantBlk(bool constant) { m_constantBlk = constant ? 1 : 0; }
-  /// Each cut at 256 characters.
+  /// Each cut at 256 characters. A block of the split layout that had other names forgets its path: it is looked for by
+  /// the names alone.
   void SetEntityAndVarName(const std::string& type, const std::string& variable);
   std::string GetElementType();
   /// The block-wide frame id and the frame type; the answer is the frame switch.

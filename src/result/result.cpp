@@ -102,6 +102,13 @@ bool ORVResult::IsComplexBlk() const {
 }
 
 void ORVResult::SetEntityAndVarName(const std::string& type, const std::string& variable) {
+  const auto differs = [](const Text& name, const std::string& other) {
+    return Content(name) != Content(other.c_str());
+  };
+  const bool had_names = *m_etyp || *m_etypvar;
+  const bool renamed = had_names && (differs(m_etyp, type) || differs(m_etypvar, variable));
+  // By the path the block of the old names would answer wherever that of the new ones is missing.
+  if (renamed && GetBlkVersion() == ORV_BLK_VERSION_SPLIT) m_BlkPath.clear();
   Assign(m_etyp, type);
   Assign(m_etypvar, variable);
 }

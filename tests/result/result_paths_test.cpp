@@ -191,6 +191,48 @@ TEST_P(ResultPlaces, AreKeptAsPathsOfTheSchema) {
   EXPECT_EQ(block.ReadBlock(places.path().c_str(), 3, ORV_READ_HEADER), 1);
 }
 
+TEST_F(ResultPath, ThatWasLearnedIsNotThatOfABlockWithOtherNames) {
+  ForgedPlaces places(Layout::kSplit);
+  places.Add("/post/constant/entityresults/T/V", 5).Add("/post/constant/entityresults/T/W", 6);
+  ORVResult block(1000);
+  const auto count = [&](const char* type, const char* variable) {
+    block.SetEntityAndVarName(type, variable);
+    return block.ReadBlock(places.path().c_str(), 0, ORV_READ_HEADER) == 0 ? block.m_nent : -1;
+  };
+  EXPECT_EQ(count("T", "V"), 5);
+  EXPECT_EQ(count("T", "NONE"), -1);
+  EXPECT_EQ(count("T", "W"), 6);
+  EXPECT_EQ(count("NONE", "W"), -1);
+  EXPECT_EQ(count("T", "V"), 5);
+}
+
+TEST_F(ResultPath, StaysWhereTheNamesDoAndWhereABlockGetsItsFirst) {
+  ORVResult block(1000);
+  block.SetBlkPath("/post/constant/entityresults/T/V");
+  block.SetEntityAndVarName("X", "Y");
+  EXPECT_EQ(block.GetBlkPath(), "/post/constant/entityresults/T/V");
+  block.SetEntityAndVarName("X", "Y");
+  EXPECT_EQ(block.GetBlkPath(), "/post/constant/entityresults/T/V");
+  block.SetEntityAndVarName("X", "Z");
+  EXPECT_EQ(block.GetBlkPath(), "");
+}
+
+TEST_F(ResultPath, OfTheSingleLayoutStaysWhateverTheNames) {
+  ORVResult block(1000);
+  block.SetEntityAndVarName("T", "V");
+  block.SetBlkPath("/post/constant/entityresults/T/V/orvblock");
+  block.SetEntityAndVarName("T", "W");
+  EXPECT_EQ(block.GetBlkPath(), "/post/constant/entityresults/T/V/orvblock");
+}
+
+TEST_F(ResultPath, OfANameThatIsCutStaysWithTheSameName) {
+  ORVResult block(1000);
+  block.SetEntityAndVarName("T", std::string(300, 'v'));
+  block.SetBlkPath("/post/constant/entityresults/T/V");
+  block.SetEntityAndVarName("T", std::string(300, 'v'));
+  EXPECT_EQ(block.GetBlkPath(), "/post/constant/entityresults/T/V");
+}
+
 TEST_P(ResultPlaces, AreLearnedByABlockThatIsReadByState) {
   ForgedPlaces places(GetParam());
   places.Add("/post/singlestate/a/entityresults/T/V", 1);
