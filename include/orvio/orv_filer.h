@@ -75,16 +75,16 @@ class ORVIO_EXPORT ORVFiler {
   /// Reads what the filer must know to answer: variables and groups, headers of the results (of the multi-state
   /// section, the constant section and the first state), the unit system, index types and properties, and gives every
   /// component a handle. It reads no values. `nextId` is the next free id of a handle (below 1: 1) and is raised.
-  /// 0; 1 without variables or results; 18 without results where states or constants were to be skipped. A second
-  /// call clears first.
+  /// 0; 1 without variables or results, or when memory runs out; 18 without results where states or constants were to be
+  /// skipped. A second call clears first.
   int InitReader(int& nextId);
   /// Reads the headers of the multi-state results that InitReader was told to skip, or again with `force`. 1 when there
-  /// was nothing to do or nothing was found.
+  /// was nothing to do or nothing was found, or when memory runs out.
   int ReadMultiStateBlocks(bool force);
   int ReadSystemBlock();  ///< reads the unit system; 0 at once if it is there
   /// Adds the results that only later states have: those of one state, of all from the second on (below 1), or with
   /// `mode` 1 of all from `state` on. `added` counts those without a twin in the list. `nextId` is the next free id of a
-  /// handle; -1 for the one after the largest.
+  /// handle; -1 for the one after the largest. 1 when memory runs out; what was added till then may lack handles.
   int UpdateContainer(int state, int& added, int nextId, int mode);
   /// For a file that has grown: extents of the multi-state results are read anew, state indexes at their next demand. The
   /// indexes of GetTagIncrIndex and AppendTagedIndex are deleted, and the map of BuildGlobalIncrMap.

@@ -17,7 +17,7 @@ int ORVFiler::UpdateContainer(int state, int& added, int nextId, int mode) {
   constexpr int kToTheEnd = 1;  // mode
   added = 0;
   if (!m_pData || state == 1) return kOk;
-  return h5::Entry(kFail, [&] {
+  return h5::WholeEntry(kFail, [&] {
     int next_id = nextId == -1 ? NextHandleId(m_pData->ext_vars) : nextId;
     const h5::FileInUse known(m_pData->path.c_str());
     LaterResults later(*m_pData);

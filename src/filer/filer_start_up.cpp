@@ -27,7 +27,7 @@ using namespace orvio;
 int ORVFiler::InitReader(int& nextId) {
   nextId = std::max(nextId, 1);
   if (!m_pData) return kFail;
-  return h5::Entry(kFail, [&] {
+  return h5::WholeEntry(kFail, [&] {
     ClearAll();
     (void)ReadVariableBlks(m_pData->variable_groups, m_pData->variables);  // what could be read counts
     if (m_pData->variables.empty()) {
@@ -54,7 +54,7 @@ int ORVFiler::ReadResults(int& nextId) {
   (void)ReadSystemBlock();  // a file without units is of use all the same
   auto types = std::make_unique<ORVSimulationType>();
   if (ReadIndicesBlk(*types) == kOk) m_pData->index_types = std::move(types);
-  // Always 0: results without a definition have been reported.
+  // Always 0: results without a definition have been reported, and want of memory ends the start-up.
   (void)AssociateVariables(m_pData->single_results, nextId, kServesSingleState);
   (void)AssociateVariables(m_pData->multi_results, nextId, kServesMultiState);
   if (CheckConfig(ORV_CONFIG_ASSIGN_UNITS) != 0 && m_pData->system) {
@@ -67,7 +67,7 @@ int ORVFiler::ReadResults(int& nextId) {
 
 int ORVFiler::ReadMultiStateBlocks(bool force) {
   if (!m_pData || !(m_pData->multi_results.empty() || force)) return kFail;
-  return h5::Entry(kFail, [&] {
+  return h5::WholeEntry(kFail, [&] {
     ClearConfig(ORV_CONFIG_SKIP_MULTISTATE);
     ClearResultBlk(m_pData->multi_results);
     ReadResultBlks(-1, m_pData->multi_results);

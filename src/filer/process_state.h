@@ -87,6 +87,7 @@ struct ProcessState {
   h5::HeldSnapshots* held_snapshots = nullptr;  ///< of the running operation; made at the first, never destroyed
   bool is_among_itself = false;                 ///< no code of a host runs before the running operation ends
   int entries = 0;                              ///< exported operations that run, one inside the other
+  unsigned exceptions = 0;                      ///< that became failures; see h5::WholeEntry
 };
 
 ProcessState& process();

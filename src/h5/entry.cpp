@@ -13,6 +13,10 @@ bool StopPlugins(unsigned& before) { return H5PLget_loading_state(&before) >= 0 
 
 }  // namespace
 
+void CountException() noexcept { ++process().exceptions; }
+
+unsigned CountedExceptions() noexcept { return process().exceptions; }
+
 QuietHdf5::QuietHdf5() noexcept {
   const bool is_first = process().entries++ == 0;
   if (!is_first && process().is_among_itself) return;  // silent since the first

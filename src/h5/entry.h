@@ -26,6 +26,10 @@ class QuietHdf5 {
   bool outermost_ = false;  ///< others inside find plugins off already
 };
 
+/// Counts an exception that becomes a failure here; see WholeEntry.
+void CountException() noexcept;
+unsigned CountedExceptions() noexcept;
+
 /// Runs the body of an exported operation. An exception, out of memory above all, becomes `failure`: what grows
 /// with a file's data may fail to allocate, and hosts are not built for exceptions.
 template <class Answer, class Body>
@@ -34,8 +38,18 @@ Answer Entry(Answer failure, Body&& body) noexcept {
   try {
     return body();
   } catch (...) {
+    CountException();
     return failure;
   }
+}
+
+/// The same for an operation whose success says that nothing is missing. Operations inside it may have failed for want of
+/// memory and been taken for something that the file does not have: then it fails, too.
+template <class Answer, class Body>
+Answer WholeEntry(Answer failure, Body&& body) noexcept {
+  const unsigned before = CountedExceptions();
+  const Answer answer = Entry(failure, body);
+  return CountedExceptions() == before ? answer : failure;
 }
 
 /// The same for an operation without an answer.
@@ -44,7 +58,8 @@ void EntryVoid(Body&& body) noexcept {
   const QuietHdf5 quiet;
   try {
     body();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): the operation has no way to tell
+  } catch (...) {  // the operation has no way to tell
+    CountException();
   }
 }
 

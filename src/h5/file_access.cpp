@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "filer/process_state.h"
+#include "h5/entry.h"
 #include "h5/file_driver.h"
 #include "h5/indexed_file.h"
 #include "h5/kept_files.h"
@@ -220,6 +221,7 @@ herr_t AppendName(hid_t /*group*/, const char* name, const H5L_info1_t* /*info*/
     static_cast<std::vector<std::string>*>(data)->emplace_back(name);
     return 0;
   } catch (...) {
+    CountException();
     return -1;
   }
 }

@@ -10,6 +10,7 @@
 
 #include "filer/process_state.h"
 #include "h5/disk_file.h"
+#include "h5/entry.h"
 
 namespace orvio::h5 {
 namespace {
@@ -22,8 +23,9 @@ template <class Body>
 herr_t Guarded(Body&& body) noexcept {
   try {
     return body() ? 0 : -1;
-  } catch (...) {
-    return -1;  // out of memory
+  } catch (...) {  // out of memory
+    CountException();
+    return -1;
   }
 }
 
@@ -31,8 +33,9 @@ H5FD_t* Open(const char* name, unsigned flags, hid_t /*access*/, haddr_t /*most*
   try {
     std::unique_ptr<DiskFile> file = OpenDiskFile(name, flags);
     return file ? &file.release()->base : nullptr;
-  } catch (...) {
-    return nullptr;  // out of memory
+  } catch (...) {  // out of memory
+    CountException();
+    return nullptr;
   }
 }
 
