@@ -25,7 +25,7 @@ OH5Reader::OH5Reader(const char* name, unsigned flags) {
   if (name) (void)OH5Reader::OpenFile(name, flags);  // the file id tells whether it worked
 }
 
-OH5Reader::~OH5Reader() { (void)OH5Reader::CloseFile(); }  // reading only: nothing to lose
+OH5Reader::~OH5Reader() { (void)OH5Reader::CloseFile(); }  // nobody is left to be told
 
 void OH5Reader::ReadReaderVersion(int& major, int& minor, int& patch) { ORVGetReaderVersion(&major, &minor, &patch); }
 
@@ -51,7 +51,8 @@ int OH5Reader::CloseFile() {
   if (m_file == -1) return kFail;
   return h5::Entry(kFail, [&] {
     h5::CloseLocalObjects(m_file);
-    const bool closed = h5::File(std::exchange(m_file, -1)).Close();
+    h5::File file(std::exchange(m_file, -1));
+    const bool closed = h5::CloseFile(file);  // it may be open for writing
     m_major = 0;
     return closed ? kOk : kFail;
   });

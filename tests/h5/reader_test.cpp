@@ -5,6 +5,7 @@
 #include "orvio/oh5_reader.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -79,6 +80,33 @@ TEST_F(Reader, ClosesTheFormerFileFirst) {
   EXPECT_EQ(reader_->OpenFile(file_.path().c_str(), kReadOnly), 0);
   EXPECT_EQ(reader_->OpenFile(TextFile().c_str(), kReadOnly), 1);
   EXPECT_EQ(H5Fget_obj_count(static_cast<hid_t>(H5F_OBJ_ALL), H5F_OBJ_ALL), 0);
+}
+
+TEST_F(Reader, AnswersOneForACloseThatLosesAChange) {
+  file_.at("/post/constant").dataset<std::int32_t>("d", {1}, {7});
+  const std::string path = file_.path();
+  const std::string journal = path + "-journal";
+  OH5Reader reader(path.c_str(), kReadWrite);
+  ASSERT_TRUE(std::filesystem::create_directory(journal));  // the change cannot be noted there
+  const hsize_t dims[] = {1};
+  const std::int32_t value = 8;
+  EXPECT_EQ(OH5Write_INT(reader.GetFileId(), "/post/constant/d", 1, dims, ORV_INT, &value), 0);
+  EXPECT_EQ(reader.CloseFile(), 1);
+  EXPECT_EQ(reader.GetFileId(), -1);
+  EXPECT_NE(LastText(), kUntouched);
+  ASSERT_TRUE(std::filesystem::remove(journal));
+  EXPECT_EQ(RawFile(path).values<std::int32_t>("/post/constant/d"), std::vector<std::int32_t>{7});
+}
+
+TEST_F(Reader, AnswersZeroForACloseThatKeepsAChange) {
+  file_.at("/post/constant").dataset<std::int32_t>("d", {1}, {7});
+  const std::string path = file_.path();
+  OH5Reader reader(path.c_str(), kReadWrite);
+  const hsize_t dims[] = {1};
+  const std::int32_t value = 8;
+  EXPECT_EQ(OH5Write_INT(reader.GetFileId(), "/post/constant/d", 1, dims, ORV_INT, &value), 0);
+  EXPECT_EQ(reader.CloseFile(), 0);
+  EXPECT_EQ(RawFile(path).values<std::int32_t>("/post/constant/d"), std::vector<std::int32_t>{8});
 }
 
 TEST_F(Reader, ClosesOnceAndThenAnswersOne) {
