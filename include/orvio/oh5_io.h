@@ -39,7 +39,7 @@ ORVIO_EXPORT int OH5DatasetType(hid_t dataset, _ORVDataType* type);
 ORVIO_EXPORT void OH5TrimTrailingSpaces(char* field);
 
 /// Path of `loc` (hard link, or neither name nor info) or value of a soft or external link, into a buffer of
-/// 3000 bytes. For an external link the value is the object path.
+/// 3000 bytes. For an external link the value is the object path. Empty for a link that lies in another file.
 ORVIO_EXPORT void OH5GetLinkTarget(hid_t loc, const char* name, char* buffer, const H5L_info1_t* info);
 
 /// Closes what is still open in a file except the file itself.

@@ -51,18 +51,28 @@ const ProcessState& Lists() {
   return state;
 }
 
-/// Without the list of the library nothing is opened: the default one would follow links to other files.
-hid_t GroupAccess() { return Lists().group_access; }
+/// The list of a caller, but for links to other files.
+PropertyList Refusing(hid_t access) {
+  PropertyList list(H5Pcopy(access));
+  if (list && H5Pset_elink_cb(list.get(), RefuseExternalLink, nullptr) < 0) list.reset();
+  return list;
+}
 
-/// The list of a caller, if there is one.
-hid_t ListOr(hid_t access) { return access > 0 ? access : GroupAccess(); }
-
-/// The library's own list keeps each step of a path inside the file. For single names, which is how children are found, and
-/// for the lists of hosts the link itself is looked at, too; for long paths that would walk them twice.
+/// Access lists keep each step of a path inside the file. For single names, which is how children are found, and for the
+/// lists of hosts the link itself is looked at, too; for long paths that would walk them twice.
 bool MayBeOpened(hid_t loc, const char* name, hid_t access) {
   if (GroupAccess() <= 0) return false;
   const bool is_checked = access > 0 || !std::strchr(name, '/');
   return !is_checked || StaysInside(loc, name);
+}
+
+/// Opens by H5Gopen2 or its like.
+template <class Open>
+hid_t OpenInside(Open&& open, hid_t loc, const char* name, hid_t access) {
+  if (!MayBeOpened(loc, name, access)) return H5I_INVALID_HID;
+  if (access <= 0) return open(loc, name, GroupAccess());
+  const PropertyList list = Refusing(access);
+  return list ? open(loc, name, list.get()) : H5I_INVALID_HID;
 }
 
 bool IsRegularFile(const char* name) {
@@ -127,7 +137,7 @@ Group OpenGroup(hid_t loc, const char* name, hid_t access) {
     const Hdf5Location by_hdf5(loc);
     return OpenGroup(by_hdf5.get(), name, access);
   }
-  return Group(MayBeOpened(loc, name, access) ? H5Gopen2(loc, name, ListOr(access)) : H5I_INVALID_HID);
+  return Group(OpenInside(H5Gopen2, loc, name, access));
 }
 
 Group OpenGroupAt(hid_t group, hsize_t position, const std::string& name, hid_t access) {
@@ -142,9 +152,10 @@ Group OpenGroupAt(hid_t group, hsize_t position, const std::string& name, hid_t 
 
 Object OpenObject(hid_t loc, const char* name, hid_t access) {
   const Hdf5Location by_hdf5(loc);
-  loc = by_hdf5.get();
-  return Object(MayBeOpened(loc, name, access) ? H5Oopen(loc, name, ListOr(access)) : H5I_INVALID_HID);
+  return Object(OpenInside(H5Oopen, by_hdf5.get(), name, access));
 }
+
+hid_t GroupAccess() { return Lists().group_access; }
 
 hid_t DatasetAccess() { return Lists().dataset_access; }
 

@@ -24,12 +24,15 @@ File CreateFile(const char* name);
 /// Whether something stands under that name, readable or not.
 bool FileExists(const char* name);
 
-/// Opens a group or object. Links into other files are refused on every level of the path. `access` is an access
-/// list of the caller, or 0 for that of the library.
+/// Opens a group or object. Links into other files are refused on every level of the path, whatever `access` says of
+/// them: an access list of the caller, or 0 for that of the library.
 Group OpenGroup(hid_t loc, const char* name, hid_t access = H5P_DEFAULT);
 /// The same for the link at a position in the order of names, which has that name.
 Group OpenGroupAt(hid_t group, hsize_t position, const std::string& name, hid_t access);
 Object OpenObject(hid_t loc, const char* name, hid_t access = H5P_DEFAULT);
+
+/// The access list of groups and links: external links are refused. HDF5's default one would follow them.
+hid_t GroupAccess();
 
 /// The access list of datasets: external links are refused. The open itself is that of StoredDataset.
 hid_t DatasetAccess();

@@ -49,7 +49,7 @@ bool ReadLinkTarget(hid_t loc, const char* name, const H5L_info1_t& info, std::s
   if (info.type != H5L_TYPE_SOFT && !external) return false;
   if (info.u.val_size == 0 || info.u.val_size > kMaxLinkValue) return false;
   std::vector<char> value(info.u.val_size + 1, '\0');
-  if (H5Lget_val(loc, name, value.data(), info.u.val_size, H5P_DEFAULT) < 0) return false;
+  if (H5Lget_val(loc, name, value.data(), info.u.val_size, GroupAccess()) < 0) return false;
   if (!external) {
     target = value.data();
     return true;
@@ -78,7 +78,7 @@ void OH5GetLinkTarget(hid_t loc, const char* name, char* buffer, const H5L_info1
     H5L_info1_t fetched = {};
     const bool is_asked = !info && name;
     const orvio::h5::Hdf5Location by_hdf5(is_asked ? loc : H5I_INVALID_HID);
-    if (is_asked && H5Lget_info1(by_hdf5.get(), name, &fetched, H5P_DEFAULT) < 0) return;
+    if (is_asked && H5Lget_info1(by_hdf5.get(), name, &fetched, orvio::h5::GroupAccess()) < 0) return;
     const H5L_info1_t* link = info ? info : name ? &fetched : nullptr;
     std::string target;
     std::string file;

@@ -184,7 +184,7 @@ void OH5Reader::GetLinkInfo(hid_t loc, const std::string& name, std::string& tar
     // QUIRK: HDF5 answers 0 for success, so both outputs stay empty. Hosts take an empty target for a plain link
     // and follow it by name; a target would make them follow it twice. Pinned by
     // Reader.LinkInfoLeavesBothOutputsEmpty.
-    if (H5Lget_info1(loc, name.c_str(), &info, H5P_DEFAULT) <= 0) return;
+    if (H5Lget_info1(loc, name.c_str(), &info, h5::GroupAccess()) <= 0) return;
     (void)h5::ReadLinkTarget(loc, name.c_str(), info, target, file);  // outputs tell
   });
 }

@@ -12,10 +12,10 @@ File FileOf(hid_t object) { return File(H5Iget_file_id(object)); }
 
 std::string SoftLinkTarget(hid_t loc, const char* name) {
   H5L_info2_t info = {};
-  if (!LinkExists(loc, name) || H5Lget_info2(loc, name, &info, H5P_DEFAULT) < 0) return {};
+  if (!LinkExists(loc, name) || H5Lget_info2(loc, name, &info, GroupAccess()) < 0) return {};
   if (info.type != H5L_TYPE_SOFT || info.u.val_size >= disk::kPathWidth) return {};
   char target[disk::kPathWidth] = {};
-  return H5Lget_val(loc, name, target, sizeof target - 1, H5P_DEFAULT) < 0 ? std::string() : std::string(target);
+  return H5Lget_val(loc, name, target, sizeof target - 1, GroupAccess()) < 0 ? std::string() : std::string(target);
 }
 
 int CreateSoftLink(hid_t loc, const char* name, const std::string& target) {

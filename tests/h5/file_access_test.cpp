@@ -71,6 +71,18 @@ TEST_F(FileAccess, KeepsALinkOutsideShutForTheAccessListOfAHost) {
   EXPECT_GT(reader.OpenGroup(reader.GetFileId(), "/post/constant/b", follows.get()), 0);
 }
 
+TEST_F(FileAccess, KeepsWhatElseTheAccessListOfAHostSays) {
+  ForgedFile file("links");
+  file.at("/a").soft_link("once", "/a").soft_link("twice", "/a/once");
+  const Id few(H5Pcreate(H5P_GROUP_ACCESS), "list");
+  Check(H5Pset_nlinks(few.get(), 1), "links");
+  OH5Reader reader(file.path().c_str(), 0);
+  EXPECT_GT(reader.OpenGroup(reader.GetFileId(), "/a/once", few.get()), 0);
+  EXPECT_LT(reader.OpenGroup(reader.GetFileId(), "/a/twice", few.get()), 0);
+  EXPECT_LT(reader.OpenObject(reader.GetFileId(), "/a/twice", few.get()), 0);
+  EXPECT_GT(reader.OpenGroup(reader.GetFileId(), "/a/twice", 0), 0);
+}
+
 TEST_F(FileAccess, ReadsAFileThatAnotherProcessHasLocked) {
   const int holder = open(path_.c_str(), O_RDWR);
   ASSERT_EQ(flock(holder, LOCK_EX | LOCK_NB), 0);

@@ -1,5 +1,6 @@
 // Files that lead to other files, and names that are no regular files. Damage inside a file is for the fuzz tests.
 
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +18,25 @@ namespace {
 using namespace orv_test;
 
 constexpr char kBlock[] = "/post/constant/b";
+
+/// Opens of a file since the watch was made, by whomever.
+class Opens {
+ public:
+  explicit Opens(const std::string& path) : watch_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+    EXPECT_GE(inotify_add_watch(watch_, path.c_str(), IN_OPEN), 0);
+  }
+  Opens(const Opens&) = delete;
+  Opens& operator=(const Opens&) = delete;
+  ~Opens() { close(watch_); }
+
+  bool HaveHappened() const {
+    inotify_event event = {};
+    return read(watch_, &event, sizeof event) > 0;
+  }
+
+ private:
+  int watch_;
+};
 
 class HostileFile : public H5Test {
  protected:
@@ -96,6 +116,48 @@ TEST_F(HostileFile, WithALinkToAGroupOfAnotherFileIsNotFollowed) {
   EXPECT_EQ(reader.GetChildByIndex(block, 0, name, &child, 0), 0);
   EXPECT_EQ(name, "out");
   EXPECT_LT(child, 0);
+}
+
+TEST_F(HostileFile, WithARoadThroughALinkOutsideIsShutForTheAccessListOfAHost) {
+  file_.external_link("out", other_.path(), "/post/constant/b").soft_link("road", "/post/constant/b/out/g");
+  const Id follows(H5Pcreate(H5P_GROUP_ACCESS), "list");
+  OH5Reader reader(file_.path().c_str(), 0);
+  const hid_t block = reader.OpenGroup(reader.GetFileId(), kBlock, follows.get());
+  ASSERT_GE(block, 0);
+  for (const char* name : {"out/g", "/post/constant/b/out/g", "road", "out/d"}) {
+    EXPECT_LT(reader.OpenGroup(block, name, follows.get()), 0) << name;
+    EXPECT_LT(reader.OpenObject(block, name, follows.get()), 0) << name;
+  }
+  std::string name;
+  hid_t child = 5;
+  EXPECT_EQ(reader.GetChildByIndex(block, 1, name, &child, follows.get()), 0);
+  EXPECT_EQ(name, "road");
+  EXPECT_LT(child, 0);
+}
+
+TEST_F(HostileFile, IsNotLeftWhenALinkIsAskedFor) {
+  other_.at(kBlock).soft_link("s", "/secret");
+  const std::string other = other_.path();
+  file_.external_link("out", other, kBlock).soft_link("road", "/post/constant/b/out");
+  const Location place(file_.path(), kBlock);
+  OH5Reader reader;
+  const Opens opens(other);
+  for (const std::string name : {"out/s", "road/s", "out/g"}) {
+    std::string target = "before", file = "before";
+    reader.GetLinkInfo(place.id(), name, target, file);
+    EXPECT_EQ(target, "") << name;
+    char buffer[3000] = "before";
+    OH5GetLinkTarget(place.id(), name.c_str(), buffer, nullptr);
+    EXPECT_STREQ(buffer, "") << name;
+    H5L_info1_t info = {};
+    info.type = H5L_TYPE_SOFT;
+    info.u.val_size = sizeof "/secret";
+    OH5GetLinkTarget(place.id(), name.c_str(), buffer, &info);
+    EXPECT_STREQ(buffer, "") << name;
+  }
+  EXPECT_FALSE(opens.HaveHappened());
+  std::ifstream(other).get();
+  EXPECT_TRUE(opens.HaveHappened());
 }
 
 TEST_F(HostileFile, WithALinkOutsideInTheMiddleOfAPathIsNotFollowed) {
