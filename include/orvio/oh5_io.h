@@ -29,7 +29,7 @@ ORVIO_EXPORT int OH5Read_SELECTIVE(hid_t loc, const char* name, int rank, const 
 ORVIO_EXPORT int OH5Read_ATTRIBUTE(hid_t loc, const char* name, int rank, const hsize_t* dims, _ORVDataType type,
                                    void* buffer);
 
-/// Type of a dataset by name; ORV_NO_DATASET and status 0 when the link is missing.
+/// Type of a dataset by name, whatever filters it has; ORV_NO_DATASET and status 0 when the link is missing.
 ORVIO_EXPORT int OH5Read_DATATYPE(hid_t loc, const char* name, _ORVDataType* type);
 
 /// Type of an open dataset; status 1 and ORV_UNKNOWN_TYPE for a stored type that the library does not know.

@@ -37,8 +37,8 @@ class ORVIO_EXPORT IOH5Reader {
   virtual int GetChildByIndex(hid_t group, int index, std::string& name, hid_t* child, hid_t access) = 0;
   virtual int GetLocationStrings(std::string& first, std::string& second, std::string& third, std::string& fourth) = 0;
   /// Rank, extents, element count and type of a dataset. `dims` has room for 32 entries. `filters` may be null,
-  /// else the ids of the dataset's filters are appended. A stored type that the library does not know gives
-  /// ORV_UNKNOWN_TYPE and status 0.
+  /// else the ids of the dataset's filters are appended, those that no read goes through, too. A stored type that the
+  /// library does not know gives ORV_UNKNOWN_TYPE and status 0.
   virtual int GetDatasetInfo(hid_t loc, const std::string& name, int& rank, hsize_t* dims, hsize_t& total,
                              _ORVDataType& type, std::vector<int>* filters) = 0;
   virtual hid_t OpenObject(hid_t loc, const char* name, hid_t access) = 0;

@@ -155,7 +155,7 @@ int OH5Reader::GetDatasetInfo(hid_t loc, const std::string& name, int& rank, hsi
   total = 0;
   if (loc < 0 || !dims) return kFail;
   return h5::Entry(kFail, [&] {
-    h5::StoredDataset dataset(loc, name.c_str());
+    h5::StoredDataset dataset(loc, name.c_str(), h5::DatasetUse::kDescription);
     const h5::Extents& stored = dataset.extents();
     if (!dataset || stored.rank < 1) return kFail;
     type = dataset.exact_type();

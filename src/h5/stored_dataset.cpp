@@ -44,7 +44,7 @@ bool HasFittingChunks(hid_t creation_list, const Extents& extents, std::uint64_t
 
 }  // namespace
 
-StoredDataset::StoredDataset(hid_t loc, const char* name) {
+StoredDataset::StoredDataset(hid_t loc, const char* name, DatasetUse use) : use_(use) {
   if (IsIndexed(loc) && FindIndexed(loc, name)) return;
   const Hdf5Location by_hdf5(loc);
   Open(by_hdf5.get(), name);
@@ -124,9 +124,9 @@ const char* StoredDataset::Refusal() {
   const H5D_layout_t layout = H5Pget_layout(creation_list_.get());
   if (layout == H5D_CHUNKED) {
     if (!HasFittingChunks(creation_list_.get(), extents_, element, total)) return "\n\t its chunks are impossible";
-    return FiltersFit(creation_list_.get(), type_.get(), extents_.rank)
-               ? nullptr
-               : "\n\t its filters are not those of the format";
+    if (use_ == DatasetUse::kDescription || FiltersFit(creation_list_.get(), type_.get(), extents_.rank))
+      return nullptr;
+    return "\n\t its filters are not those of the format";
   }
   const hsize_t stored = plain ? H5Dget_storage_size(dataset_.get()) : 0;
   return stored == 0 || stored == total ? nullptr : "\n\t its storage does not fit its extents";

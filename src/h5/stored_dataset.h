@@ -24,6 +24,10 @@ struct IndexedValues {
   structure::Catalogue::Values values;
 };
 
+/// What a dataset is wanted for. A description tells of values that nobody may read: whatever filters they have gone
+/// through, none of them runs.
+enum class DatasetUse { kValues, kDescription };
+
 /// A dataset that may be read and written: its values lie in the file itself, the filters over them are those of the
 /// format with the parameters that belong to its type and chunks, and what its extents claim fits its storage. Any other
 /// is refused before a value is read; one that leads out of the file, before HDF5 is asked for its extents.
@@ -32,7 +36,7 @@ class StoredDataset {
   /// None.
   StoredDataset() = default;
   /// The dataset of that name, or none: ask the object. `name` may be a path.
-  StoredDataset(hid_t loc, const char* name);
+  StoredDataset(hid_t loc, const char* name, DatasetUse use = DatasetUse::kValues);
 
   explicit operator bool() const { return static_cast<bool>(dataset_) || indexed_; }
   /// Whether there is not even a link of that name.
@@ -71,6 +75,7 @@ class StoredDataset {
   StoredDataset& ByHdf5();
   const char* Refusal();
 
+  DatasetUse use_ = DatasetUse::kValues;
   Dataset dataset_;
   PropertyList creation_list_;
   Type type_;

@@ -233,7 +233,7 @@ int OH5Read_DATATYPE(hid_t loc, const char* name, _ORVDataType* type) {
   *type = ORV_UNKNOWN_TYPE;
   if (!name) return kFail;
   return h5::Entry(kFail, [&] {
-    h5::StoredDataset dataset(loc, name);
+    h5::StoredDataset dataset(loc, name, h5::DatasetUse::kDescription);
     if (dataset.is_missing()) {
       *type = ORV_NO_DATASET;
       return kOk;

@@ -4,6 +4,7 @@
 
 #include "h5/entry.h"
 #include "h5/h5_test.h"
+#include "orvio/oh5_reader.h"
 
 namespace {
 
@@ -62,6 +63,20 @@ TEST_F(Plugin, IsNotLoadedByAReadOfValues) {
   EXPECT_EQ(OH5Read_DATASET(place.id(), "d", 1, two, ORV_INT, values), 1);
   EXPECT_EQ(OH5Read_SELECTIVE(place.id(), "d", 1, zero, two, nullptr, nullptr, ORV_INT, values), 1);
   EXPECT_EQ(values[0], -1);
+  EXPECT_EQ(std::getenv("ORVIO_TRAP"), nullptr);
+}
+
+TEST_F(Plugin, IsNotLoadedByADescription) {
+  const Location place(path_, kBlock);
+  auto type = ORV_UNKNOWN_TYPE;
+  EXPECT_EQ(OH5Read_DATATYPE(place.id(), "d", &type), 0);
+  EXPECT_EQ(type, ORV_INT);
+  OH5Reader reader;
+  int rank = 0;
+  hsize_t dims[H5S_MAX_RANK] = {}, total = 0;
+  std::vector<int> filters;
+  EXPECT_EQ(reader.GetDatasetInfo(place.id(), "d", rank, dims, total, type, &filters), 0);
+  EXPECT_EQ(filters, std::vector<int>{kTrap});
   EXPECT_EQ(std::getenv("ORVIO_TRAP"), nullptr);
 }
 

@@ -251,6 +251,10 @@ TEST_F(Reader, FailsForAChildWhoseNameDoesNotFit512Bytes) {
   EXPECT_GE(child, 0);
 }
 
+constexpr H5Z_filter_t kOwnFilter = 32001;
+
+size_t PassThrough(unsigned, size_t, const unsigned[], size_t bytes, size_t*, void**) { return bytes; }
+
 class DatasetInfo : public Reader {
  protected:
   int Get(const char* name, bool with_filters = true) {
@@ -291,6 +295,37 @@ TEST_F(DatasetInfo, AppendsTheFiltersInTheirOrder) {
   EXPECT_EQ(filters_, (std::vector<int>{7, H5Z_FILTER_SHUFFLE, H5Z_FILTER_SCALEOFFSET, H5Z_FILTER_FLETCHER32}));
   EXPECT_EQ(Get("d", false), 0);
   EXPECT_EQ(type_, ORV_INT);
+}
+
+TEST_F(DatasetInfo, TellsOfFiltersThatAreNotThoseOfTheFormat) {
+  const H5Z_class2_t filter = {H5Z_CLASS_T_VERS, kOwnFilter, 1, 1, "own", nullptr, nullptr, PassThrough};
+  Check(H5Zregister(&filter), "register");
+  file_.at("/post/constant").raw([](hid_t here) {
+    const hsize_t dims[] = {4};
+    const std::int32_t values[] = {1, 2, 3, 4};
+    const Id space(H5Screate_simple(1, dims, nullptr), "space");
+    const Id list(H5Pcreate(H5P_DATASET_CREATE), "list");
+    Check(H5Pset_chunk(list.get(), 1, dims), "chunk");
+    Check(H5Pset_nbit(list.get()), "nbit");
+    Check(H5Pset_filter(list.get(), kOwnFilter, H5Z_FLAG_OPTIONAL, 0, nullptr), "own filter");
+    const Id made(H5Dcreate2(here, "d", H5T_NATIVE_INT, space.get(), H5P_DEFAULT, list.get(), H5P_DEFAULT), "d");
+    Check(H5Dwrite(made.get(), H5T_NATIVE_INT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values), "values");
+  });
+  (void)file_.path();  // closed
+  Check(H5Zunregister(kOwnFilter), "unregister");
+  const hid_t place = Group("/post/constant");
+  EXPECT_EQ(Get("d"), 0);
+  EXPECT_EQ(rank_, 1);
+  EXPECT_EQ(dims_[0], 4u);
+  EXPECT_EQ(type_, ORV_INT);
+  EXPECT_EQ(filters_, (std::vector<int>{7, H5Z_FILTER_NBIT, kOwnFilter}));
+  auto type = ORV_UNKNOWN_TYPE;
+  EXPECT_EQ(OH5Read_DATATYPE(place, "d", &type), 0);
+  EXPECT_EQ(type, ORV_INT);
+  const hsize_t four[] = {4};
+  std::int32_t values[4] = {-1, -1, -1, -1};
+  EXPECT_EQ(OH5Read_DATASET(place, "d", 1, four, ORV_INT, values), 1);
+  EXPECT_EQ(values[0], -1);
 }
 
 TEST_F(DatasetInfo, GivesAnUnknownTypeWithSuccess) {
