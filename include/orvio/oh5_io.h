@@ -109,6 +109,6 @@ ORVIO_EXPORT int OH5CloseBlockSubGroups(hid_t header, hid_t data, hid_t index);
 ORVIO_EXPORT hid_t OH5OpenGroupChain(const char* name, hid_t* file, const std::string& path);
 
 extern "C" {
-/// H5Eset_auto2 for `stack`, or for the default stack when it is below 1.
+/// H5Eset_auto2 for `stack`, or for the default stack when it is below 1. What a callback sets stays set.
 ORVIO_EXPORT int OH5SetErrorHandler(hid_t stack, H5E_auto2_t func, void* data);
 }

@@ -25,7 +25,7 @@ using namespace orvio;
 
 int ORVFiler::InitForWriting(const char* name, _ORVVersion version, _ORVFileMode mode, bool keepTree) {
   // For good, and not as an Entry does it: a writer's host wants no HDF5 output from here on.
-  (void)H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);  // cannot fail for the default stack
+  (void)h5::QuietHdf5::SetForGood(nullptr, nullptr);  // cannot fail for the default stack
   return h5::Entry(kFail, [&] {
     ORVContainer* made = nullptr;
     const int status = MakeFileForWriting(name, version, mode, keepTree, &made);

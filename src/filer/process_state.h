@@ -24,6 +24,7 @@ class CheckedFiles;
 class FileInUse;
 class IndexedFile;
 class KeptFiles;
+class QuietHdf5;
 class WrittenFile;
 struct HeldSnapshots;
 }  // namespace h5
@@ -88,6 +89,7 @@ struct ProcessState {
   bool is_among_itself = false;                 ///< no code of a host runs before the running operation ends
   int entries = 0;                              ///< exported operations that run, one inside the other
   unsigned exceptions = 0;                      ///< that became failures; see h5::WholeEntry
+  h5::QuietHdf5* quiet = nullptr;               ///< of those that have something to put back, the innermost
 };
 
 ProcessState& process();

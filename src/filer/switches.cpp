@@ -81,8 +81,9 @@ void ORVErrorDefultHandler(int code, const char* text) {
 
 int OH5SetErrorHandler(hid_t stack, H5E_auto2_t func, void* data) {
   // Not an Entry: the setting made here is to stay. HDF5 would tell of a wrong id aloud.
-  if (stack >= 1 && H5Iget_type(stack) != H5I_ERROR_STACK) return 1;
-  return H5Eset_auto2(stack < 1 ? H5E_DEFAULT : stack, func, data) < 0 ? 1 : 0;
+  if (stack < 1) return orvio::h5::QuietHdf5::SetForGood(func, data) < 0 ? 1 : 0;
+  if (H5Iget_type(stack) != H5I_ERROR_STACK) return 1;
+  return H5Eset_auto2(stack, func, data) < 0 ? 1 : 0;
 }
 
 void ORVFiler::SetVerbosCallback(ORVMessageCallBack callback) {

@@ -16,12 +16,16 @@ class QuietHdf5 {
   QuietHdf5(const QuietHdf5&) = delete;
   QuietHdf5& operator=(const QuietHdf5&) = delete;
 
+  /// H5Eset_auto2 for the default stack that outlives the operations that run: they put this back.
+  static herr_t SetForGood(H5E_auto2_t func, void* data) noexcept;
+
  private:
   unsigned is_v2_ = 1;
   H5E_auto1_t func1_ = nullptr;
   H5E_auto2_t func2_ = nullptr;
   void* data_ = nullptr;
-  bool known_ = false;
+  bool is_put_back_ = false;
+  QuietHdf5* outer_ = nullptr;
   unsigned plugins_ = 0;
   bool outermost_ = false;  ///< others inside find plugins off already
 };

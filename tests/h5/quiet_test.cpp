@@ -20,6 +20,8 @@ herr_t HandlerOfHost(hid_t, void*) {
   return 0;
 }
 
+herr_t OtherHandlerOfHost(hid_t, void*) { return 0; }
+
 herr_t OldHandlerOfHost(void*) {
   ++v1_calls;
   return 0;
@@ -32,6 +34,14 @@ void FailInside() {
   EXPECT_EQ(OH5Read_ATTRIBUTE(-1, "x", 0, nullptr, ORV_INT, &value), 1);
   EXPECT_EQ(OH5Write_INT(-1, "x", 0, nullptr, ORV_INT, &value), 1);
   EXPECT_EQ(OH5WriteOpenFile("/nowhere/at/all", ORV_FILE_CREATE, &file), 4);
+}
+
+/// The handler of HDF5's second generation that is set.
+H5E_auto2_t HandlerNow() {
+  H5E_auto2_t func = nullptr;
+  void* data = nullptr;
+  EXPECT_GE(H5Eget_auto2(H5E_DEFAULT, &func, &data), 0);
+  return func;
 }
 
 class Quiet : public H5Test {
@@ -88,6 +98,25 @@ TEST_F(Quiet, LeavesPrintingOffWhereTheHostHadItOff) {
   EXPECT_GE(H5Eget_auto2(H5E_DEFAULT, &func, &data), 0);
   EXPECT_EQ(func, nullptr);
   EXPECT_EQ(data, nullptr);
+}
+
+TEST_F(Quiet, LeavesAHandlerThatIsSetInsideSeveralOperations) {
+  for (const bool first_generation : {false, true}) {
+    if (first_generation) {
+      ASSERT_GE(H5Eset_auto1(OldHandlerOfHost, &data_of_host), 0);
+    } else {
+      ASSERT_GE(H5Eset_auto2(H5E_DEFAULT, func_, data_), 0);
+    }
+    orvio::h5::EntryVoid([] {
+      Check(H5Eset_auto2(H5E_DEFAULT, OtherHandlerOfHost, nullptr),
+            "set");  // as a host does, to be put back by the inner
+      orvio::h5::EntryVoid([] { EXPECT_EQ(OH5SetErrorHandler(0, HandlerOfHost, &data_of_host), 0); });
+      EXPECT_EQ(HandlerNow(), &HandlerOfHost);
+    });
+    EXPECT_EQ(HandlerNow(), &HandlerOfHost);
+  }
+  EXPECT_EQ(OH5SetErrorHandler(0, nullptr, nullptr), 0);
+  EXPECT_EQ(HandlerNow(), nullptr);
 }
 
 TEST_F(Quiet, TurnsExceptionsIntoTheFailureOfTheOperation) {
