@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "filer/process_state.h"
+#include "h5/entry.h"
 #include "orvio/orv_filer.h"
 
 namespace orvio {
@@ -16,7 +17,7 @@ constexpr std::size_t kMessageBytes = 2048;  // room for two names of full width
 
 void Send(ORVMessageCallBack callback, _ORVMesgType type, const char* format, va_list arguments) {
   if (!callback) return;
-  const Swapped with_host(process().is_among_itself, false);
+  const h5::HostCode with_host;
   char text[kMessageBytes];
   (void)std::vsnprintf(text, sizeof text, format, arguments);  // cut where it is too long
   callback(type, text);

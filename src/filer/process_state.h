@@ -86,7 +86,7 @@ struct ProcessState {
   h5::FileInUse* file_in_use = nullptr;         ///< of the running operation, the innermost
   h5::KeptFiles* kept_files = nullptr;          ///< made at the first wish, never destroyed
   h5::HeldSnapshots* held_snapshots = nullptr;  ///< of the running operation; made at the first, never destroyed
-  bool is_among_itself = false;                 ///< no code of a host runs before the running operation ends
+  bool is_among_itself = false;                 ///< code of the library runs, and none of a host but in a HostCode
   int entries = 0;                              ///< exported operations that run, one inside the other
   unsigned exceptions = 0;                      ///< that became failures; see h5::WholeEntry
   h5::QuietHdf5* quiet = nullptr;               ///< of those that have something to put back, the innermost

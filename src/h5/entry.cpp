@@ -58,4 +58,11 @@ herr_t QuietHdf5::SetForGood(H5E_auto2_t func, void* data) noexcept {
   return H5Eset_auto2(H5E_DEFAULT, func, data);
 }
 
+HostCode::HostCode() noexcept : was_among_itself_(std::exchange(process().is_among_itself, false)) {}
+
+HostCode::~HostCode() {
+  process().is_among_itself = was_among_itself_;
+  if (process().entries > 0) Silence();
+}
+
 }  // namespace orvio::h5

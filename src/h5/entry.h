@@ -1,6 +1,7 @@
 #pragma once
 
-// The frame around every exported operation: inside, HDF5 is silent and loads no code; no exception leaves.
+// The frame around every exported operation: inside, HDF5 is silent and loads no code; no exception leaves. And that
+// around code of a host that is called inside.
 
 #include <hdf5.h>
 
@@ -28,6 +29,19 @@ class QuietHdf5 {
   QuietHdf5* outer_ = nullptr;
   unsigned plugins_ = 0;
   bool outermost_ = false;  ///< others inside find plugins off already
+};
+
+/// Around code of a host that runs inside an operation. What it asks of the library is no step of that operation, and what
+/// it makes of HDF5's printing is not for the rest of the operation.
+class HostCode {
+ public:
+  HostCode() noexcept;
+  ~HostCode();
+  HostCode(const HostCode&) = delete;
+  HostCode& operator=(const HostCode&) = delete;
+
+ private:
+  bool was_among_itself_;
 };
 
 /// Counts an exception that becomes a failure here; see WholeEntry.

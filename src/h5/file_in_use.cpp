@@ -24,21 +24,25 @@ std::shared_ptr<FileSnapshot> SnapshotOf(hid_t file) {
   return H5Fget_vfd_handle(file, H5P_DEFAULT, &place) < 0 ? nullptr : FindHeldSnapshot(place);
 }
 
+/// None for code of a host, which opens files of its own.
+FileInUse* Current() { return process().is_among_itself ? process().file_in_use : nullptr; }
+
 }  // namespace
 
 FileInUse::FileInUse(const char* file) : was_among_itself_(process().is_among_itself) {
-  if (file && !IsUsed(file)) Begin(file);
+  if (!file) return;
+  if (!IsUsed(file)) Begin(file);
   process().is_among_itself = true;
 }
 
 hid_t FileInUse::FindGroup(hid_t file, std::string_view question) {
-  const FileInUse* use = process().file_in_use;
+  const FileInUse* use = Current();
   const bool is_answered = use && use->answered_.file == file && use->answered_.question == question;
   return is_answered ? Shared(use->answered_.group.get()) : H5I_INVALID_HID;
 }
 
 void FileInUse::RememberGroup(hid_t file, std::string question, hid_t group) {
-  FileInUse* use = process().file_in_use;
+  FileInUse* use = Current();
   if (use && group > 0) use->answered_ = {file, std::move(question), Group(Shared(group))};
 }
 

@@ -12,10 +12,11 @@
 namespace orvio::h5 {
 
 /// While it lives, all readers of a file that the library makes for itself are one: through what is known of the file, or
-/// else by HDF5. But for messages, no code of a host runs meanwhile.
+/// else by HDF5. Code of a host that is called meanwhile, in a HostCode, gets readers of its own: the groups of the one
+/// may be none that HDF5 knows, and it ends with the operation.
 class FileInUse {
  public:
-  /// Null: no file.
+  /// Null: no file, and nothing is changed.
   explicit FileInUse(const char* file);
   FileInUse(const FileInUse&) = delete;
   FileInUse& operator=(const FileInUse&) = delete;

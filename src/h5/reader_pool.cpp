@@ -32,9 +32,13 @@ class IndexedReader : public OH5Reader {
   ~IndexedReader() override { m_file = -1; }  // the file is closed by who uses it
 };
 
+/// Whether code of a host asks that an operation has called: it may give the groups to HDF5, and keep the reader.
+bool IsOfHostInside() { return orvio::process().file_in_use && !orvio::process().is_among_itself; }
+
 }  // namespace
 
 IOH5Reader* OH5ReaderPool::Request(const char* file, unsigned flags) {
+  if (IsOfHostInside()) return new OH5Reader(KeyOf(file).c_str(), flags);
   if (const orvio::h5::IndexedFile* indexed = orvio::h5::FindIndexedFile(file); indexed && flags == 0) {
     return new IndexedReader(*indexed);
   }

@@ -10,7 +10,7 @@
 #include "orvio/oh5_reader.h"
 
 /// Hands out readers by file path and can keep up to a limit of them open between requests. Only files that are
-/// marked stay open; no operation of the library marks one, so a reader lives from request to release.
+/// marked stay open; a FileInUse marks one for the length of an operation, else a reader lives from request to release.
 class OH5ReaderPool {
  public:
   /// The pool of the process, made at the first call.
@@ -20,7 +20,8 @@ class OH5ReaderPool {
   static std::string KeyOf(const char* file);
 
   /// A reader for a file; the caller gives it back with Release. One that failed to open is answered all the
-  /// same: its file id is negative. A kept reader is answered whatever `flags` is asked.
+  /// same: its file id is negative. A kept reader is answered whatever `flags` is asked, but never to code of a host
+  /// that an operation has called.
   IOH5Reader* Request(const char* file, unsigned flags);
 
   /// Takes a reader back and clears the pointer. 1 when there is none.

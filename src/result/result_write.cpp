@@ -66,7 +66,7 @@ bool IsIdDataset(hid_t file, const std::string& path, const Shape& shape, _ORVDa
 
 /// The path that a block's callback tells; empty for none.
 std::string AskForIds(ORVResult& block) {
-  const Swapped with_host(process().is_among_itself, false);
+  const h5::HostCode with_host;
   char path[disk::kNameWidth] = {};
   (void)block.m_linkCallBack(ORV_ATT_IDS, &block, path, nullptr);  // the path tells, not the answer
   path[sizeof path - 1] = '\0';

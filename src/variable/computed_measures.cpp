@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "filer/container.h"
+#include "h5/entry.h"
 #include "h5/status.h"
 #include "orvio/orv_filer.h"
 
@@ -88,6 +89,7 @@ ORVExtVarType* GetExtendedInfo(ORVFiler& filer, const ORVContainer& data, ORVRes
   if (!data.computed_types) return FindBuiltInMeasures(shape, var_class);
   constexpr int kVariableIsExtended = 1;  // the one reason for which a handler is asked
   ORVFilerExtendComputedTypeCallBackData request = {&filer, kVariableIsExtended, result, &variable};
+  const h5::HostCode with_host;
   return data.computed_types(data.callback_client, request);
 }
 

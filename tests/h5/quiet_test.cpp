@@ -119,6 +119,30 @@ TEST_F(Quiet, LeavesAHandlerThatIsSetInsideSeveralOperations) {
   EXPECT_EQ(HandlerNow(), nullptr);
 }
 
+TEST_F(Quiet, CallsNoHandlerThatCodeOfAHostHasSetInsideBeforeTheEnd) {
+  orvio::h5::EntryVoid([] {
+    const orvio::Swapped among_itself(orvio::process().is_among_itself, true);
+    {
+      const orvio::h5::HostCode with_host;
+      EXPECT_EQ(OH5SetErrorHandler(0, HandlerOfHost, &data_of_host), 0);
+      FailInside();
+      EXPECT_EQ(v2_calls, 0);
+      EXPECT_LT(H5Gopen2(-1, "x", H5P_DEFAULT), 0);
+      EXPECT_EQ(v2_calls, 1);
+    }
+    FailInside();
+    EXPECT_LT(H5Gopen2(-1, "x", H5P_DEFAULT), 0);
+    EXPECT_EQ(v2_calls, 1);
+  });
+  EXPECT_EQ(HandlerNow(), &HandlerOfHost);
+}
+
+TEST_F(Quiet, LeavesPrintingAloneAfterCodeOfAHostThatNoOperationCalls) {
+  { const orvio::h5::HostCode with_host; }
+  EXPECT_NE(func_, nullptr);
+  EXPECT_EQ(HandlerNow(), func_);
+}
+
 TEST_F(Quiet, TurnsExceptionsIntoTheFailureOfTheOperation) {
   EXPECT_EQ(orvio::h5::Entry(7, []() -> int { throw std::bad_alloc(); }), 7);
   EXPECT_EQ(orvio::h5::Entry(7, []() -> int { throw std::runtime_error("x"); }), 7);
