@@ -64,7 +64,7 @@ Dataset CreateGrowing(const Growth& growth, hid_t type) {
       H5Pset_chunk(list.get(), growth.rank, growth.count) < 0 || !AddFilter(list.get(), growth)) {
     return Dataset();
   }
-  return Dataset(H5Dcreate2(growth.loc, growth.name, type, space.get(), H5P_DEFAULT, list.get(), H5P_DEFAULT));
+  return Dataset(H5Dcreate2(growth.loc, growth.name, type, space.get(), H5P_DEFAULT, list.get(), DatasetAccess()));
 }
 
 /// How an existing dataset grows. Without `extent` numbers grow by one along the second axis, of which rank 1 has

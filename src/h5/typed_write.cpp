@@ -82,7 +82,7 @@ int WriteAndClose(Opened dataset, const Write& write, hid_t memory_type) {
 int WriteNew(const Write& write, hid_t type, hid_t creation_list) {
   const Space space = SpaceOf(write.rank, write.dims);
   return WriteAndClose(
-      Dataset(H5Dcreate2(write.loc, write.name, type, space.get(), H5P_DEFAULT, creation_list, H5P_DEFAULT)), write,
+      Dataset(H5Dcreate2(write.loc, write.name, type, space.get(), H5P_DEFAULT, creation_list, DatasetAccess())), write,
       type);
 }
 

@@ -169,6 +169,18 @@ TEST_F(HostileFile, WithALinkOutsideInTheMiddleOfAPathIsNotFollowed) {
   EXPECT_EQ(values[0], -1);
 }
 
+TEST_F(HostileFile, WithALinkOutsideInTheMiddleOfAPathIsNotWrittenThrough) {
+  file_.external_link("out", other_.path(), "/post/constant");
+  const Location place(file_.path(), kBlock, H5F_ACC_RDWR);
+  const std::int32_t values[] = {1, 2};
+  const hsize_t two[] = {2};
+  const hsize_t start[] = {0};
+  EXPECT_EQ(OH5Write_INT(place.id(), "out/b/new", 1, two, ORV_INT, values), 1);
+  EXPECT_EQ(OH5Write_CHAR(place.id(), "out/b/new", 1, two, 4, "ab  cdef"), 1);
+  EXPECT_EQ(OH5Write_SELECTIVE(place.id(), "out/b/new", 1, start, two, nullptr, nullptr, ORV_INT, nullptr, values), 1);
+  EXPECT_FALSE(RawFile(other_.path()).exists("/post/constant/b/new"));
+}
+
 TEST_F(HostileFile, WithARootInAnotherFileListsItNot) {
   file_.at("/").external_link("stranger", other_.path(), "/post");
   OH5Reader reader(file_.path().c_str(), 0);
