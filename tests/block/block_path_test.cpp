@@ -145,17 +145,33 @@ TEST_F(BlockPath, FindsAStateByItsPositionAndNotByItsName) {
   EXPECT_EQ(TypeGroup(200, 2147483647), "failed, /post");
 }
 
+/// A block below a root of its own.
+class RootedBlock : public RecordingBlock {
+ public:
+  explicit RootedBlock(const char* root) : RecordingBlock(200), root_(root) {}
+  hid_t OpenBlockGroup(int state) override {
+    path = root_;
+    if (ORVBlockPathResolver(this).AppendTypeGroup(path, state) != 0) return H5I_INVALID_HID;
+    return GetH5Reader()->OpenGroup(GetH5Reader()->GetFileId(), path.c_str(), H5P_DEFAULT);
+  }
+
+  std::string path;
+
+ private:
+  const char* root_;
+};
+
 TEST_F(BlockPath, TakesTheStatesOfAnotherRootFromThere) {
-  file_.group("/mmc/singlestate/x/attributes");
-  (void)file_.path();                                           // on the disk
+  file_.group("/mmc/singlestate/x/attributes/header");
+  file_.group("/post/singlestate/a/attributes/header");
+  const std::string file = file_.path();
   std::this_thread::sleep_for(std::chrono::milliseconds(100));  // nothing is remembered of a file that has just changed
-  for (const char* root : {"/mmc", "/post", "/mmc"}) {
-    Open();
-    block_.m_BlkKey = 200;
-    std::string path = root;
-    EXPECT_EQ(resolver_.AppendTypeGroup(path, 1), 0);
-    EXPECT_EQ(path, *(root + 1) == 'm' ? "/mmc/singlestate/x/attributes" : "/post/singlestate/a/attributes");
-    block_.CloseH5Reader();
+  for (int i = 0; i < 2; ++i) {
+    RootedBlock other("/mmc"), ours("/post");
+    EXPECT_EQ(other.ReadBlock(file.c_str(), 1, ORV_READ_HEADER), 0);
+    EXPECT_EQ(other.path, "/mmc/singlestate/x/attributes");
+    EXPECT_EQ(ours.ReadBlock(file.c_str(), 1, ORV_READ_HEADER), 0);
+    EXPECT_EQ(ours.path, "/post/singlestate/a/attributes");
   }
 }
 
