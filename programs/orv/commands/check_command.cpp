@@ -11,8 +11,8 @@
 #include "checking/rules.h"
 #include "commands/commands.h"
 #include "commands/help_text.h"
-#include "commands/json_output.h"
-#include "commands/table.h"
+#include "printing/json_output.h"
+#include "printing/table.h"
 #include "suggestion.h"
 #include "trouble.h"
 

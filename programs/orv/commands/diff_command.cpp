@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "commands/commands.h"
-#include "commands/diff_output.h"
 #include "commands/help_text.h"
 #include "commands/id_list.h"
 #include "comparing/file_comparison.h"
+#include "printing/diff_output.h"
 #include "reading/state_selection.h"
 
 namespace orvio::program {

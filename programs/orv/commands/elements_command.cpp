@@ -6,10 +6,10 @@
 #include <string>
 
 #include "commands/commands.h"
-#include "commands/csv.h"
 #include "commands/help_text.h"
-#include "commands/json_output.h"
-#include "commands/table.h"
+#include "printing/csv.h"
+#include "printing/json_output.h"
+#include "printing/table.h"
 #include "reading/elements.h"
 #include "reading/file_model.h"
 

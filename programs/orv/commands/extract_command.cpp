@@ -9,8 +9,8 @@
 #include "commands/commands.h"
 #include "commands/help_text.h"
 #include "commands/id_list.h"
-#include "commands/json_output.h"
 #include "copying/extract.h"
+#include "printing/json_output.h"
 #include "reading/state_selection.h"
 
 namespace orvio::program {

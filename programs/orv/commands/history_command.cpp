@@ -9,12 +9,12 @@
 #include <string>
 
 #include "commands/commands.h"
-#include "commands/csv.h"
 #include "commands/help_text.h"
 #include "commands/id_list.h"
-#include "commands/json_output.h"
-#include "commands/table.h"
 #include "plot/line_plot.h"
+#include "printing/csv.h"
+#include "printing/json_output.h"
+#include "printing/table.h"
 #include "reading/history.h"
 #include "reading/units.h"
 #include "reading/values.h"

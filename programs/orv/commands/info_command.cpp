@@ -9,9 +9,9 @@
 
 #include "commands/commands.h"
 #include "commands/help_text.h"
-#include "commands/json_output.h"
-#include "commands/ranges.h"
-#include "commands/table.h"
+#include "printing/json_output.h"
+#include "printing/ranges.h"
+#include "printing/table.h"
 #include "reading/file_model.h"
 #include "reading/units.h"
 

@@ -13,9 +13,9 @@
 
 #include "commands/commands.h"
 #include "commands/help_text.h"
-#include "commands/json_output.h"
 #include "linking/link.h"
 #include "linking/sidecar.h"
+#include "printing/json_output.h"
 #include "trouble.h"
 
 namespace orvio::program {

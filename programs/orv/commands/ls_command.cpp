@@ -8,8 +8,8 @@
 
 #include "commands/commands.h"
 #include "commands/help_text.h"
-#include "commands/json_output.h"
-#include "commands/table.h"
+#include "printing/json_output.h"
+#include "printing/table.h"
 #include "reading/file_tree.h"
 
 namespace orvio::program {

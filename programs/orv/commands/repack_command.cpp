@@ -8,8 +8,8 @@
 #include "commands/commands.h"
 #include "commands/format_version.h"
 #include "commands/help_text.h"
-#include "commands/json_output.h"
 #include "copying/repack.h"
+#include "printing/json_output.h"
 
 namespace orvio::program {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "commands/commands.h"
 #include "commands/help_text.h"
-#include "commands/json_output.h"
+#include "printing/json_output.h"
 #include "repairing/repair.h"
 
 namespace orvio::program {

@@ -9,11 +9,11 @@
 #include <string_view>
 
 #include "commands/commands.h"
-#include "commands/csv.h"
 #include "commands/help_text.h"
 #include "commands/id_list.h"
-#include "commands/json_output.h"
-#include "commands/table.h"
+#include "printing/csv.h"
+#include "printing/json_output.h"
+#include "printing/table.h"
 #include "reading/result_file.h"
 #include "reading/state_selection.h"
 #include "reading/units.h"

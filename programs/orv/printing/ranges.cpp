@@ -1,4 +1,4 @@
-#include "commands/ranges.h"
+#include "printing/ranges.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

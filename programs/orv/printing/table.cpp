@@ -1,6 +1,6 @@
 // Printing of tables.
 
-#include "commands/table.h"
+#include "printing/table.h"
 
 #include <fmt/format.h>
 

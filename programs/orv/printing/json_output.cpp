@@ -1,4 +1,4 @@
-#include "commands/json_output.h"
+#include "printing/json_output.h"
 
 #include <fmt/format.h>
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "commands/diff_output.h"
-#include "commands/json_output.h"
+#include "printing/diff_output.h"
+#include "printing/json_output.h"
 
 namespace orvio::program {
 namespace {

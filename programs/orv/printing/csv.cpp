@@ -1,6 +1,6 @@
 // Printing of comma-separated values.
 
-#include "commands/csv.h"
+#include "printing/csv.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 // What differs between two files, as lines for people.
 
-#include "commands/diff_output.h"
+#include "printing/diff_output.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/ranges.h"
+#include "printing/ranges.h"
 
 namespace orvio::program {
 namespace {
