@@ -12,6 +12,7 @@
 
 #include "block/block_write.h"
 #include "block/recording_block.h"
+#include "filer/process_state.h"
 #include "orvio/oh5_io.h"
 #include "orvio/orv_switches.h"
 #include "support/forged_file.h"
@@ -47,6 +48,16 @@ class BlockWrite : public OrvTest {
   ForgedFile file_;
   RecordingBlock block_;
 };
+
+TEST_F(BlockWrite, LeavesTheAccessOfReadsAsItWas) {
+  for (const unsigned before : {H5F_ACC_RDONLY, H5F_ACC_RDWR}) {
+    const orvio::Swapped access(orvio::process().g_nReadAccess, before);
+    EXPECT_EQ(Write(7), 0);
+    EXPECT_EQ(orvio::process().g_nReadAccess, before);
+    EXPECT_EQ(block_.WriteBlkGivenPath("/nowhere/file.orv", "/a/b", 7), 1);
+    EXPECT_EQ(orvio::process().g_nReadAccess, before);
+  }
+}
 
 class BlockWriteVersion : public BlockWrite, public ::testing::WithParamInterface<int> {};
 

@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "filer/process_state.h"
 #include "result/written_result.h"
 #include "support/full_disk.h"
 
@@ -55,6 +56,28 @@ TEST_F(ResultWrite, BelowStateOneGoesToTheConstantSection) {
   Nodes elements(1100);
   EXPECT_EQ(elements.Write(file.path(), -4, 1), 0);
   EXPECT_TRUE(RawFile(file.path()).exists("/post/constant/elementresults/Node/VELOCITY/header"));
+}
+
+TEST_F(ResultWrite, LeavesTheAccessOfReadsAsItWas) {
+  for (const unsigned before : {H5F_ACC_RDONLY, H5F_ACC_RDWR}) {
+    const orvio::Swapped access(orvio::process().g_nReadAccess, before);
+    ForgedFile file("write");
+    EXPECT_EQ(Nodes().Write(file.path(), 1), 0);
+    EXPECT_EQ(orvio::process().g_nReadAccess, before);
+    EXPECT_EQ(Nodes().Write(file.path(), 3), 1);
+    EXPECT_EQ(orvio::process().g_nReadAccess, before);
+    EXPECT_EQ(Nodes().Write("/nowhere/file.orv", 1), 1);
+    EXPECT_EQ(orvio::process().g_nReadAccess, before);
+  }
+}
+
+TEST_F(ResultWrite, RemembersTheFileThatItOpenedLast) {
+  const orvio::Swapped last(orvio::process().g_hLastFile, hid_t{0});
+  ForgedFile file("write");
+  EXPECT_EQ(Nodes().Write(file.path(), 1), 0);
+  EXPECT_GT(orvio::process().g_hLastFile, 0);
+  EXPECT_EQ(Nodes().Write("/nowhere/file.orv", 1), 1);
+  EXPECT_EQ(orvio::process().g_hLastFile, -1);
 }
 
 TEST_F(ResultWrite, OfMultiStateKindsMakesTheirSection) {

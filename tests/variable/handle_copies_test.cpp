@@ -106,6 +106,23 @@ TEST_F(HandleCopies, ArePassedOverWhereAResultGoesByTheName) {
   EXPECT_EQ(Copy({1}, 0, 1, {"speed_x"}, {0}, 1), 0);      // a handle has it, but no result
 }
 
+TEST_F(HandleCopies, ArePassedOverWhereAResultOverAllStatesGoesByTheName) {
+  ForgedValues temperature;
+  temperature.kind = 1050;
+  temperature.variable = "Temperature";
+  temperature.nent = 1;
+  temperature.nstate = 1;
+  ForgedModel model;
+  model.variable({.name = "Temperature", .key = "Temperature"}).in_multistate(temperature);
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  EXPECT_EQ(filer.InitReader(next_id), 0);
+  Ints iids = {filer.GetExtVariables().at(0)->GetIID()}, types = {0};
+  Names names = {"temperature"};
+  EXPECT_EQ(filer.CopyCreateExtendedVariables(iids, 0, 1, names, types, 2, false), 1);
+  EXPECT_EQ(filer.CopyCreateExtendedVariables(iids, 0, 1, names, types, 1, false), 0);
+}
+
 TEST_F(HandleCopies, LookForNoClashWithoutAListAndInTheSingleStateListOfBoth) {
   EXPECT_EQ(Copy({1}, 0, 1, {"Temperature"}, {0}, 0), 0);
   EXPECT_EQ(Copy({1}, 0, 1, {"Temperature"}, {0}, 3), 1);
