@@ -281,6 +281,40 @@ TEST_F(FilerWriting, ASelectiveWriteFollowsTheVersionOfTheFileThatIsRead) {
             1);
 }
 
+TEST_F(FilerWriting, ASelectiveWriteIntoAFileOfTheSingleLayoutMakesItsOneGroup) {
+  const std::string path = Make(ORV_VERSION_2_2);
+  ORVFiler filer(path.c_str());
+  std::vector<float> values = {1.5F, 2.5F};
+  ORVResult result = TemperatureBlock(values);
+  std::uint64_t start[] = {0, 0};
+  std::uint64_t count[] = {2, 1};
+  EXPECT_EQ(filer.WriteSelectiveResultAttribute(&result, 1, ORV_WRITE_DATA, ORV_ATT_RES, 2, start, count, nullptr,
+                                                nullptr, nullptr),
+            0);
+  EXPECT_EQ(ORVGetCurrentWriterVersion(), 1);
+  const std::string block = "/post/singlestate/state000000000001/entityresults/NODE/TEMP";
+  EXPECT_EQ(RawFile(path).children(block), (std::vector<std::string>{"orvblock"}));
+  EXPECT_EQ(RawFile(path).values<float>(block + "/orvblock/res"), (std::vector<float>{1.5F, 2.5F}));
+}
+
+TEST_F(FilerWriting, ASelectiveWriteNeedsAFileToReadAndMakesNone) {
+  std::vector<float> values = {1.5F, 2.5F};
+  ORVResult result = TemperatureBlock(values);
+  std::uint64_t start[] = {0, 0};
+  std::uint64_t count[] = {2, 1};
+  const auto write = [&](ORVFiler& filer) {
+    return filer.WriteSelectiveResultAttribute(&result, 1, ORV_WRITE_DATA, ORV_ATT_RES, 2, start, count, nullptr,
+                                               nullptr, nullptr);
+  };
+  ORVFiler none(nullptr);
+  EXPECT_EQ(write(none), 1);
+  const std::string path = TempPath("missing.orv");
+  ORVFiler missing(path.c_str());
+  EXPECT_EQ(write(missing), 1);
+  EXPECT_FALSE(std::ifstream(path).is_open());
+  EXPECT_EQ(ORVGetCurrentWriterVersion(), 1);
+}
+
 TEST_F(FilerWriting, WithoutAFileMadeForWritingNothingIsWritten) {
   const std::string path = Make(ORV_VERSION_2_2);
   const std::string before = BytesOf(path);
