@@ -211,6 +211,42 @@ TEST_P(ResultItem, ValuesAreTakenWithoutTheStateAxis) {
   }
 }
 
+TEST_P(ResultItem, OfPropertiesValuesHasEntitiesAndComponents) {
+  ForgedResult forged(GetParam(), "/post/constant/Node/VELOCITY");
+  forged.data().dataset<float>("res", {2, 3}, {1, 2, 3, 4, 5, 6});
+  ORVResult block = NodeBlock(500);
+  block.m_nent = 2;
+  block.m_ncoo = 3;
+  Floats values(6);
+  block.m_res = values.data();
+  EXPECT_EQ(block.ReadAttribute(forged.path().c_str(), 0, 2, ORV_ATT_RES), 0);
+  EXPECT_EQ(values, (Floats{1, 2, 3, 4, 5, 6}));
+}
+
+TEST_P(ResultItem, OfADatasetIsReadInTheTypeOfItsBuffer) {
+  ForgedResult forged(GetParam(), kShellPath);
+  forged.data().dataset<int>("idele", {2}, {5, 6}).dataset<int>("fid", {2}, {7, 8});
+  forged.data().dataset<float>("eloc", {1, 2}, {.5F, .25F});
+  forged.index().dataset<int>("indexident", {2}, {1, 3});
+  ORVResult block = ShellBlock(1100);
+  block.m_nent = block.m_ndim = block.m_nindex = 2;
+  block.m_numl = 1;
+  std::vector<std::int64_t> ids(2), frames(2), idents(2);
+  std::vector<double> locations(2);
+  block.m_entid = ids.data();
+  block.m_fid = frames.data();
+  block.m_indexident = idents.data();
+  block.m_eloc = locations.data();
+  block.m_entidType = block.m_fidType = block.m_indexidentType = ORV_LONG;
+  block.m_elocType = ORV_DOUBLE;
+  const std::string path = forged.path();
+  for (const int code : {13, 16, 17, 19}) EXPECT_EQ(block.ReadAttribute(path.c_str(), 1, 6, Att(code)), 0) << code;
+  EXPECT_EQ(ids, (std::vector<std::int64_t>{5, 6}));
+  EXPECT_EQ(frames, (std::vector<std::int64_t>{7, 8}));
+  EXPECT_EQ(idents, (std::vector<std::int64_t>{1, 3}));
+  EXPECT_EQ(locations, (std::vector<double>{.5, .25}));
+}
+
 TEST_P(ResultItem, OfIndexesIsARowWithoutStates) {
   ForgedResult forged(GetParam(), kNodePath);
   forged.index().dataset<int>("indexident", {2}, {1, 3}).dataset<float>("indexval", {2}, {.5F, 7});
