@@ -6,6 +6,7 @@
 
 #include "orvio/orv_types.h"
 #include "result/forged_result.h"
+#include "support/messages.h"
 
 namespace {
 
@@ -270,6 +271,18 @@ TEST_P(ResultHeader, TellsWhatIsMissingAndGoesOn) {
   forged.header().drop("ncoo");
   EXPECT_EQ(ReadHeaderOf(block, forged, kPlaces[0]), 1);
   EXPECT_STREQ(ORVGetLastErrorText(), "OH5Read_ATTRIBUTE::\n\t \"ncoo\" attribute not exist");
+}
+
+TEST_P(ResultHeader, TellsNoHandlerWhatIsMissing) {
+  const Messages messages;
+  ForgedResult forged = Forged(kPlaces[0]);
+  forged.header().retype("nindex").drop("fswitch");
+  ORVResult block = NodeBlock(1000);
+  EXPECT_EQ(ReadHeaderOf(block, forged, kPlaces[0]), 0);
+  forged.header().drop("ncoo");
+  EXPECT_EQ(ReadHeaderOf(block, forged, kPlaces[0]), 1);
+  EXPECT_EQ(block.ReadAttribute(forged.path().c_str(), 1, 1, ORV_ATT_NCOO), 1);
+  EXPECT_TRUE(messages.all().empty());
 }
 
 TEST_P(ResultHeader, ReadsNumbersOfAnyWidth) {
