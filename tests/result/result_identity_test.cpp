@@ -1,8 +1,11 @@
 // The kind of a result block, its names and its accessors. The path it has in a file is in result_paths_test, the header
 // in result_header_test.
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "orvio/orv_result.h"
 #include "support/orv_test.h"
@@ -234,6 +237,52 @@ TEST_F(ResultIdentity, FindsTheLoadCaseInAFieldWithoutATerminator) {
   EXPECT_TRUE(block.IsLoadCaseSeriesName(number));
   EXPECT_EQ(number, 0);
 }
+
+#ifdef __x86_64__  // elsewhere the numbers are encoded otherwise
+/// Position of a virtual operation in the table of its class, where two entries for the destructor come first.
+template <class Operation>
+std::ptrdiff_t PositionOf(Operation operation) {
+  std::ptrdiff_t word = 0;
+  std::memcpy(&word, &operation, sizeof word);
+  return (word - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
+}
+
+/// A block that can name what is protected.
+struct Operations : ORVResult {
+  using Select = int (ORVResult::*)(const char*, int, int, _ORVBlockAtt, int, std::uint64_t*, std::uint64_t*,
+                                    std::uint64_t*, std::uint64_t*, bool);
+  using SelectSlab = int (ORVResult::*)(const char*, int, int, _ORVBlockAtt, ORVHyperSlab&, bool);
+
+  static std::vector<std::ptrdiff_t> OfABlock() {
+    return {PositionOf(&ORVResult::ReadBlock),        PositionOf(&ORVResult::ReadBlockAt),
+            PositionOf(&ORVResult::ReadNumBlock),     PositionOf(&ORVResult::ReadHeader),
+            PositionOf(&ORVResult::ReadData),         PositionOf(&ORVResult::ReadIndex),
+            PositionOf(&ORVResult::ReadBlockOver),    PositionOf(&ORVResult::IterateBlock),
+            PositionOf(&ORVResult::IterateBlockOver), PositionOf(&ORVResult::ReadBlockByBlockPath),
+            PositionOf(&ORVResult::WriteBlock),       PositionOf(&ORVResult::WriteHeader),
+            PositionOf(&ORVResult::WriteData),        PositionOf(&ORVResult::WriteIndex),
+            PositionOf(&ORVResult::DeleteLinks),      PositionOf(&ORVBlock::CacheData),
+            PositionOf(&ORVResult::ClearCacheMap),    PositionOf(&Operations::ReadBlockStep),
+            PositionOf(&Operations::OpenBlockGroup),  PositionOf(&Operations::AppendBlockSchema),
+            PositionOf(&Operations::ReadIndexComm)};
+  }
+  static std::vector<std::ptrdiff_t> OfAResult() {
+    return {PositionOf(&ORVResult::ReadAttribute),
+            PositionOf(static_cast<SelectSlab>(&ORVResult::ReadSelectiveAttribute)),
+            PositionOf(static_cast<Select>(&ORVResult::ReadSelectiveAttribute)),
+            PositionOf(&ORVResult::ReadAtt),
+            PositionOf(&ORVResult::ReadSelAtt),
+            PositionOf(&ORVResult::WriteSelectiveAttribute)};
+  }
+};
+
+TEST_F(ResultIdentity, HasTheOperationsOfABlockBeforeItsOwnInTheOrderThatHostsAreBuiltWith) {
+  using Positions = std::vector<std::ptrdiff_t>;
+  EXPECT_EQ(Operations::OfABlock(),
+            (Positions{2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22}));
+  EXPECT_EQ(Operations::OfAResult(), (Positions{23, 24, 25, 26, 27, 28}));
+}
+#endif
 
 struct TailRow {
   int key;
