@@ -399,6 +399,13 @@ TEST_P(ResultDiscovery, OfPropertiesWalksTheStateItself) {
   EXPECT_EQ(seen_, (Seen{"0/1 1000 3 V", "0/1 1000 4 W"}));
 }
 
+TEST_P(ResultDiscovery, ReadsTheStagesThatAreAskedFor) {
+  ForgedPlaces places = ManyPlaces(GetParam());
+  ORVResult block(1000);
+  EXPECT_EQ(block.DiscoverBlock(places.path().c_str(), 0, ORV_READ_HEADER_INFO, Record), 0);
+  EXPECT_EQ(seen_, (Seen{"0/8 1000 0 V"}));  // the count is no part of the light read
+}
+
 TEST_P(ResultDiscovery, WithoutAPlaceToStartInFailsSilently) {
   ForgedPlaces places = ManyPlaces(GetParam());
   EXPECT_EQ(Discover(places, 1000, 3), 1);
