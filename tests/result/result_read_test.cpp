@@ -2,6 +2,7 @@
 // result_attribute_test, hyperslabs in result_selective_read_test, headers in result_header_test.
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "result/forged_result.h"
@@ -172,6 +173,17 @@ TEST_P(ResultRead, WithoutCoordinatesOfLocationsReadsOn) {
   EXPECT_EQ(shells.Read(forged.path()), 0);
   EXPECT_EQ(shells.values, (Floats{1, 2, 3, 4}));
   EXPECT_EQ(shells.locations, Floats(6, -1));
+}
+
+TEST_P(ResultRead, TakesLocationsInTheirType) {
+  ForgedResult forged = ForgeShells(GetParam());
+  Shells shells;
+  std::vector<double> locations(6);
+  shells.block.m_eloc = locations.data();
+  shells.block.m_elocType = ORV_DOUBLE;
+  EXPECT_EQ(shells.Read(forged.path()), 0);
+  EXPECT_EQ(Floats(locations.begin(), locations.end()), (Floats{.1F, .2F, .3F, .4F, .5F, .6F}));
+  EXPECT_EQ(shells.values, (Floats{1, 2, 3, 4}));
 }
 
 TEST_P(ResultRead, EndsAtLocationsOfAnotherShape) {
@@ -501,6 +513,21 @@ TEST_F(ResultOverStates, NeedsNoNameToRead) {
   EXPECT_EQ(told_.size(), 1U);
 }
 
+TEST_F(ResultOverStates, ReadsTheStatesOfItsRangeInSteps) {
+  ForgedFile forged("over");
+  for (const int state : {1, 2, 3, 4, 5}) {
+    forged.at("/post/singlestate/state00000000000" + std::to_string(state) + "/entityresults/Node/VELOCITY/data");
+    forged.dataset<float>("res", {1, 1}, {static_cast<float>(state)});
+  }
+  OneNode node;
+  EXPECT_EQ(node.block.ReadBlockOver(forged.path().c_str(), ORV_READ_DATA, TellIndex, 2, 4, 2, nullptr), 0);
+  ASSERT_EQ(told_.size(), 2U);
+  EXPECT_EQ(told_[0].index, 1);
+  EXPECT_EQ(told_[0].value, 2);
+  EXPECT_EQ(told_[1].index, 3);
+  EXPECT_EQ(told_[1].value, 4);
+}
+
 TEST_F(ResultOverStates, ReadsNothingWithoutFileCallbackOrKey) {
   ForgedFile forged("over");
   OneNode node;
@@ -525,6 +552,19 @@ TEST_F(ResultOverStates, WalksAllBlocksOfItsTypeGroup) {
   EXPECT_EQ(told_[0].index, 'A');
   EXPECT_EQ(told_[1].index, 'B');
   EXPECT_EQ(told_[1].status, 0);
+}
+
+TEST_F(ResultOverStates, WalksBackwardsThroughItsRangeInSteps) {
+  ForgedFile forged("over");
+  for (const int state : {1, 2, 3, 4}) {
+    forged.at("/post/singlestate/state00000000000" + std::to_string(state) + "/entityresults/Node/A/orvblock");
+    forged.integer("block", 1000).text("etypvar", "A").text("etyp", "Node").integer("ncoo", state).integer("nent", 1);
+  }
+  ORVResult block(1000);
+  EXPECT_EQ(block.IterateBlockOver(forged.path().c_str(), ORV_READ_HEADER, TellCount, 1, 3, 2, nullptr, 1), 0);
+  ASSERT_EQ(told_.size(), 2U);
+  EXPECT_EQ(told_[0].index, 3);
+  EXPECT_EQ(told_[1].index, 1);
 }
 
 TEST_F(ResultOverStates, WalksNothingWithoutFileCallbackOrKey) {
