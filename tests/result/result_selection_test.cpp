@@ -520,6 +520,25 @@ TEST_F(ResultSelection, OfAHandleOrAResultTypeFillsASlabOfItsOwn) {
   EXPECT_EQ(Of(slab), (Selection{{0, 0}, {10, 2}}));
 }
 
+TEST_F(ResultSelection, OfAComputedHandleNeedsAllItsInputsInTheBlock) {
+  VariableWithHandles variable("V", 3);
+  variable.Add(11, 0);
+  variable.Add(12, 5);
+  variable.Add(13, 6);
+  variable.AddComputed(21, 50, {{11, 12}});
+  variable.AddComputed(22, 50, {{12, 13}});
+  ORVResult block = Block(1000);
+  block.m_variable = variable.get();
+  ORVHyperSlab slab;
+  slab.m_rank = 4;
+  EXPECT_EQ(ById(block, 21, 0, -1, true), kNothing);
+  EXPECT_EQ(block.GetHyperSelection(21, slab, true, 0, -1), 1);
+  EXPECT_EQ(slab.m_rank, 4);
+  EXPECT_EQ(ById(block, 22, 0, -1, true), kNothing);
+  EXPECT_EQ(block.GetHyperSelection(22, slab, true, 0, -1), 0);  // nothing merged with nothing
+  EXPECT_EQ(slab.m_rank, 0);
+}
+
 // ---- The record itself
 
 TEST_F(ResultSelection, RecordStartsEmpty) {
