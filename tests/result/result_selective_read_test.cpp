@@ -124,6 +124,29 @@ TEST_P(ResultSelectiveRead, ServesTheOtherDatasets) {
   EXPECT_EQ(index_values, (Floats{.5F, 7}));
 }
 
+TEST_P(ResultSelectiveRead, ReadsEachDatasetInTheTypeOfItsBuffer) {
+  const std::string path = forged_.path();
+  std::vector<std::int64_t> ids(3), frames(3), idents(2);
+  std::vector<double> locations(4), index_values(2);
+  block_.m_entid = ids.data();
+  block_.m_fid = frames.data();
+  block_.m_indexident = idents.data();
+  block_.m_eloc = locations.data();
+  block_.m_indexval = index_values.data();
+  block_.m_entidType = block_.m_fidType = block_.m_indexidentType = ORV_LONG;
+  block_.m_elocType = block_.m_indexvalType = ORV_DOUBLE;
+  EXPECT_EQ(Read(block_, path, 13, {{1}, {2}}), 0);
+  EXPECT_EQ(ids, (std::vector<std::int64_t>{20, 30, 0}));
+  EXPECT_EQ(Read(block_, path, 16, {{2}, {1}}), 0);
+  EXPECT_EQ(frames, (std::vector<std::int64_t>{9, 0, 0}));
+  EXPECT_EQ(Read(block_, path, 17, {{1, 0}, {1, 2}}), 0);
+  EXPECT_EQ(Floats(locations.begin(), locations.end()), (Floats{.3F, .4F, 0, 0}));
+  EXPECT_EQ(Read(block_, path, 19, {{1}, {1}}), 0);
+  EXPECT_EQ(idents, (std::vector<std::int64_t>{3, 0}));
+  EXPECT_EQ(Read(block_, path, 20, {{0}, {2}}), 0);
+  EXPECT_EQ(index_values, (std::vector<double>{.5, 7}));
+}
+
 TEST_P(ResultSelectiveRead, ReadsNoIdsBesideTheOtherDatasets) {
   block_.m_readIds = 1;
   Ints frames(3, -1);
