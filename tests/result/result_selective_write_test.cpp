@@ -350,6 +350,51 @@ TEST_F(ResultSelectiveWrite, OfValuesInTheHeaderPartStoresIdsAndFrameIdBesideThe
   EXPECT_EQ(Raw().type_size(header + "fidglob"), 8U);
 }
 
+TEST_F(ResultSelectiveWrite, OfValuesInTheHeaderPartStoresIdsWithoutAskingForSharedOnes) {
+  file_->at("/post/constant").dataset<int>("entid", {2}, {10, 20});
+  block_.m_readIds = 1;
+  block_.SetLinkCallBack(NameSharedIds);
+  EXPECT_EQ(Write(kHeader, 18, {{0, 0}, {2, 2}, {}}), 0);
+  const std::string ids = std::string(kBlock) + "/header/entid";
+  EXPECT_FALSE(Raw().is_soft_link(ids));
+  EXPECT_EQ(Raw().values<int>(ids), (Ints{10, 20}));
+}
+
+TEST_F(ResultSelectiveWrite, OfValuesInTheHeaderPartStoresNoFrameIdWithAFrameSwitchOrOverAnother) {
+  const std::string frame = std::string(kBlock) + "/header/fidglob";
+  block_.m_fswitch = 1;
+  block_.m_fidglob = 9;
+  EXPECT_EQ(Write(kHeader, 18, {{0, 0}, {2, 2}, {}}), 0);
+  EXPECT_FALSE(Raw().exists(frame));
+  block_.m_fswitch = 0;
+  EXPECT_EQ(Write(kHeader, 18, {{0, 0}, {2, 2}, {0, 0}}), 0);
+  EXPECT_EQ(Raw().values<std::int64_t>(frame), (Longs{9}));
+  block_.m_fidglob = 2;
+  EXPECT_EQ(Write(kHeader, 18, {{0, 0}, {2, 2}, {0, 0}}), 0);
+  EXPECT_EQ(Raw().values<std::int64_t>(frame), (Longs{9}));
+}
+
+TEST_F(ResultSelectiveWrite, OfElementKindsNamesTheElementIds) {
+  const std::string block = "/post/singlestate/state000000000001/elementresults/Node/VELOCITY";
+  block_.SetBlockType(1100);
+  block_.m_readIds = 1;
+  for (const auto& [section, part] : {std::pair{kData, "/data"}, std::pair{kHeader, "/header"}}) {
+    file_.emplace("selective");
+    EXPECT_EQ(Write(section, 18, {{0, 0, 0}, {2, 1, 2}, {}}), 0) << part;
+    EXPECT_EQ(Raw().values<int>(block + part + "/idele"), (Ints{10, 20})) << part;
+    EXPECT_FALSE(Raw().exists(block + part + "/entid")) << part;
+  }
+  Ints numbers{7, 8};
+  block_.m_res = numbers.data();
+  block_.m_resType = ORV_INT;
+  for (const auto& [section, part] : {std::pair{kData, "/data"}, std::pair{kHeader, "/header"}}) {
+    file_.emplace("selective");
+    EXPECT_EQ(Write(section, 13, {{0}, {2}, {}}), 0) << part;
+    EXPECT_EQ(Raw().children(block + part), (Names{"idele"})) << part;
+    EXPECT_EQ(Raw().values<int>(block + part + "/idele"), (Ints{7, 8})) << part;
+  }
+}
+
 TEST_F(ResultSelectiveWrite, OfIndexesStoresTheirMembersWithTheirTypes) {
   Longs idents{1, 3};
   std::vector<double> values{.5, 7};
@@ -380,6 +425,18 @@ TEST_F(ResultSelectiveWrite, FiltersDataAsTheBlockAsksAndIdsNever) {
   block_.m_resType = ORV_INT;
   EXPECT_EQ(Write(kData, 13, {{0}, {2}, {}}), 0);
   EXPECT_EQ(Raw().filters(kIds), Ints{});
+}
+
+TEST_F(ResultSelectiveWrite, OfANegativeFactorIsNotFilteredWhateverTheSwitches) {
+  OH5SetCompression(1, 3);
+  EXPECT_EQ(Write(kData, 18, {{0, 0}, {2, 2}, {}}), 0);
+  int on = 0;
+  int digits = 0;
+  OH5GetCompression(&on, &digits);
+  OH5SetCompression(0, -1);
+  EXPECT_EQ(Raw().filters(kRes), Ints{});
+  EXPECT_EQ(on, 1);
+  EXPECT_EQ(digits, 3);
 }
 
 TEST_F(ResultSelectiveWrite, NeverFiltersIdsBesideValuesInTheHeaderPart) {
