@@ -272,6 +272,16 @@ TEST_F(ResultWriteData, StoresFrameIdsWith32BitsWhateverTheirType) {
   }
 }
 
+TEST_F(ResultWriteData, OfLaterVersionsStoresFrameIdsOfEntitiesToo) {
+  const Writer writer(3);
+  Nodes nodes;
+  Ints frames{31, 32};
+  nodes.block.m_fswitch = 1;
+  nodes.block.m_fid = frames.data();
+  EXPECT_EQ(nodes.Write(file_->path(), 0), 0);
+  EXPECT_EQ(RawFile(file_->path()).values<int>(std::string(kBlock) + "fid"), frames);
+}
+
 TEST_F(ResultWriteData, WithAFrameSwitchButNoFrameIdsSkipsThem) {
   Nodes nodes;
   nodes.block.m_fswitch = 1;
@@ -284,6 +294,18 @@ TEST_F(ResultWriteData, PassesOverAFrameIdThatCannotBeStored) {
   file_->at("/post/constant/entityresults/Node/VELOCITY/data").texts("fidglob", 4, {1}, {"x"});
   const Writer writer(1, 1);
   EXPECT_EQ(Nodes().Write(file_->path(), 0), 0);
+}
+
+TEST_F(ResultWriteData, PassesOverFrameIdsThatCannotBeStored) {
+  Nodes nodes;
+  Ints frames{31, 32};
+  nodes.block.m_fswitch = 1;
+  nodes.block.m_fid = frames.data();
+  EXPECT_EQ(nodes.Write(file_->path(), 0, 3), 0);
+  file_->at("/post/constant/entityresults/Node/VELOCITY/data").texts("fid", 4, {2}, {"x", "y"});
+  const Writer writer(1, 1);
+  EXPECT_EQ(nodes.Write(file_->path(), 0, 3), 0);
+  EXPECT_EQ(RawFile(file_->path()).type_class(std::string(kData) + "fid"), H5T_STRING);
 }
 
 // ---- Compression
