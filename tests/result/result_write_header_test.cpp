@@ -106,6 +106,28 @@ TEST_F(ResultWriteHeader, OfLaterVersionsHasFrameIdAndIncrement) {
   }
 }
 
+/// A block as the writer of changes makes it.
+struct IncrementalBlock : ORVResult {
+  explicit IncrementalBlock(const ORVResult& block) : ORVResult(block) { m_nIncremental = 1; }
+};
+
+TEST_F(ResultWriteHeader, OfLaterVersionsTellsAnIncrementalBlock) {
+  ORVResult block = static_cast<const ORVResult&>(IncrementalBlock(Full(1000)));
+  const std::string at = Write(1000, 3, &block);
+  EXPECT_EQ(RawFile(file_->path()).attribute_int(at, "indexic"), 1);
+}
+
+TEST_F(ResultWriteHeader, OfLaterVersionsHasTheSeriesOfMultiStateKindsBeforeTheIncrement) {
+  const std::string entities = Write(1051, 3);
+  EXPECT_EQ(RawFile(file_->path()).attributes(entities),
+            (Names{"block", "blocktype", "etypvar", "ncoo", "etypzone", "etypframe", "zoneid", "etyp", "nent", "nstate",
+                   "nindex", "fswitch", "fidglob", "dmpswitch", "series", "indexic"}));
+  const std::string elements = Write(1151, 3);
+  EXPECT_EQ(RawFile(file_->path()).attributes(elements),
+            (Names{"block", "blocktype", "etypvar", "ncoo", "etypzone", "etypframe", "zoneid", "etypelem", "nele",
+                   "nindex", "fswitch", "fidglob", "dmpswitch", "series", "indexic"}));
+}
+
 TEST_F(ResultWriteHeader, OfLaterVersionsNamesTheSeriesOfMultiStateKinds) {
   for (const int kind : {1050, 1150}) {
     file_.emplace("write");
