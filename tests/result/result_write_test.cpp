@@ -8,6 +8,7 @@
 #include "filer/process_state.h"
 #include "result/written_result.h"
 #include "support/full_disk.h"
+#include "support/messages.h"
 
 namespace {
 
@@ -210,6 +211,14 @@ TEST_F(ResultWrite, LeavesAnExistingBlockAloneInModeZero) {
   }
 }
 
+TEST_F(ResultWrite, TellsNoHandlerOfABlockThatItLeavesAlone) {
+  const Messages messages;
+  ForgedFile file("write");
+  ASSERT_EQ(Nodes().Write(file.path(), 1, 1), 0);
+  EXPECT_EQ(Nodes().Write(file.path(), 1, 1), 0);
+  EXPECT_TRUE(messages.all().empty());
+}
+
 TEST_F(ResultWrite, TellsTheSubBlockThatItLeavesAlone) {
   ForgedFile file("write");
   Nodes nodes(1050);
@@ -264,6 +273,21 @@ TEST_F(ResultWrite, ReplacesAnExistingBlockInModeOne) {
     EXPECT_EQ(raw.attribute_text(header, "etypzone"), "LAYER" + std::string(251, ' '));
     EXPECT_EQ(raw.values<float>(data + "/res"), (Floats{9, 8, 7, 6}));
     EXPECT_EQ(raw.values<int>(data + "/entid"), (Ints{30, 40}));
+  }
+}
+
+TEST_F(ResultWrite, ReplacesAnExistingBlockInEveryModeButZero) {
+  for (const int mode : {-1, 2}) {
+    const Writer writer(3, mode);
+    ForgedFile file("write");
+    ASSERT_EQ(Nodes().Write(file.path(), 1, 3), 0);
+    Nodes changed;
+    changed.values = {9, 8, 7, 6};
+    changed.block.m_zoneid = 77;
+    EXPECT_EQ(changed.Write(file.path(), 1, 3), 0) << mode;
+    const std::string block = std::string(kState1) + "/entityresults/Node/VELOCITY/orvblock";
+    EXPECT_EQ(RawFile(file.path()).attribute_int(block, "zoneid"), 77) << mode;
+    EXPECT_EQ(RawFile(file.path()).values<float>(block + "/res"), (Floats{9, 8, 7, 6})) << mode;
   }
 }
 
