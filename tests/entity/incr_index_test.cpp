@@ -68,6 +68,15 @@ TEST_P(IncrIndex, OfABlockThatNoStateMarksIsWholeInAll) {
   EXPECT_EQ(state, 0);
 }
 
+TEST_P(IncrIndex, KeepsAMarkAsItIsStored) {
+  AddHeat(1, {1}, 7);
+  AddHeat(2, {2}, -3);
+  index_.Allocate(2, 1);
+  EXPECT_EQ(Read(), 0);
+  EXPECT_THAT(index_.Flags(), ElementsAre(7, -3));
+  EXPECT_TRUE(index_.IsIncrementalState(2));
+}
+
 TEST_P(IncrIndex, IsReadAnewFromItsFirstRow) {
   AddHeat(1, {1}, 1);
   index_.Allocate(1, 1);
@@ -148,6 +157,16 @@ TEST_P(IncrIndex, EndsAtAStateWithAnIndexOfAnotherClass) {
     EXPECT_EQ(Read(), 1) << name;
     EXPECT_THAT(index_.States(), ElementsAre(1)) << name;
   }
+}
+
+TEST_P(IncrIndex, ReadsNoValuesAfterIdentifiersThatFailed) {
+  AddHeat(1, {1});
+  AddHeat(2, {6});
+  IndexOf(file_, Heat(2), GetParam()).retype("indexident");
+  index_.Allocate(2, 1);
+  EXPECT_EQ(Read(), 1);
+  EXPECT_EQ(index_.m_pIndexVal[0], .5F);
+  EXPECT_EQ(index_.m_pIndexVal[1], 0);
 }
 
 TEST_P(IncrIndex, EndsAtAMarkThatIsNoNumber) {
@@ -248,6 +267,26 @@ TEST_P(IncrIndex, NeedsAFileWithStates) {
   states_ = -7;
   EXPECT_EQ(Read(), 1);
   EXPECT_EQ(states_, 0);
+}
+
+TEST_P(IncrIndex, LosesItsRowsWhereTheFileCannotBeOpened) {
+  AddHeat(1, {1}, 1);
+  index_.Allocate(1, 1);
+  ASSERT_EQ(Read(), 0);
+  states_ = -7;
+  EXPECT_EQ(index_.ReadIncrementData(TempPath("none").c_str(), block_, states_), 1);
+  EXPECT_EQ(index_.GetNumState(), 0);
+  EXPECT_EQ(states_, -7);
+}
+
+TEST_P(IncrIndex, KeepsItsRowsWhereTheBlockIsOfNoState) {
+  AddHeat(1, {1}, 1);
+  index_.Allocate(1, 1);
+  ASSERT_EQ(Read(), 0);
+  block_.SetBlkPath("/post/constant/entityresults/Node/Heat");
+  EXPECT_EQ(Read(), 1);
+  EXPECT_THAT(index_.States(), ElementsAre(1));
+  EXPECT_THAT(index_.Flags(), ElementsAre(1));
 }
 
 TEST_P(IncrIndex, OfABlockThatNoStateHoldsFails) {
