@@ -109,6 +109,21 @@ TEST_P(IncrFill, WithANarrowerFirstRowFills) {
   EXPECT_THAT(index_.Ids(), ElementsAre(10, 20));
 }
 
+TEST_P(IncrFill, HasRoomForTheColumnsOfTheStateAskedForElseOfTheFirstThatHasAny) {
+  file_.group(StateGroup(1));
+  AddHeat(2, {20});
+  AddHeat(3, {30, 31});  // it stores one of them, as the first row has one
+  IndexOf(file_, Heat(3), GetParam()).dataset<std::int32_t>("indexident", {1}, {30});
+  file_.dataset<float>("indexval", {1}, {15});
+  const auto room = [this](int state) {
+    EXPECT_EQ(Fill(state), 0) << state;
+    return index_.m_pStateIds - index_.m_pIndexId;  // behind the identifiers and values of three states
+  };
+  EXPECT_EQ(room(3), 12);
+  EXPECT_EQ(room(2), 6);
+  for (const int state : {1, 4, 0, -1}) EXPECT_EQ(room(state), 6) << state;
+}
+
 TEST_P(IncrFill, WithoutColumnsInAnyStateFails) {
   for (const std::int64_t columns : {std::int64_t{0}, std::int64_t{-3}, std::int64_t{1} << 40}) {
     for (const int state : {1, 2}) AddHeat(state, {10}).integer("nindex", columns);
