@@ -126,6 +126,27 @@ TEST_F(LaterStates, TakeIdsFromAGivenCounter) {
   EXPECT_EQ(filer().GetExtVariable("Speed")->GetIID(), 90);
 }
 
+TEST_F(LaterStates, TakeIdsFromOneWhereThereIsNoHandle) {
+  ForgedModel model;
+  model.variable({.name = "Heat", .key = "Heat"});
+  model.in_state(1, Result("Undefined")).in_state(2, Result("Heat"));
+  ORVFiler late(model.path().c_str());
+  int next_id = 50;
+  ASSERT_EQ(late.InitReader(next_id), 0);
+  ASSERT_THAT(late.GetExtVariables(), testing::IsEmpty());
+  int added = -1;
+  ASSERT_EQ(late.UpdateContainer(0, added, -1, 0), 0);
+  EXPECT_EQ(added, 1);
+  ASSERT_NE(late.GetExtVariable("Heat"), nullptr);
+  EXPECT_EQ(late.GetExtVariable("Heat")->GetIID(), 1);
+}
+
+TEST_F(LaterStates, TakeIdsFromOneWhereAllHandlesHaveNegativeOnes) {
+  filer().GetExtVariable("Heat")->SetIID(-7);
+  ASSERT_EQ(Added(2), 1);
+  EXPECT_EQ(filer().GetExtVariable("Speed")->GetIID(), 1);
+}
+
 TEST_F(LaterStates, BeyondTheLastAddNothing) {
   for (const int mode : {0, 1}) {
     for (const int state : {4, INT_MAX}) EXPECT_EQ(Added(state, mode), 0) << state << ", mode " << mode;
