@@ -1,9 +1,12 @@
 // Chains of attributes of which something is damaged: a change that cannot be read is left out, a base that cannot be read
 // ends the call. Leaks are the sanitizers' to find.
 
+#include <gmock/gmock.h>
+
 #include <functional>
 
 #include "filer/incr_attribute_forge.h"
+#include "support/messages.h"
 
 namespace orv_test {
 namespace {
@@ -126,6 +129,18 @@ TEST_P(IncrAttributeDamage, OfTheFullStateEndsTheCall) {
       block_.m_nent = 0;
     }
   }
+}
+
+TEST_P(IncrAttributeDamage, IsToldByTheAnswerAlone) {
+  const Messages messages;
+  DataOf(2).retype("entid");
+  ExpectWithoutState2();
+  DataOf(1).retype("entid");
+  EXPECT_EQ(Read(3, true), 1);
+  EXPECT_EQ(ReadByFile(3, true), 1);
+  file_.at(PartsOf(1).index).drop("indexident");
+  EXPECT_EQ(Read(3, true), 1);
+  EXPECT_THAT(messages.all(), ::testing::IsEmpty());
 }
 
 TEST_P(IncrAttributeDamage, OfTheKeyInAStateEndsTheSearchForABlock) {
