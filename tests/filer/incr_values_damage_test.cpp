@@ -1,9 +1,12 @@
 // Chains of values of which something is damaged or missing: a change that cannot be read is left out, a full state that
 // cannot be read ends the call.
 
+#include <gmock/gmock.h>
+
 #include <functional>
 
 #include "filer/incr_values_forge.h"
+#include "support/messages.h"
 
 namespace orv_test {
 namespace {
@@ -12,11 +15,12 @@ namespace {
 class IncrValuesDamage : public IncrValuesTest {
  protected:
   IncrValuesDamage() {
-    Add(1, {.ids = {10, 20, 30}, .values = {1, 2, 3}, .flag = 0});
+    AddState1();
     AddState2();
     Add(3, {.ids = {20}, .values = {23}});
   }
 
+  void AddState1() { Add(1, {.ids = {10, 20, 30}, .values = {1, 2, 3}, .flag = 0}); }
   void AddState2() { Add(2, {.ids = {10, 20}, .values = {12, 22}}); }
 };
 
@@ -111,12 +115,45 @@ TEST_P(IncrValuesDamage, OfTheFullStateEndsTheCall) {
       [this] { PartOf(1, "data").retype("res"); },
       [this] { PartOf(1, "data").drop("res"); },
   };
+  int number = 0;
   for (const auto& damage : damages) {
+    SCOPED_TRACE(number++);
+    AddState1();
+    Open();
+    ASSERT_EQ(Fetch(3), 0);
     damage();
     Open();
     EXPECT_EQ(Fetch(3), 1);
     ExpectNoAnswer();
   }
+}
+
+TEST_P(IncrValuesDamage, AFullStateWithoutEntitiesEndsTheCall) {
+  PartOf(2, "header").drop("indexic");
+  Open();
+  ASSERT_EQ(Fetch(3), 0);
+  ASSERT_EQ(values_.values(), (Floats{12, 23}));
+  PartOf(2, "header").integer("nent", 0);
+  Open();
+  EXPECT_EQ(Fetch(3), 1);
+  EXPECT_EQ(values_.m_state, 3);
+  ExpectNoAnswer();
+}
+
+TEST_P(IncrValuesDamage, IsToldByTheAnswerAlone) {
+  const auto fetch_quietly = [this] {
+    Open();
+    const Messages messages;
+    const int status = Fetch(3);
+    EXPECT_THAT(messages.all(), ::testing::IsEmpty());
+    return status;
+  };
+  PartOf(2, "data").retype("entid");
+  EXPECT_EQ(fetch_quietly(), 0);
+  PartOf(1, "data").retype("res");
+  EXPECT_EQ(fetch_quietly(), 1);
+  PartOf(1, "index").drop("indexident");
+  EXPECT_EQ(fetch_quietly(), 1);
 }
 
 TEST_P(IncrValuesDamage, OfTheIndexMeansThatThereIsNoMap) {
