@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "entity/connectivity_forge.h"
@@ -39,6 +40,18 @@ std::vector<int> Ints(const std::vector<std::int64_t>& buffer, size_t count) {
 std::vector<float> Floats(const std::vector<std::int64_t>& buffer, size_t count) {
   std::vector<float> values(count);
   std::memcpy(values.data(), buffer.data(), count * sizeof(float));
+  return values;
+}
+
+std::vector<std::int64_t> Longs(const std::vector<std::int64_t>& buffer, size_t count) {
+  std::vector<std::int64_t> values(count);
+  std::memcpy(values.data(), buffer.data(), count * sizeof(std::int64_t));
+  return values;
+}
+
+std::vector<double> Doubles(const std::vector<std::int64_t>& buffer, size_t count) {
+  std::vector<double> values(count);
+  std::memcpy(values.data(), buffer.data(), count * sizeof(double));
   return values;
 }
 
@@ -121,6 +134,21 @@ TEST_P(ConnectivityData, GivesLongIdsWhenAskedFor) {
   EXPECT_EQ(room_.idele[2], -1);
 }
 
+TEST_P(ConnectivityData, GivesPartsRowsAndParametersEachInTheTypeAskedFor) {
+  AddFloatParameters();
+  file_.at(parts_.data).dataset<std::int32_t>("iparam", {2, 1}, {81, 82});
+  block_.m_nbint = 1;
+  block_.m_iparam = room_.iparam.data();
+  block_.m_pidType = block_.m_icType = block_.m_iparamType = ORV_LONG;
+  block_.m_fparamType = ORV_DOUBLE;
+  ASSERT_EQ(Read(), 0);
+  EXPECT_THAT(Ints(room_.idele, 3), ElementsAre(11, 12, -1));
+  EXPECT_THAT(Longs(room_.pid, 3), ElementsAre(7, 7, -1));
+  EXPECT_THAT(Longs(room_.ic, 9), ElementsAre(1, 2, 3, 4, 2, 5, 6, 3, -1));
+  EXPECT_THAT(Longs(room_.iparam, 3), ElementsAre(81, 82, -1));
+  EXPECT_THAT(Doubles(room_.fparam, 4), ElementsAre(0.5, 1.5, 2.5, 3.5));
+}
+
 TEST_P(ConnectivityData, ReadsHeaderAndDataInOneCall) {
   block_.m_nele = block_.m_npele = 0;
   ASSERT_EQ(Read(ORV_READ_HEADER | ORV_READ_DATA), 0);
@@ -174,10 +202,12 @@ TEST_P(ConnectivityData, RefusesCountsThatAreNotPositive) {
 }
 
 TEST_P(ConnectivityData, RefusesMissingBuffers) {
-  block_.m_ic = nullptr;
-  EXPECT_EQ(Read(), 1);
-  block_.m_idele = nullptr;
-  EXPECT_EQ(Read(), 1);
+  for (void** buffer : {&block_.m_idele, &block_.m_pid, &block_.m_ic}) {
+    void* const before = std::exchange(*buffer, nullptr);
+    EXPECT_EQ(Read(), 1);
+    *buffer = before;
+  }
+  EXPECT_EQ(Read(), 0);
 }
 
 TEST_P(ConnectivityData, RefusesDatasetsOfAnotherClass) {
@@ -295,6 +325,19 @@ TEST_P(ConnectivityData, AddsUpLongUnitCounts) {
   EXPECT_THAT(Ints(room_.ubid, 4), ElementsAre(1, 2, 3, -1));
 }
 
+TEST_P(ConnectivityData, GivesUnitsEachInTheTypeAskedFor) {
+  AddFloatParameters();
+  block_.m_ubidType = block_.m_mdunitType = block_.m_udidType = ORV_LONG;
+  block_.m_ubexpType = block_.m_udexpType = ORV_DOUBLE;
+  ASSERT_EQ(Read(), 0);
+  EXPECT_THAT(Ints(room_.mbunit, 3), ElementsAre(2, 1, -1));
+  EXPECT_THAT(Longs(room_.ubid, 4), ElementsAre(1, 2, 3, -1));
+  EXPECT_THAT(Doubles(room_.ubexp, 3), ElementsAre(1., -2., 0.5));
+  EXPECT_THAT(Longs(room_.mdunit, 3), ElementsAre(0, 2, -1));
+  EXPECT_THAT(Longs(room_.udid, 3), ElementsAre(21, 22, -1));
+  EXPECT_THAT(Doubles(room_.udexp, 2), ElementsAre(3., 4.));
+}
+
 TEST_P(ConnectivityData, PassesOverUnitsWithoutTheirCounts) {
   AddFloatParameters();
   block_.m_mbunit = nullptr;
@@ -387,6 +430,15 @@ TEST_P(ConnectivityData, GivesIndexIdentifiersAndValues) {
   ASSERT_EQ(Read(ORV_READ_INDEX), 0);
   EXPECT_THAT(Ints(room_.ident, 3), ElementsAre(1, 4, -1));
   EXPECT_THAT(Floats(room_.values, 2), ElementsAre(.5F, 8.F));
+}
+
+TEST_P(ConnectivityData, GivesTheIndexInTheTypesAskedFor) {
+  AddIndex();
+  block_.m_indexidentType = ORV_LONG;
+  block_.m_indexvalType = ORV_DOUBLE;
+  ASSERT_EQ(Read(ORV_READ_INDEX), 0);
+  EXPECT_THAT(Longs(room_.ident, 3), ElementsAre(1, 4, -1));
+  EXPECT_THAT(Doubles(room_.values, 2), ElementsAre(.5, 8.));
 }
 
 TEST_P(ConnectivityData, HasNoIndexWithoutACount) {
