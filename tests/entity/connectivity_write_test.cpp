@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "filer/process_state.h"
 #include "orvio/oh5_io.h"
 #include "orvio/orv_ele_connectivity.h"
 #include "orvio/orv_switches.h"
@@ -219,6 +220,16 @@ TEST_F(ConnectivityWrite, MakesTheMissingGroupOfAState) {
   EXPECT_TRUE(RawFile(path_).exists("/post/singlestate/state000000000002/connectivities/SHELL/data/ic"));
 }
 
+TEST_F(ConnectivityWrite, GoesToAStateByPosition) {
+  file_.group("/post/singlestate/state000000000007");
+  path_ = file_.path();
+  ASSERT_EQ(Write(3, kHeaderAndData), 0);
+  const RawFile raw(path_);
+  EXPECT_TRUE(raw.exists("/post/singlestate/state000000000007/connectivities/SHELL/data/ic"));
+  EXPECT_THAT(raw.children("/post/singlestate"),
+              ElementsAre("state000000000001", "state000000000002", "state000000000007"));
+}
+
 TEST_F(ConnectivityWrite, NeverMakesAState) {
   const std::string before = BytesOf(path_);
   EXPECT_EQ(Write(3, kHeaderAndData), 1);
@@ -246,6 +257,12 @@ TEST_F(ConnectivityWrite, StoresNoIndexInState0) {
   const RawFile raw(path_);
   EXPECT_TRUE(raw.exists("/post/constant/connectivities/SHELL/data/ic"));
   EXPECT_THAT(raw.children("/post/constant/connectivities/SHELL/index"), IsEmpty());
+}
+
+TEST_F(ConnectivityWrite, ToTheConstantSectionRemembersNoFileAsOpenedLast) {
+  const orvio::Swapped last(orvio::process().g_hLastFile, hid_t{0});
+  EXPECT_EQ(Write(0, kHeaderAndData), 0);
+  EXPECT_EQ(orvio::process().g_hLastFile, -1);
 }
 
 TEST_F(ConnectivityWrite, MakesOnlyThePartsThatItWrites) {
@@ -344,6 +361,45 @@ TEST_F(ConnectivityWrite, StoresLongIds) {
   const RawFile raw(path_);
   EXPECT_EQ(raw.type_size("/post/constant/connectivities/SHELL/data/idele"), 8U);
   EXPECT_THAT(raw.values<std::int64_t>("/post/constant/connectivities/SHELL/data/idele"), ElementsAre(5000000000, 1));
+}
+
+TEST_F(ConnectivityWrite, StoresEachDatasetInItsOwnType) {
+  std::int64_t pid[2] = {5000000000, 8};
+  std::int64_t ic[8] = {1, 2, 3, 4, 2, 5, 6, 6000000000};
+  std::int64_t iparam[2] = {7000000000, 1};
+  float fparam[2] = {0.5F, 1.25F};
+  block_.m_pidType = block_.m_icType = block_.m_iparamType = ORV_LONG;
+  block_.m_pid = pid;
+  block_.m_ic = ic;
+  block_.m_nbint = block_.m_nbfloat = 1;
+  block_.m_iparam = iparam;
+  block_.m_fparam = fparam;
+  ASSERT_EQ(Write(0, kHeaderAndData), 0);
+  const RawFile raw(path_);
+  const std::string data = std::string(kMeshes) + "/SHELL/data";
+  EXPECT_EQ(raw.type_size(data + "/idele"), 4U);
+  EXPECT_EQ(raw.type_size(data + "/fparam"), 4U);
+  EXPECT_THAT(raw.values<float>(data + "/fparam"), ElementsAre(0.5F, 1.25F));
+  for (const char* name : {"/pid", "/ic", "/iparam"}) EXPECT_EQ(raw.type_size(data + name), 8U) << name;
+  EXPECT_THAT(raw.values<std::int64_t>(data + "/pid"), ElementsAre(5000000000, 8));
+  EXPECT_THAT(raw.values<std::int64_t>(data + "/ic"), ElementsAre(1, 2, 3, 4, 2, 5, 6, 6000000000));
+  EXPECT_THAT(raw.values<std::int64_t>(data + "/iparam"), ElementsAre(7000000000, 1));
+}
+
+TEST_F(ConnectivityWrite, StoresTheIndexInItsOwnTypes) {
+  std::int64_t ident[1] = {5000000000};
+  double values[1] = {0.1};
+  block_.m_nindex = 1;
+  block_.m_indexidentType = ORV_LONG;
+  block_.m_indexvalType = ORV_DOUBLE;
+  block_.m_indexident = ident;
+  block_.m_indexval = values;
+  ASSERT_EQ(Write(1, kAll), 0);
+  const RawFile raw(path_);
+  const std::string index = std::string(kState1) + "/connectivities/SHELL/index";
+  EXPECT_THAT(raw.values<std::int64_t>(index + "/indexident"), ElementsAre(5000000000));
+  EXPECT_EQ(raw.type_size(index + "/indexval"), 8U);
+  EXPECT_THAT(raw.values<double>(index + "/indexval"), ElementsAre(0.1));
 }
 
 TEST_F(ConnectivityWrite, ReportsOnlyTheLastDataset) {
