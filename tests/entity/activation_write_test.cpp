@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "filer/process_state.h"
 #include "orvio/oh5_io.h"
 #include "orvio/orv_ele_activation.h"
 #include "orvio/orv_switches.h"
@@ -233,6 +234,12 @@ TEST_F(ActivationWrite, CutsANameWithoutATerminator) {
   EXPECT_EQ(raw.attribute_text(flags + "/" + name + "/header", "etyp"), name);
 }
 
+TEST_F(ActivationWrite, RemembersNoFileAsOpenedLast) {
+  const orvio::Swapped last(orvio::process().g_hLastFile, hid_t{0});
+  EXPECT_EQ(Write(1, kHeaderAndData), 0);
+  EXPECT_EQ(orvio::process().g_hLastFile, -1);
+}
+
 TEST_F(ActivationWrite, MakesOnlyThePartsThatItWrites) {
   ASSERT_EQ(Write(1, ORV_WRITE_HEADER), 0);
   EXPECT_THAT(RawFile(path_).children(kShells), ElementsAre("header"));
@@ -345,6 +352,20 @@ TEST_F(ActivationWrite, AnswersOneForAnIndexWithoutACount) {
   EXPECT_EQ(block_.WriteIndex(H5I_INVALID_HID), 1);
   block_.m_nindex = 1;
   EXPECT_EQ(block_.WriteIndex(H5I_INVALID_HID), 1);
+}
+
+TEST_F(ActivationWrite, StoresTheIndexInItsOwnTypes) {
+  std::int64_t ident[1] = {5000000000};
+  double values[1] = {0.1};
+  block_.m_indexidentType = ORV_LONG;
+  block_.m_indexvalType = ORV_DOUBLE;
+  block_.m_indexident = ident;
+  block_.m_indexval = values;
+  ASSERT_EQ(Write(1, kAll), 0);
+  const RawFile raw(path_);
+  EXPECT_THAT(raw.values<std::int64_t>(std::string(kShells) + "/index/indexident"), ElementsAre(5000000000));
+  EXPECT_EQ(raw.type_size(std::string(kShells) + "/index/indexval"), 8U);
+  EXPECT_THAT(raw.values<double>(std::string(kShells) + "/index/indexval"), ElementsAre(0.1));
 }
 
 TEST_F(ActivationWrite, StoresOneRowOfTheIndexWhateverTheStates) {
