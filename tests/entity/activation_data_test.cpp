@@ -105,8 +105,10 @@ TEST_P(ActivationData, RefusesExtentsOtherThanTheCount) {
 TEST_P(ActivationData, RefusesMissingBuffers) {
   block_.m_status = nullptr;
   EXPECT_EQ(Read(), 1);
+  block_.m_status = statuses_.data();
   block_.m_entid = nullptr;
   EXPECT_EQ(Read(), 1);
+  EXPECT_EQ(statuses_[0], -1);
 }
 
 TEST_P(ActivationData, RefusesDatasetsOfAnotherClass) {
