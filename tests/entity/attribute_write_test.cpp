@@ -297,6 +297,16 @@ TEST_F(AttributeWrite, MakesTheMissingGroupOfAState) {
   EXPECT_TRUE(RawFile(path_).exists(InState(2, "attributes/NODE/data/entid")));
 }
 
+TEST_F(AttributeWrite, GoesToAStateByPosition) {
+  file_.group(InState(7, "attributes"));
+  path_ = file_.path();
+  ASSERT_EQ(Write(3, kHeaderAndData), 0);
+  const RawFile raw(path_);
+  EXPECT_TRUE(raw.exists(InState(7, "attributes/NODE/data/entid")));
+  EXPECT_THAT(raw.children("/post/singlestate"),
+              ElementsAre("state000000000001", "state000000000002", "state000000000007"));
+}
+
 TEST_F(AttributeWrite, MakesTheNextStateAndNoneBeyond) {
   const std::string before = BytesOf(path_);
   EXPECT_EQ(Write(4, kHeaderAndData), 1);
@@ -413,6 +423,18 @@ TEST_F(AttributeWrite, StoresLongIds) {
   EXPECT_THAT(raw.values<std::int64_t>(std::string(kNode) + "/data/entid"), ElementsAre(5000000000, 1));
 }
 
+TEST_F(AttributeWrite, StoresLongIntegersBesideShortIds) {
+  std::int64_t integers[2] = {5000000000, 1};
+  block_.m_nuid = 1;
+  block_.m_uidType = ORV_LONG;
+  block_.m_uid = integers;
+  ASSERT_EQ(Write(0, kHeaderAndData), 0);
+  const RawFile raw(path_);
+  EXPECT_EQ(raw.type_size(std::string(kNode) + "/data/uid"), 8U);
+  EXPECT_THAT(raw.values<std::int64_t>(std::string(kNode) + "/data/uid"), ElementsAre(5000000000, 1));
+  EXPECT_EQ(raw.type_size(std::string(kNode) + "/data/entid"), 4U);
+}
+
 TEST_F(AttributeWrite, StopsAtTheFirstDatasetThatFails) {
   AddIntegers();
   block_.m_uid = nullptr;
@@ -451,6 +473,20 @@ TEST_F(AttributeWrite, StoresTheIndexWhereItIsTold) {
   EXPECT_THAT(raw.shape("/x/indexval"), ElementsAre(1));
   EXPECT_THAT(raw.values<float>("/x/indexval"), ElementsAre(2.5F));
   EXPECT_THAT(raw.values<std::int32_t>("/x/indexident"), ElementsAre(1));
+}
+
+TEST_F(AttributeWrite, StoresTheIndexInItsOwnTypes) {
+  std::int64_t ident[1] = {5000000000};
+  double values[1] = {0.1};
+  block_.m_indexidentType = ORV_LONG;
+  block_.m_indexvalType = ORV_DOUBLE;
+  block_.m_indexident = ident;
+  block_.m_indexval = values;
+  file_.at("/x").raw([&](hid_t group) { EXPECT_EQ(block_.WriteIndex(group), 0); });
+  const RawFile raw(file_.path());
+  EXPECT_THAT(raw.values<std::int64_t>("/x/indexident"), ElementsAre(5000000000));
+  EXPECT_EQ(raw.type_size("/x/indexval"), 8U);
+  EXPECT_THAT(raw.values<double>("/x/indexval"), ElementsAre(0.1));
 }
 
 TEST_F(AttributeWrite, AnswersOneForAnIndexWithoutACountOrAGroup) {
