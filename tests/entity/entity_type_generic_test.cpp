@@ -66,6 +66,13 @@ TEST_P(GenericTypes, HoldTheElementTypesUnderThem) {
   EXPECT_THAT(Describe(data_), ElementsAre("3D: HEXA", "2D: QUAD TRIA"));
 }
 
+TEST_P(GenericTypes, MayHaveTheNameOfTheirElementType) {
+  Add(0, "QUAD", "QUAD");
+  Add(0, "TRIA", "TRIA");
+  Update(0);
+  EXPECT_THAT(Describe(data_), ElementsAre("QUAD: QUAD", "TRIA: TRIA"));
+}
+
 TEST_P(GenericTypes, CompareWithoutRegardToCase) {
   Add(0, "A", "shell").text("etypelem", "QUAD");
   Add(0, "B", "SHELL").text("etypelem", "quad");
