@@ -457,6 +457,14 @@ TEST_P(FilerAttributes, OfIdentifiersComeAndGoAsAList) {
   EXPECT_THAT(blocks, IsEmpty());
 }
 
+TEST_P(FilerAttributes, OfIdentifiersOfASectionNeedAFileAndAModeWithTheHeader) {
+  Add("NODE", kIdentifiers);
+  std::vector<ORVIdentifiers*> blocks;
+  for (const int mode : {0, 2, 4}) Filer().GetEntityIdentifiers(0, mode, blocks);
+  ORVFiler(nullptr).GetEntityIdentifiers(0, kBoth, blocks);
+  EXPECT_THAT(blocks, IsEmpty());
+}
+
 // ---- Freeing
 
 TEST_P(FilerAttributes, CleanUpLeavesABlockWithoutArraysAndTypes) {
