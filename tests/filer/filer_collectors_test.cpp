@@ -17,6 +17,7 @@
 namespace orv_test {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -115,6 +116,25 @@ TEST_P(FilerCollectors, OfDataAloneResizeTheArraysThatAreThere) {
   EXPECT_THAT(Ints(block_.m_entid, 5), ElementsAre(101, 102, 103, 104, 105));
   EXPECT_STREQ(block_.m_etyp, "NODE");
   EXPECT_EQ(block_.m_etyp[512], '\0');
+}
+
+TEST_P(FilerCollectors, OfHeaderAndDataForgetTheArraysThatAreThere) {
+  Add("PAIRS");
+  int own[5] = {-1, -1, -1, -1, -1};  // not of the allocator
+  char type = '#';
+  const auto point_at_own = [&] {
+    block_.m_idcoll = block_.m_nent = block_.m_entid = own;
+    block_.m_etyp = &type;
+  };
+  point_at_own();
+  EXPECT_EQ(Read(kBoth, 1), 1);  // there is no such state
+  ExpectNoArrays();
+  point_at_own();
+  ASSERT_EQ(Read(kBoth), 0);
+  EXPECT_THAT(Ints(block_.m_entid, 5), ElementsAre(101, 102, 103, 104, 105));
+  EXPECT_THAT(Ints(block_.m_nent, 4), ElementsAre(1, 2, 1, 1));
+  EXPECT_THAT(own, Each(-1));
+  EXPECT_EQ(type, '#');
 }
 
 TEST_P(FilerCollectors, AreIntegersOfFourBytesWhateverWasAskedForBefore) {
