@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <tuple>
@@ -163,6 +164,16 @@ TEST_F(CollectorMembers, StartWithDefaults) {
                             block_.m_indexident, block_.m_indexval}) {
     EXPECT_EQ(array, nullptr);
   }
+}
+
+TEST_F(CollectorMembers, StandInTheirFixedOrder) {
+  const void* const members[] = {
+      block_.m_etypcoll,        &block_.m_ncoll,        &block_.m_ntyp,       &block_.m_nenttot,
+      &block_.m_nindex,         &block_.m_idcollType,   &block_.m_nentType,   &block_.m_entidType,
+      &block_.m_idcoll,         &block_.m_etyp,         &block_.m_nent,       &block_.m_entid,
+      &block_.m_indexidentType, &block_.m_indexvalType, &block_.m_indexident, &block_.m_indexval,
+  };
+  EXPECT_TRUE(std::ranges::is_sorted(members));
 }
 
 TEST_F(CollectorMembers, OfNameAndCountsAreInitializedByTheFirstBit) {
