@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <tuple>
@@ -115,6 +116,16 @@ TEST_F(PartHeader, StartsWithZeroedMembersAndDefaultTypes) {
     EXPECT_EQ(type, ORV_INT);
   }
   EXPECT_EQ(block.m_indexvalType, ORV_FLOAT);
+}
+
+TEST_F(PartHeader, HasItsMembersInTheirFixedOrder) {
+  const void* const members[] = {
+      block_.m_etyppart,        &block_.m_npart,        &block_.m_nindex,   &block_.m_length,    &block_.m_pidType,
+      &block_.m_midType,        &block_.m_mtypType,     &block_.m_pcolType, &block_.m_pvtypType, &block_.m_pid,
+      &block_.m_title,          &block_.m_mid,          &block_.m_mtyp,     &block_.m_pcol,      &block_.m_pvtyp,
+      &block_.m_indexidentType, &block_.m_indexvalType, &block_.m_indexval,
+  };
+  EXPECT_TRUE(std::ranges::is_sorted(members));
 }
 
 TEST_F(PartHeader, ACopySharesTheBuffers) {
