@@ -370,6 +370,18 @@ TEST_F(PartWrite, StopsAtTheFirstListThatFails) {
   EXPECT_THAT(RawFile(path_).children(std::string(kParts) + "/data"), ElementsAre("pcol", "pid"));
 }
 
+TEST_F(PartWrite, StoresTitlesBehindTheListsAndPropertyTypesLast) {
+  block_.m_mtypType = ORV_FLOAT;
+  EXPECT_EQ(Write(0, kHeaderAndData), 1);
+  EXPECT_THAT(RawFile(path_).children(std::string(kParts) + "/data"), ElementsAre("mid", "pcol", "pid"));
+  block_.m_mtypType = ORV_INT;
+  block_.m_pvtypType = ORV_FLOAT;
+  std::strcpy(block_.m_etyppart, "OTHER");
+  EXPECT_EQ(Write(0, kHeaderAndData), 1);
+  EXPECT_THAT(RawFile(path_).children("/post/constant/parts/OTHER/data"),
+              ElementsAre("mid", "mtyp", "pcol", "pid", "title"));
+}
+
 TEST_F(PartWrite, NeedsIds) {
   block_.m_pid = nullptr;
   EXPECT_EQ(Write(0, kHeaderAndData), 1);
