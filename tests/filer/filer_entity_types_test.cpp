@@ -75,6 +75,28 @@ TEST_F(FilerEntityTypes, OfAllStatesAreCollectedAndNumberedInOneGo) {
   EXPECT_EQ(table_.rows()[2]->m_appType, 72);
 }
 
+TEST_F(FilerEntityTypes, OfASecondFileJoinTheRowsOfTheFirst) {
+  EXPECT_EQ(filer_->CheckCreateGenericEntityTypes(70, 79, 0), 2);
+  filer_.reset();
+  ForgedFile second;
+  AddMesh(second, "/post/constant/connectivities/A", Layout::kSingle).text("etyp", "2d");
+  AddMesh(second, "/post/constant/connectivities/B", Layout::kSingle).text("etyp", "4D");
+  ORVFiler filer(second.path().c_str());
+  EXPECT_EQ(filer.CheckCreateGenericEntityTypes(80, 89, 0), 1);
+  ASSERT_EQ(table_.rows().size(), 3U);
+  EXPECT_EQ(table_.rows()[0]->m_appType, 70);
+  EXPECT_STREQ(table_.rows()[2]->m_name, "4D");
+  EXPECT_EQ(table_.rows()[2]->m_orvType, 2013);
+  EXPECT_EQ(table_.rows()[2]->m_appType, 80);
+}
+
+TEST_F(FilerEntityTypes, GoWithWhatTheFilerHasReadButKeepTheirRows) {
+  EXPECT_EQ(filer_->CheckCreateGenericEntityTypes(70, 79, 0), 2);
+  filer_->ClearAll();
+  EXPECT_THAT(filer_->GetGenericTypes(), IsEmpty());
+  EXPECT_EQ(table_.rows().size(), 2U);
+}
+
 TEST_F(FilerEntityTypes, OfAFileOfNastranShareTheRowOfTheirElement) {
   ForgedModel model;
   model.system().file().at("/post/constant/system/orvblock").text("solver_name", "MSC NASTRAN 2026");
@@ -199,6 +221,14 @@ TEST_F(FilerFrameTypes, StayAsTheyAreWithoutResults) {
   filer_.data().m_frameEntityNames = {"b", "a"};
   filer_.UpdateFrameEntity();
   EXPECT_THAT(Names(), ElementsAre("b", "a"));
+}
+
+TEST_F(FilerFrameTypes, GoWithWhatTheFilerHasRead) {
+  AddFramed("Local");
+  filer_.UpdateFrameEntity();
+  filer_.ClearAll();
+  EXPECT_THAT(Names(), IsEmpty());
+  EXPECT_FALSE(Has("Local"));
 }
 
 TEST_F(FilerFrameTypes, AreKnownWithoutRegardToCase) {
