@@ -288,26 +288,28 @@ TEST_F(BlockWalk, GivesUpOnDoublingLadders) {
   EXPECT_EQ(Told().size(), 1000U);
 }
 
-TEST_F(BlockWalk, GoesDownAHundredLevelsButNotTwoHundred) {
+TEST_F(BlockWalk, GoesDownAHundredAndTwentyEightLevelsWithItsOwn) {
   std::string deep = kRoot;
-  for (int i = 1; i <= 200; ++i) {
+  for (int i = 1; i <= 128; ++i) {
     deep += "/l" + std::to_string(i);
-    if (i == 100 || i == 200) file_.group(deep + "/orvblock");
+    if (i >= 127) file_.group(deep + "/orvblock");
   }
   EXPECT_EQ(Walk(1), 0);
   const auto told = Told();
   ASSERT_EQ(told.size(), 1U);
-  EXPECT_TRUE(told[0].ends_with("/l99/l100/orvblock")) << told[0];
+  EXPECT_TRUE(told[0].ends_with("/l126/l127/orvblock")) << told[0];
 }
 
-TEST_F(BlockWalk, EndsWherePathsGetTooLong) {
+TEST_F(BlockWalk, EndsWherePathsReachThreeThousandBytes) {
   std::string deep = kRoot;
-  for (int i = 1; i <= 40; ++i) {
+  for (int i = 1; i <= 30; ++i) {
     deep += "/" + std::string(100, static_cast<char>('a' + i % 26));
-    if (i == 20 || i == 40) file_.group(deep + "/orvblock");
+    if (i >= 29) file_.group(deep + "/orvblock");  // 2957 bytes and 3058
   }
   EXPECT_EQ(Walk(1), 0);
-  EXPECT_EQ(Told().size(), 1U);
+  const auto told = Told();
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_TRUE(told[0].starts_with("0 1 " + std::string(100, 'd') + " ")) << told[0];
 }
 
 TEST_F(BlockWalk, TellsAtMostTwoHundredAndFiftyFiveBytesOfAName) {
