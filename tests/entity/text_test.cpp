@@ -320,6 +320,15 @@ TEST_P(TextWriteVersion, IsReadBackAsItWas) {
   EXPECT_EQ(read.lines, "hellob    ");
 }
 
+TEST_P(TextWriteVersion, OverMoreLinesFailsAndKeepsThem) {
+  ASSERT_EQ(Write(), 0);
+  lines_ = "other";
+  text_.m_pLines = lines_.data();
+  text_.m_nlines = 1;
+  EXPECT_EQ(Write(), 1);
+  EXPECT_THAT(RawFile(file_.path()).texts(Part(kNotes, "data") + "/line"), ElementsAre("hello", "b    "));
+}
+
 TEST_F(TextWrite, DoesNotTellThatItIsIncremental) {
   text_.m_nIncremental = 1;
   ASSERT_EQ(Write(), 0);
