@@ -222,6 +222,18 @@ TEST_P(SimulationTypeWrite, IsReadBackAsItWas) {
   }
 }
 
+TEST_P(SimulationTypeWrite, OverMoreNamesFailsWhereTheNamesAreStored) {
+  ASSERT_EQ(Write(), 0);
+  names_ = Padded("STEP");
+  types_.m_pEtypindex = names_.data();
+  types_.m_nindex = 1;
+  EXPECT_EQ(Write(), IsSplit() ? 1 : 0);
+  if (IsSplit()) {
+    EXPECT_THAT(RawFile(file_.path()).texts(Part("data") + "/etypindex"),
+                ElementsAre(Padded("TIME"), Padded("Load case")));
+  }
+}
+
 TEST_P(SimulationTypeWrite, WithoutAFileOrItsGroupFails) {
   EXPECT_EQ(types_.WriteBlock(nullptr, 0, kBoth), 1);
   EXPECT_EQ(types_.WriteBlock("/no/such/file", 0, kBoth), 1);
