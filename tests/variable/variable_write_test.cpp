@@ -370,6 +370,24 @@ TEST_F(VariableBlockWrite, LeavesSingleValuesUncompressedWithoutDigitsOfItsOwn) 
   EXPECT_TRUE(RawFile(file.path()).filters("/post/constant/variable/Stress/orvblock/vmap").empty());
 }
 
+TEST_F(VariableBlockWrite, OverMoreComponentsFailsAndKeepsTheirTables) {
+  for (const int version : {1, 5}) {
+    const WriterVersion writer(version);
+    ForgedFile file = Empty();
+    FullVariable variable;
+    ASSERT_EQ(variable.WriteBlock(file.path().c_str(), 0, kBoth), 0);
+    variable.mbunit[0] = variable.mdunit[0] = 1;
+    variable.m_ncoo = 1;
+    EXPECT_EQ(variable.WriteBlock(file.path().c_str(), 0, kBoth), 1) << version;
+    const RawFile raw(file.path());
+    const std::string data =
+        version < 3 ? "/post/constant/variables/Stress/data/" : "/post/constant/variable/Stress/orvblock/";
+    EXPECT_EQ(raw.values<std::int32_t>(data + "mbunit"), (std::vector<std::int32_t>{2, 1})) << version;
+    EXPECT_EQ(raw.values<std::int32_t>(data + "mdunit"), (std::vector<std::int32_t>{0, 1})) << version;
+    EXPECT_EQ(raw.values<std::int32_t>(data + "ubid"), (std::vector<std::int32_t>{11, 12, 13})) << version;
+  }
+}
+
 TEST_F(VariableBlockWrite, NeedsAFileWithTheGroupOfTheVersion) {
   FullVariable variable;
   EXPECT_EQ(variable.WriteBlock(nullptr, 0, kBoth), 1);
