@@ -4,6 +4,7 @@
 
 #include "orvio/oh5_reader.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -182,6 +183,13 @@ TEST_F(Reader, TakesAFileWithoutAVersionForOneOfAnyMajor) {
   EXPECT_TRUE(Open().IsFileMajorAtMost(0));
   OH5Reader closed;
   EXPECT_TRUE(closed.IsFileMajorAtMost(0));
+}
+
+TEST_F(Reader, ComparesAMajorVersionBelowZeroAsALargeNumber) {
+  file_.header(-2, 0, 0);
+  EXPECT_FALSE(Open().IsFileMajorAtMost(2147483647U));
+  EXPECT_FALSE(reader_->IsFileMajorAtMost(4294967293U));
+  EXPECT_TRUE(reader_->IsFileMajorAtMost(4294967294U));
 }
 
 TEST_F(Reader, OpensAndClosesGroups) {
@@ -428,6 +436,13 @@ TEST_F(NumState, IsZeroForAFileWithoutStates) {
   EXPECT_EQ(Count(file_.path(), 0), 0);
   file_.at("/post").drop("singlestate");
   EXPECT_EQ(Count(file_.path(), 0), 0);
+}
+
+TEST_F(NumState, IsThatOfTheFileWithSlashesForAPathWithBackslashes) {
+  file_.group("/post/singlestate/state000000000001");
+  std::string path = file_.path();
+  std::ranges::replace(path, '/', '\\');
+  EXPECT_EQ(Count(path, 0), 1);
 }
 
 TEST_F(NumState, AnswersOneForAFileThatDoesNotOpen) {
