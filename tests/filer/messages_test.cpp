@@ -5,13 +5,18 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "filer/process_state.h"
+#include "orvio/oh5_io.h"
 #include "orvio/orv_filer.h"
+#include "orvio/orv_switches.h"
+#include "support/forged_file.h"
 #include "support/messages.h"
 #include "support/orv_test.h"
+#include "support/raw_hdf5.h"
 
 namespace {
 
@@ -80,6 +85,27 @@ TEST_F(HostMessages, AreHeldBackForAScope) {
   EXPECT_TRUE(messages.all().empty());
   SendEach();
   EXPECT_EQ(messages.all().size(), 3U);
+}
+
+TEST_F(HostMessages, AreNoneForDataThatCannotBeReadOrWritten) {
+  orv_test::ForgedFile file;
+  file.at("/post/constant/b").dataset<std::int32_t>("ints", {2}, {1, 2}).texts("word", 8, {}, {"word"});
+  const orv_test::Location place(file.path(), "/post/constant/b");
+  const hsize_t zero[] = {0}, three[] = {3};
+  std::int32_t values[3] = {};
+  char text[4] = {};
+  const Messages messages;
+  EXPECT_EQ(OH5Read_DATASET(place.id(), "ints", 1, three, ORV_INT, values), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "DatasetIO::\n\t \"ints\" dimension mismatch");
+  EXPECT_EQ(OH5Read_CHAR(place.id(), "word", 0, nullptr, 4, text), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "OH5Read_CHAR::\n\t \"word\" dimension mismatch");
+  EXPECT_EQ(OH5Read_SELECTIVE(place.id(), "ints", 1, zero, three, nullptr, nullptr, ORV_INT, values), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "OH5Read_SELECTINE::\n\t \"ints\" block size more than dimension");
+  EXPECT_EQ(OH5Read_ATTRIBUTE(place.id(), "nele", 0, nullptr, ORV_INT, values), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "OH5Read_ATTRIBUTE::\n\t \"nele\" attribute not exist");
+  EXPECT_EQ(OH5write_ATTRIBUTE(place.id(), "nele", nullptr, ORV_INT, 0, values), 1);
+  EXPECT_STREQ(ORVGetLastErrorText(), "OH5write_ATTRIBUTE::\n\t \"nele\" fail to write");
+  EXPECT_TRUE(messages.all().empty());
 }
 
 TEST_F(HostMessages, AreSilencedByANullCallback) {
