@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,46 @@ TEST_F(StartUp, ReadsACounterBelowOneAsOne) {
   }
 }
 
+TEST_F(StartUp, ReadsACounterBelowOneAsOneEvenWhereItFails) {
+  for (const int counter : {0, -7}) {
+    ForgedModel model;
+    ORVFiler filer(model.path().c_str());
+    int next_id = counter;
+    EXPECT_EQ(filer.InitReader(next_id), 1);
+    EXPECT_EQ(next_id, 1);
+  }
+}
+
+TEST_F(StartUp, OfAFileOfAHigherVersionThanTheReaderIsLikeThatOfAnyOther) {
+  ForgedModel model = GoodFile();
+  model.file().header(31, 4, 0);
+  ORVFiler filer(model.path().c_str());
+  Messages messages;
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_THAT(messages.all(), IsEmpty());
+  EXPECT_EQ(filer.GetMajorVersion(), 31);
+  EXPECT_EQ(filer.GetVariables().size(), 3U);
+  EXPECT_THAT(NamesOf(filer.GetResultList(1)), ElementsAre("NODE/COORDINATE", "NODE/Speed", "SHELL/Speed"));
+  EXPECT_THAT(NamesOf(filer.GetResultList(0)), ElementsAre("NODE/Speed"));
+  EXPECT_STREQ(filer.GetTitle(), "A plate");
+}
+
+TEST_F(StartUp, OfAPathWithBackslashesReadsTheFileWithSlashes) {
+  ForgedModel model = GoodFile();
+  std::string path = model.path();
+  std::ranges::replace(path, '/', '\\');
+  ORVFiler filer(path.c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_EQ(filer.GetFilePath(), path);
+  EXPECT_EQ(filer.GetMajorVersion(), 2);
+  EXPECT_TRUE(filer.HasRootGroup("post"));
+  EXPECT_EQ(filer.GetVariables().size(), 3U);
+  EXPECT_EQ(filer.GetResultList(1).size(), 3U);
+  EXPECT_EQ(filer.GetResultList(0).size(), 1U);
+}
+
 TEST_F(StartUp, OfAFileWithoutVariablesFailsWithItsMessage) {
   ForgedModel model;
   model.group("G", 1, {{"S", 1, 0}}).in_state(1, Result("Speed", 4));
@@ -183,6 +224,17 @@ TEST_F(StartUp, OfAFileWithOtherPropertiesAloneFails) {
   EXPECT_EQ(filer.data().properties.size(), 1U);
 }
 
+TEST_F(StartUp, OfAFileWithASecuredNodeAndNoResultsReadsNeitherUnitsNorIndexTypes) {
+  ForgedModel model;
+  model.variable({.name = "TIME", .key = "TIME"}).group("INDEX", 1, {{"TIME", 1, 0}});
+  model.index_types_of_group("INDEX", 1).system().properties("/post/constant", "SECURED_NODE", "COORDINATE", 2);
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_EQ(filer.GetSystem(), nullptr);
+  EXPECT_EQ(filer.GetIndexTypes(), nullptr);
+}
+
 TEST_F(StartUp, OfAFileBeforeVersion22LooksForNoPropertiesUnlessForced) {
   ForgedModel model;
   model.file().header(2, 1, 0);
@@ -237,6 +289,21 @@ INSTANTIATE_TEST_SUITE_P(
                     SkipCase{{ORV_CONFIG_SKIP_MULTISTATE}, {"NODE/COORDINATE", "NODE/Speed", "SHELL/Speed"}, {}},
                     SkipCase{{ORV_CONFIG_SKIP_SINGLESTATE, ORV_CONFIG_SKIP_MULTISTATE}, {"NODE/COORDINATE"}, {}}));
 
+TEST_F(StartUp, ReadsPropertiesOfBothSectionsWhateverResultsAreSkipped) {
+  for (const auto config : {ORV_CONFIG_SKIP_SINGLESTATE, ORV_CONFIG_SKIP_CONSTANT, ORV_CONFIG_SKIP_MULTISTATE}) {
+    ForgedModel model = GoodFile();
+    model.properties("/post/constant", "NODE", "Speed", 2)
+        .properties("/post/singlestate/state000000000001", "PART", "Speed", 2);
+    OpenFiler filer(model.path().c_str());
+    filer.SetConfig(config);
+    int next_id = 1;
+    ASSERT_EQ(filer.InitReader(next_id), 0);
+    ASSERT_EQ(filer.data().properties.size(), 2U) << config;
+    EXPECT_STREQ(filer.data().properties[0]->m_etyp, "NODE") << config;
+    EXPECT_STREQ(filer.data().properties[1]->m_etyp, "PART") << config;
+  }
+}
+
 TEST_F(StartUp, OfAFileWithoutResultsAnswers18WhereSomeWereToBeSkipped) {
   for (const auto config : {ORV_CONFIG_SKIP_SINGLESTATE, ORV_CONFIG_SKIP_CONSTANT}) {
     ForgedModel model;
@@ -282,6 +349,21 @@ TEST_F(StartUp, MarksConstantBlocks) {
   EXPECT_TRUE(filer.GetResultList(1)[0]->IsConstantBlk());
   EXPECT_FALSE(filer.GetResultList(1)[1]->IsConstantBlk());
   EXPECT_FALSE(filer.GetResultList(0)[0]->IsConstantBlk());
+}
+
+TEST_F(StartUp, FindsConstantBlocksOfElementsBetweenThoseOfEntitiesAndThoseOfTheFirstState) {
+  ForgedModel model;
+  model.variable({.name = "V", .key = "V"});
+  model.in_constant(Layered("SHELL", "V", 2, 1)).in_constant(Result("V", 4)).in_state(1, Layered("SOLID", "V", 3, 1));
+  ORVFiler filer(model.path().c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  const std::vector<ORVResult*>& results = filer.GetResultList(1);
+  ASSERT_THAT(NamesOf(results), ElementsAre("NODE/V", "SHELL/V", "SOLID/V"));
+  EXPECT_TRUE(results[0]->IsConstantBlk());
+  EXPECT_TRUE(results[1]->IsConstantBlk());
+  EXPECT_FALSE(results[2]->IsConstantBlk());
+  EXPECT_EQ(results[1]->GetKey(), 1100);
 }
 
 TEST_F(StartUp, TakesTheBlocksOfTheFirstStateForAllStates) {
@@ -569,6 +651,18 @@ TEST_F(StartUp, ASecondTimeClearsFirst) {
   EXPECT_EQ(filer.GetExtVariables().front()->GetIID(), 6);  // the caller's counter went on
 }
 
+TEST_F(StartUp, ASecondTimeForgetsASecuredNodeThatTheFileNoLongerHas) {
+  ForgedModel model;
+  model.variable({.name = "Speed", .key = "S"}).properties("/post/constant", "SECURED_NODE", "COORDINATE", 2);
+  OpenFiler filer(model.path().c_str());
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  model.file().at("/post/constant").drop("properties");
+  (void)model.path();
+  EXPECT_EQ(filer.InitReader(next_id), 1);
+  EXPECT_FALSE(filer.data().has_secured_node);
+}
+
 TEST_F(StartUp, ClearedLeavesNothingRead) {
   ForgedModel model = GoodFile();
   OpenFiler filer(model.path().c_str());
@@ -731,6 +825,17 @@ TEST_F(StartUp, OfMultiStateBlocksInAFileWithoutThemFails) {
   int next_id = 1;
   ASSERT_EQ(filer.InitReader(next_id), 0);
   EXPECT_EQ(filer.ReadMultiStateBlocks(false), 1);
+}
+
+TEST_F(StartUp, LooksForMultiStateBlocksFromNowOnThoughThereAreNone) {
+  ForgedModel model;
+  model.variable({.name = "Speed", .key = "S"}).in_state(1, Result("Speed", 1));
+  ORVFiler filer(model.path().c_str());
+  filer.SetConfig(ORV_CONFIG_SKIP_MULTISTATE);
+  int next_id = 1;
+  ASSERT_EQ(filer.InitReader(next_id), 0);
+  EXPECT_EQ(filer.ReadMultiStateBlocks(false), 1);
+  EXPECT_EQ(filer.CheckConfig(ORV_CONFIG_SKIP_MULTISTATE), 0);
 }
 
 TEST_F(StartUp, ForAReloadReadsTheNumberOfStatesOfMultiStateBlocksAnew) {
