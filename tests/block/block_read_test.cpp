@@ -161,6 +161,13 @@ TEST_F(BlockRead, PrefersTheSingleLayoutWhateverThePathSaid) {
   EXPECT_THAT(Calls(), ElementsAre("header 1 /post/constant/attributes/NODE/orvblock"));
 }
 
+TEST_F(BlockRead, TakesTheLayoutFromItsPathWhereTheGroupIsCalledOtherwise) {
+  Split();
+  block_.SetBlkPath("/elsewhere/orvblock");
+  EXPECT_EQ(Read(3), 0);
+  EXPECT_THAT(Calls(), ElementsAre("header 3 /post/constant/attributes/NODE", "data 3 /post/constant/attributes/NODE"));
+}
+
 TEST_F(BlockRead, FollowsALinkToTheSingleLayoutInsideTheFile) {
   file_.group("/elsewhere/orvblock").group(kNode);
   file_.at(kNode).soft_link("orvblock", "/elsewhere/orvblock");
@@ -211,6 +218,19 @@ TEST_F(BlockRead, ReadsByPositionInTheOrderOfNames) {
   block_.SetBlkPath("");
   EXPECT_EQ(block_.ReadBlockAt(path.c_str(), 0, 1, 1), 0);
   EXPECT_THAT(Calls(), ElementsAre("header 1 /post/constant/attributes/B/header"));
+}
+
+TEST_F(BlockRead, CountsAndReadsByPositionInAState) {
+  file_.group("/post/constant/attributes/A/header").group(State(1));
+  file_.group(State(2) + "/attributes/B/header").group(State(2) + "/attributes/C/header");
+  const std::string path = file_.path();
+  int count = 99;
+  EXPECT_EQ(block_.ReadNumBlock(path.c_str(), 1, &count), 1);
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(block_.ReadNumBlock(path.c_str(), 2, &count), 0);
+  EXPECT_EQ(count, 2);
+  EXPECT_EQ(block_.ReadBlockAt(path.c_str(), 2, 1, 1), 0);
+  EXPECT_THAT(Calls(), ElementsAre("header 1 /post/singlestate/state000000000002/attributes/C/header"));
 }
 
 TEST_F(BlockRead, FailsAtAPositionThatHoldsNoBlock) {
@@ -392,6 +412,23 @@ TEST_F(BlockRead, CopiesItsFieldsButNotTheReader) {
   EXPECT_EQ(block.CloseH5Reader(), 0);
 }
 
+int VisitNoGroup(hid_t, const char*, void*) { return 0; }
+
+int VisitNoLink(hid_t, const char*, const H5L_info1_t*, void*) { return 0; }
+
+TEST_F(BlockRead, CopiesItsVisitors) {
+  RecordingBlock block;
+  block.m_pfnCallBackImp = VisitNoGroup;
+  block.m_pfnCallBackImp2 = VisitNoLink;
+  const RecordingBlock made(block);
+  RecordingBlock assigned;
+  assigned = block;
+  EXPECT_EQ(made.m_pfnCallBackImp, &VisitNoGroup);
+  EXPECT_EQ(made.m_pfnCallBackImp2, &VisitNoLink);
+  EXPECT_EQ(assigned.m_pfnCallBackImp, &VisitNoGroup);
+  EXPECT_EQ(assigned.m_pfnCallBackImp2, &VisitNoLink);
+}
+
 TEST_F(BlockRead, KnowsIntegerTypes) {
   EXPECT_TRUE(ORVBlock::IsORVIntType(ORV_INT));
   EXPECT_TRUE(ORVBlock::IsORVIntType(ORV_LONG));
@@ -463,6 +500,22 @@ TEST_F(BlockRead, TellsFiltersAndTypesInBothLayouts) {
   fill("/post/constant/attributes/SINGLE/orvblock");
   block_ = RecordingBlock(200, "SINGLE");
   expect_told();
+}
+
+TEST_F(BlockRead, TellsFiltersAndTypesOfTheFirstPartThatHasTheDataset) {
+  const std::string node = kNode;
+  file_.at(node + "/header").dataset<float>("res", {1}, {1.F}).dataset<float>("flags", {1}, {1.F});
+  file_.at(node + "/data").dataset<double>("res", {1}, {1.}).dataset<float>("both", {1}, {1.F});
+  file_.at(node + "/index").dataset<std::int64_t>("indexident", {1}, {1}).dataset<std::int32_t>("both", {1}, {1});
+  const std::string path = file_.path();
+  std::vector<int> filters;
+  EXPECT_EQ(block_.ReadDatasetFilterIds(path.c_str(), 0, "res", filters), 0);
+  EXPECT_EQ(block_.ReadDatasetFilterIds(path.c_str(), 0, "indexident", filters), 0);
+  EXPECT_EQ(block_.ReadDatasetFilterIds(path.c_str(), 0, "flags", filters), 1);
+  EXPECT_THAT(filters, IsEmpty());
+  std::vector<_ORVDataType> types;
+  EXPECT_EQ(block_.ReadDatasetFileDataType(path.c_str(), 0, {"res", "indexident", "both", "flags"}, types), 0);
+  EXPECT_THAT(types, ElementsAre(ORV_DOUBLE, ORV_LONG, ORV_FLOAT, ORV_UNKNOWN_TYPE));
 }
 
 TEST_F(BlockRead, TellsNothingAboutDatasetsOfABlockThatIsNotThere) {
