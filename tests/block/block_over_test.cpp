@@ -192,6 +192,18 @@ TEST_F(BlockOver, LooksAtTheSplitLayoutOnly) {
   EXPECT_THAT(block_.calls, IsEmpty());
 }
 
+TEST_F(BlockOver, WalksTheStatesWhateverSectionTheKeyIsFixedTo) {
+  file_.group("/post/multistate/state000000000009/attributes/NODE/header");
+  file_.group("/post/constant/state000000000008/attributes/NODE/header");
+  for (const std::int64_t key : {10, 1050}) {
+    block_.m_BlkKey = key;
+    EXPECT_EQ(Read(1, 1, 2, 1), 0);
+    EXPECT_THAT(States(), ElementsAre(1, 2)) << key;
+    EXPECT_EQ(Iterate(1, 2, 1, 0), 0);
+    EXPECT_THAT(States(), ElementsAre(1, 2)) << key;
+  }
+}
+
 TEST_F(BlockOver, PassesOverAStateWhoseNameIsTooLongWithoutACall) {
   const std::string fits = "/post/singlestate/a" + std::string(1022, 'a');
   const std::string too_long = "/post/singlestate/b" + std::string(1023, 'b');
@@ -221,6 +233,13 @@ TEST_F(BlockOver, IteratesBackwards) {
   EXPECT_EQ(Iterate(4, 3, 1, 1), 0);
   EXPECT_EQ(Iterate(6, 0, 1, 1), 0);
   EXPECT_THAT(States(), IsEmpty());
+}
+
+TEST_F(BlockOver, IteratesEachStateWhereTheStepIsBelowOne) {
+  EXPECT_EQ(Iterate(2, 4, 0, 0), 0);
+  EXPECT_THAT(States(), ElementsAre(2, 3, 4));
+  EXPECT_EQ(Iterate(2, 4, -7, 1), 0);
+  EXPECT_THAT(States(), ElementsAre(4, 3, 2));
 }
 
 TEST_F(BlockOver, IteratesAllBlocksBelowTheNamedGroup) {
