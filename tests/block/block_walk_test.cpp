@@ -117,6 +117,15 @@ TEST_F(BlockWalk, EndsItsDescentAtAGroupNamedData) {
   EXPECT_THAT(Told(), ElementsAre("0 2 A /post/constant/entityresults/A"));
 }
 
+TEST_F(BlockWalk, EndsItsDescentAtGroupsNamedIndexAndOrvblock) {
+  Add({"A/index/X/orvblock", "B/orvblock/Y/data"});
+  EXPECT_EQ(Walk(7), 0);
+  EXPECT_THAT(
+      Told(),
+      ElementsAre("0 4 A /post/constant/entityresults/A", "0 1 B /post/constant/entityresults/B/orvblock",
+                  "0 2 B /post/constant/entityresults/B/orvblock", "0 4 B /post/constant/entityresults/B/orvblock"));
+}
+
 TEST_F(BlockWalk, TellsTheStatusOfEachStage) {
   Add({"A/orvblock"});
   block_.header_status = 3;
@@ -141,6 +150,15 @@ TEST_F(BlockWalk, StartsWithAnEmptyName) {
   EXPECT_THAT(Told(), ElementsAre("0 1  /post/constant/entityresults/orvblock"));
 }
 
+TEST_F(BlockWalk, ForgetsTheNameThatTheOneBeforeEndedWith) {
+  Add({"A/orvblock"});
+  EXPECT_EQ(Walk(1), 0);
+  file_.at(kRoot).drop("A").group("orvblock");
+  EXPECT_EQ(Walk(1), 0);
+  EXPECT_THAT(Told(), ElementsAre("0 1 A /post/constant/entityresults/A/orvblock",
+                                  "0 1  /post/constant/entityresults/orvblock"));
+}
+
 TEST_F(BlockWalk, NeedsAFileAndACallback) {
   Add({"A/orvblock"});
   const std::string path = file_.path();
@@ -158,6 +176,17 @@ TEST_F(BlockWalk, StopsForGood) {
   EXPECT_EQ(Walk(7), 0);
   EXPECT_THAT(Told(), ElementsAre("0 1 A /post/constant/entityresults/A/orvblock"));
   EXPECT_EQ(block_.m_nActionResult, ORV_ACTION_STOP);
+}
+
+TEST_F(BlockWalk, ForgetsTheAnswerThatStoppedTheOneBefore) {
+  Add({"A/orvblock", "B/orvblock"});
+  Record().answer = [](int, const std::string&) { return ORV_ACTION_STOP; };
+  EXPECT_EQ(Walk(1), 0);
+  EXPECT_EQ(Told().size(), 1U);
+  ClearRecord();
+  EXPECT_EQ(Walk(1), 0);
+  EXPECT_THAT(Told(), ElementsAre("0 1 A /post/constant/entityresults/A/orvblock",
+                                  "0 1 B /post/constant/entityresults/B/orvblock"));
 }
 
 TEST_F(BlockWalk, StopsInTheMiddleOfASplitBlock) {
@@ -264,6 +293,13 @@ TEST_F(BlockWalk, TakesThePathOfABlockFromASoftLinkToIt) {
   file_.at(kRoot + std::string("/B")).soft_link("orvblock", "/elsewhere/A");
   EXPECT_EQ(Walk(1), 0);
   EXPECT_THAT(Told(), ElementsAre("0 1 B /elsewhere/A/orvblock"));
+}
+
+TEST_F(BlockWalk, TakesThePathOfASplitBlockFromASoftLinkToItsData) {
+  file_.group("/elsewhere/A/data").group(kRoot + std::string("/B/header"));
+  file_.at(kRoot + std::string("/B")).soft_link("data", "/elsewhere/A/data");
+  EXPECT_EQ(Walk(3), 0);
+  EXPECT_THAT(Told(), ElementsAre("0 1 B /elsewhere/A/data", "0 2 B /elsewhere/A/data"));
 }
 
 TEST_F(BlockWalk, EndsInsideCycles) {
@@ -379,6 +415,16 @@ TEST_F(BlockVisitor, WorksForTheBlockOfTheLastWalk) {
   Told();
   IterateLinks(ORVBlock::BlockCallBackImp2);
   EXPECT_THAT(Told(), ElementsAre("0 1 A /post/constant/entityresults/A/orvblock"));
+}
+
+TEST_F(BlockVisitor, LetsTheIterationRunToItsEndAfterAStop) {
+  Add({"A/orvblock", "B/orvblock"});
+  EXPECT_EQ(Walk(1), 0);
+  Told();
+  Record().answer = [](int, const std::string&) { return ORV_ACTION_STOP; };
+  IterateLinks(ORVBlock::BlockCallBackImp2);  // expects 0 of HDF5, which answers 1 for an iteration cut short
+  EXPECT_THAT(Told(), ElementsAre("0 1 A /post/constant/entityresults/A/orvblock"));
+  EXPECT_EQ(block_.m_nActionResult, ORV_ACTION_STOP);
 }
 
 TEST_F(BlockVisitor, DoesNothingAfterTheBlockIsGone) {
