@@ -52,6 +52,25 @@ TEST_F(BlockIndex, IsReadInRowsWithColumns) {
   EXPECT_THAT(values_, ElementsAre(.5F, 1.5F, 2.5F, 3.5F, 4.5F, 5.5F, -1, -1));
 }
 
+TEST_F(BlockIndex, IsReadInTheTypesHandedIn) {
+  std::int64_t ident[2] = {};
+  double values[2] = {};
+  ident_type_ = ORV_LONG;
+  value_type_ = ORV_DOUBLE;
+  const Id group(H5Gopen2(block_.GetH5Reader()->GetFileId(), "/row", H5P_DEFAULT), "/row");
+  EXPECT_EQ(block_.ReadIndexComm(group.get(), 2, 0, 4, &ident_type_, ident, &value_type_, values), 0);
+  EXPECT_THAT(ident, ElementsAre(1, 2));
+  EXPECT_THAT(values, ElementsAre(.5, 1.5));
+}
+
+TEST_F(BlockIndex, IsReadBeforeItsStoredTypesAreTold) {
+  EXPECT_EQ(ReadAt("/rows", 2, 3, 20), 0);
+  EXPECT_THAT(ident_, ElementsAre(1, 2, 3, 4, 5, 6, -1, -1));
+  EXPECT_THAT(values_, ElementsAre(.5F, 1.5F, 2.5F, 3.5F, 4.5F, 5.5F, -1, -1));
+  EXPECT_EQ(ident_type_, ORV_LONG);
+  EXPECT_EQ(value_type_, ORV_DOUBLE);
+}
+
 TEST_F(BlockIndex, ReadsNoValuesAfterIdentifiersThatFailed) {
   EXPECT_EQ(ReadAt("/row", 3, 0, 4), 1);
   EXPECT_EQ(ReadAt("/rows", 3, 2, 4), 1);
@@ -139,6 +158,18 @@ TEST_F(BlockIndexWrite, StoresARowOrRows) {
   EXPECT_THAT(raw.shape("/rows/indexval"), ElementsAre(3, 2));
   EXPECT_THAT(raw.shape("/rows/indexident"), ElementsAre(3, 2));
   EXPECT_THAT(raw.values<std::int32_t>("/rows/indexident"), ElementsAre(1, 2, 3, 4, 5, 6));
+}
+
+TEST_F(BlockIndexWrite, StoresTheTypesHandedIn) {
+  std::int64_t ident[] = {5000000000, 2};
+  double values[] = {.5, 1e300};
+  file_.at("/row").raw(
+      [&](hid_t here) { EXPECT_EQ(block_.WriteIndexComm(here, 2, 0, 1, ORV_LONG, ident, ORV_DOUBLE, values), 0); });
+  const RawFile raw(file_.path());
+  EXPECT_EQ(raw.type_size("/row/indexident"), 8U);
+  EXPECT_THAT(raw.values<std::int64_t>("/row/indexident"), ElementsAre(5000000000, 2));
+  EXPECT_EQ(raw.type_size("/row/indexval"), 8U);
+  EXPECT_THAT(raw.values<double>("/row/indexval"), ElementsAre(.5, 1e300));
 }
 
 TEST_F(BlockIndexWrite, StoresNoIdentifiersAfterValuesThatFailed) {
