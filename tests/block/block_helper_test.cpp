@@ -163,6 +163,16 @@ TEST_F(BlockHelperSearch, GoesOnAlthoughAPathIsSet) {
   EXPECT_EQ(helper_.GetBlkPath(), "/post/singlestate/state000000000001/entityresults/B/orvblock");
 }
 
+TEST_F(BlockHelperSearch, TakesThePathOfTheBlockAndKeepsItsOwnKeyAndSwitch) {
+  AddBlock(State(1) + "/entityresults/A", 1001, "nent", 0);
+  helper_.m_BlkKey = 1000;
+  helper_.m_bReadEntityCount = true;  // what counts is the filter of the call
+  EXPECT_EQ(Update(1, false), 0);
+  EXPECT_EQ(helper_.GetBlkPath(), "/post/singlestate/state000000000001/entityresults/A/orvblock");
+  EXPECT_EQ(helper_.GetKey(), 1000);
+  EXPECT_TRUE(helper_.m_bReadEntityCount);
+}
+
 TEST_F(BlockHelperSearch, PassesOverEmptyBlocksWithTheFilter) {
   AddBlock(State(1) + "/entityresults/A", 1000, "nent", 0);
   AddBlock(State(1) + "/entityresults/B", 1000, "nent", 3);
