@@ -95,6 +95,14 @@ TEST_F(SelectiveWrite, WithoutExtentGrowsNumbersByOneAlongTheSecondAxis) {
             (std::vector<std::int32_t>{1, 2, 3, -1, 4, 5, 6, -2, 7, 8, 9, -3, 10, 11, 12, -4}));
 }
 
+TEST_F(SelectiveWrite, WithoutExtentGrowsTheSecondOfThreeAxes) {
+  Forge<std::int32_t>({2, 1, 2}, {1, 2, 3, 4});
+  EXPECT_EQ(Write<std::int32_t>(ORV_INT, {{0, 1, 0}, {2, 1, 2}}, {5, 6, 7, 8}), 0);
+  const RawFile file = Look();
+  EXPECT_EQ(file.shape(At()), (Dims{2, 2, 2}));
+  EXPECT_EQ(file.values<std::int32_t>(At()), (std::vector<std::int32_t>{1, 2, 5, 6, 3, 4, 7, 8}));
+}
+
 TEST_F(SelectiveWrite, WithoutExtentLeavesTheSizeOfRankOne) {
   Forge<double>({3}, {1, 2, 3});
   EXPECT_EQ(Write<double>(ORV_DOUBLE, {{1}, {2}}, {8, 9}), 0);
@@ -110,6 +118,14 @@ TEST_F(SelectiveWrite, WithExtentGrowsNumbersByItAlongEachAxis) {
   const RawFile file = Look();
   EXPECT_EQ(file.shape(At()), (Dims{2, 2}));
   EXPECT_EQ(file.values<std::int32_t>(At()), (std::vector<std::int32_t>{1, 2, 3, 4}));
+}
+
+TEST_F(SelectiveWrite, WithExtentGrowsNumbersAlongAllAxesAtOnce) {
+  Forge<std::int32_t>({1, 1}, {1});
+  EXPECT_EQ(Write<std::int32_t>(ORV_INT, {{1, 2}, {1, 1}, {1, 2}}, {9}), 0);
+  const RawFile file = Look();
+  EXPECT_EQ(file.shape(At()), (Dims{2, 3}));
+  EXPECT_EQ(file.values<std::int32_t>(At()), (std::vector<std::int32_t>{1, 0, 0, 0, 0, 9}));
 }
 
 TEST_F(SelectiveWrite, WithAnExtentOfZeroWritesInPlace) {
@@ -160,6 +176,16 @@ TEST_F(SelectiveWrite, GrowsTextsByWhatIsWrittenWithoutExtentToo) {
   EXPECT_EQ(Look().texts(At()), (std::vector<std::string>{word, word}));
 }
 
+TEST_F(SelectiveWrite, GrowsTextsByWhatIsWrittenAlongEachAxis) {
+  EXPECT_EQ(WriteTexts(ORV_CHAR, {{0, 0}, {1, 1}, {4, 9}}, "ab  "), 0);
+  EXPECT_EQ(WriteTexts(ORV_CHAR, {{1, 1}, {1, 2}, {4, 9}}, "cdefghij"), 0);
+  const RawFile file = Look();
+  ASSERT_EQ(file.shape(At()), (Dims{2, 3}));
+  EXPECT_EQ(file.texts(At())[0], "ab  ");
+  EXPECT_EQ(file.texts(At())[4], "cdef");
+  EXPECT_EQ(file.texts(At())[5], "ghij");
+}
+
 TEST_F(SelectiveWrite, RefusesARankBelowOne) {
   const Location place(file_.path(), kBlock, H5F_ACC_RDWR);
   const std::int32_t value = 1;
@@ -189,6 +215,16 @@ TEST_F(SelectiveWrite, RefusesADatasetThatIsNeitherNumbersNorTexts) {
     const hsize_t dims[] = {2};
     const Id space(H5Screate_simple(1, dims, nullptr), "space");
     const Id made(H5Dcreate2(here, "x", H5T_STD_B32LE, space.get(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), "x");
+  });
+  EXPECT_EQ(Write<std::int32_t>(ORV_INT, {{0}, {1}}, {1}), 1);
+  EXPECT_EQ(LastText(), "OH5Write_SELECTIVE::\n\t \"x\" datatype ORV_FLOAT or ORV_INT expected");
+}
+
+TEST_F(SelectiveWrite, RefusesADatasetOfTimes) {
+  file_.raw([](hid_t here) {
+    const hsize_t dims[] = {2};
+    const Id space(H5Screate_simple(1, dims, nullptr), "space");
+    const Id made(H5Dcreate2(here, "x", H5T_UNIX_D32LE, space.get(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), "x");
   });
   EXPECT_EQ(Write<std::int32_t>(ORV_INT, {{0}, {1}}, {1}), 1);
   EXPECT_EQ(LastText(), "OH5Write_SELECTIVE::\n\t \"x\" datatype ORV_FLOAT or ORV_INT expected");
