@@ -75,6 +75,20 @@ TEST_F(StateGroup, IsNotMadeBeyondTheNextOne) {
   EXPECT_EQ(States(), Names{"state000000000001"});
 }
 
+TEST_F(StateGroup, IsNotMadeBeyondTheFirstOneWhereThereAreNone) {
+  EXPECT_EQ(Open(1, true), "");
+  EXPECT_EQ(Open(5, true), "");
+  EXPECT_EQ(States(), Names{});
+}
+
+TEST_F(StateGroup, IsNotFoundUnderANameThatIsTooLong) {
+  file_.group(std::string(512, 'a')).group(std::string(511, 'b'));
+  EXPECT_EQ(Open(0, false, H5F_ACC_RDONLY), "");
+  EXPECT_EQ(Open(0, true), "");
+  EXPECT_TRUE(Open(1, false, H5F_ACC_RDONLY).starts_with("/post/singlestate/bbb"));
+  EXPECT_TRUE(Open(1, true).starts_with("/post/singlestate/bbb"));
+}
+
 TEST_F(StateGroup, IsNotMadeUnlessAskedFor) {
   EXPECT_EQ(Open(0, false), "");
   EXPECT_EQ(States(), Names{});
