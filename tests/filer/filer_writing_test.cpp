@@ -166,6 +166,16 @@ TEST_F(FilerWriting, WritesBlocksInTheVersionItWasToldAndPutsTheOldOneBack) {
   ORVSetCurrentWriterVersion(1);
 }
 
+TEST_F(FilerWriting, TakesAVersionOutsideTheTableForOnePointOne) {
+  ORVFiler filer(nullptr);
+  ASSERT_EQ(filer.InitForWriting(TempPath("made.orv").c_str(), static_cast<_ORVVersion>(100), ORV_FILE_CREATE, false),
+            0);
+  NotingBlock block;
+  EXPECT_EQ(filer.WriteBlock(&block, 0, ORV_WRITE_HEADER), 0);
+  EXPECT_EQ(block.version, 1);
+  EXPECT_EQ(filer.GetMajorWriteVersion(), 1);
+}
+
 TEST_F(FilerWriting, AnswersWhatTheBlockAnswers) {
   const std::string path = TempPath("made.orv");
   ORVFiler filer(nullptr);
@@ -260,6 +270,34 @@ TEST_F(FilerWriting, DeletesLinksBelowThePathOfTheBlock) {
   EXPECT_FALSE(RawFile(path).exists(block + "/res"));
   EXPECT_TRUE(RawFile(path).exists(block));
   EXPECT_EQ(filer.DeleteLinks(nullptr, names), 1);
+}
+
+/// Notes what it is told to delete, and the writer version that is in force then.
+class NotingDeletions : public NotingBlock {
+ public:
+  int DeleteLinks(const char* file, std::vector<std::string>& names) override {
+    version = process().g_nWriterVersion;
+    path = file;
+    deleted = names;
+    return answer;
+  }
+
+  std::vector<std::string> deleted;
+};
+
+TEST_F(FilerWriting, DeletesLinksInTheVersionItWasToldAndPutsTheOldOneBack) {
+  const std::string path = TempPath("made.orv");
+  ORVFiler filer(nullptr);
+  ASSERT_EQ(filer.InitForWriting(path.c_str(), ORV_VERSION_2_1, ORV_FILE_CREATE, false), 0);
+  NotingDeletions block;
+  block.SetBlkPath("/a/b");
+  block.answer = 9;
+  std::vector<std::string> names = {"res", "c/d"};
+  EXPECT_EQ(filer.DeleteLinks(&block, names), 9);
+  EXPECT_EQ(block.version, 4);
+  EXPECT_EQ(block.path, path);
+  EXPECT_EQ(block.deleted, (std::vector<std::string>{"/a/b/res", "/a/b/c/d"}));
+  EXPECT_EQ(ORVGetCurrentWriterVersion(), 1);
 }
 
 TEST_F(FilerWriting, ASelectiveWriteFollowsTheVersionOfTheFileThatIsRead) {
