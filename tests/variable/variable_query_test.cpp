@@ -151,6 +151,43 @@ TEST_F(Variable, ResetForgetsHeaderOrDataAsAsked) {
   EXPECT_EQ(variable.m_pCompType, numbers);
 }
 
+TEST_F(Variable, ResetOfTheDataForgetsEveryTableButThoseOfAHost) {
+  int numbers[1] = {};
+  char text[1] = {};
+  char* texts[1] = {};
+  float floats[1] = {};
+  ORVVariable variable;
+  int** const integer_tables[] = {&variable.m_pMbunit, &variable.m_pMdunit,  &variable.m_pUbid,    &variable.m_pUdid,
+                                  &variable.m_pCid,    &variable.m_pSubscnt, &variable.m_pSubsoffs};
+  float** const float_tables[] = {&variable.m_pUbexp, &variable.m_pUdexp, &variable.m_pVmap};
+  char** const text_tables[] = {&variable.m_pCname, &variable.m_pSubscr};
+  for (int** table : integer_tables) *table = numbers;
+  for (float** table : float_tables) *table = floats;
+  for (char** table : text_tables) *table = text;
+  variable.m_ppOrgUnitStr = texts;
+  variable.ReSetBlock(ORV_READ_DATA);
+  for (int** table : integer_tables) EXPECT_EQ(*table, nullptr);
+  for (float** table : float_tables) EXPECT_EQ(*table, nullptr);
+  for (char** table : text_tables) EXPECT_EQ(*table, nullptr);
+  EXPECT_EQ(variable.m_ppOrgUnitStr, texts);
+}
+
+TEST_F(Variable, ResetOfTheDataRestoresEveryElementType) {
+  ORVVariable variable;
+  for (_ORVDataType* type : {&variable.m_mbunitType, &variable.m_mdunitType, &variable.m_ubidType,
+                             &variable.m_ubexpType, &variable.m_udidType, &variable.m_udexpType, &variable.m_cidType}) {
+    *type = ORV_CHAR;
+  }
+  variable.ReSetBlock(ORV_READ_DATA);
+  EXPECT_EQ(variable.m_mbunitType, ORV_INT);
+  EXPECT_EQ(variable.m_mdunitType, ORV_INT);
+  EXPECT_EQ(variable.m_ubidType, ORV_INT);
+  EXPECT_EQ(variable.m_ubexpType, ORV_FLOAT);
+  EXPECT_EQ(variable.m_udidType, ORV_INT);
+  EXPECT_EQ(variable.m_udexpType, ORV_FLOAT);
+  EXPECT_EQ(variable.m_cidType, ORV_INT);
+}
+
 TEST_F(Variable, IsKnownByItsKeyAndElseByItsName) {
   ORVVariable variable;
   SetText(variable.m_varnam, "Name");
