@@ -236,6 +236,18 @@ TEST_F(VariableData, UnitTablesTakeSevenEntriesAComponent) {
   EXPECT_EQ(Values(variable.m_pUdexp, 14), std::vector<float>(14, 6));
 }
 
+TEST_F(VariableData, UnitListsAreAsLongAsTheCountsSayWhateverTheHeaderTotals) {
+  ForgedFile file = ForgeKeyed();
+  file.integer("lenb", 1).integer("lend", INT64_MAX);
+  TestVariable variable;
+  ASSERT_EQ(variable.ReadFirst(file), 0);
+  EXPECT_EQ(variable.m_lenb, 1);
+  EXPECT_EQ(variable.m_lend, INT64_MAX);
+  EXPECT_EQ(Values(variable.m_pUbid, 3), (std::vector<int>{11, 12, 13}));
+  EXPECT_EQ(Values(variable.m_pUbexp, 3), (std::vector<float>{1, -2, 0.5F}));
+  EXPECT_EQ(variable.m_pUdid[0], 21);
+}
+
 TEST_F(VariableData, MoreUnitsThanTheTablesHoldFail) {
   for (const char* name : {"mbunit", "mdunit"}) {
     ForgedFile file = ForgeKeyed();
