@@ -173,6 +173,22 @@ TEST_F(VariableHeaderWrite, EndsAtAnyOtherAttributeOfAnotherClass) {
   }
 }
 
+TEST_F(VariableHeaderWrite, WritesIntoNumbersThatAreThereAndMakesTextsAnew) {
+  const WriterVersion writer(5);
+  ForgedFile file = Empty();
+  const std::string group = "/post/constant/variable/Stress/orvblock";
+  file.at(group).integer32("ncoo", 9).integer("rank", 8).integer("tensor", 6).text("varnam", "Other", 8);
+  FullVariable variable;
+  EXPECT_EQ(variable.WriteBlock(file.path().c_str(), 0, ORV_WRITE_HEADER), 0);
+  const RawFile raw(file.path());
+  EXPECT_EQ(raw.attribute_int(group, "ncoo"), 2);
+  EXPECT_EQ(raw.attribute_size(group, "ncoo"), 4U);
+  EXPECT_EQ(raw.attribute_int(group, "rank"), 1);
+  EXPECT_EQ(raw.attribute_int(group, "tensor"), 7);
+  EXPECT_EQ(raw.attribute_size(group, "tensor"), 8U);
+  EXPECT_EQ(raw.attribute_text(group, "varnam"), Padded("Stress"));
+}
+
 TEST_F(VariableHeaderWrite, OfAVariableWithoutComponentsWritesNothing) {
   ForgedFile file = Empty();
   FullVariable variable;
@@ -276,6 +292,16 @@ TEST_F(VariableDataWrite, AMapOfRankSixteenIsLeftOut) {
   FullVariable variable;
   variable.m_rank = 16;
   variable.m_ndim = 1;
+  EXPECT_EQ(variable.WriteBlock(file.path().c_str(), 0, kBoth), 0);
+  EXPECT_FALSE(RawFile(file.path()).exists("/post/constant/variable/Stress/orvblock/vmap"));
+}
+
+TEST_F(VariableDataWrite, AMapOfRankTwoAndExtentZeroIsLeftOut) {
+  const WriterVersion writer(5);
+  ForgedFile file = Empty();
+  FullVariable variable;
+  variable.m_rank = 2;
+  variable.m_ndim = 0;
   EXPECT_EQ(variable.WriteBlock(file.path().c_str(), 0, kBoth), 0);
   EXPECT_FALSE(RawFile(file.path()).exists("/post/constant/variable/Stress/orvblock/vmap"));
 }
