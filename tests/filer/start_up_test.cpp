@@ -521,6 +521,21 @@ TEST_F(StartUp, TellsOfAKeyThatNoVariableHasAndGoesOn) {
   EXPECT_EQ(group->m_variables[1], filer.GetVariable("Speed"));
 }
 
+TEST_F(StartUp, DoesNotTakeANameForAKeyOfAGroup) {
+  for (const auto layout : {ForgedModel::kSingle, ForgedModel::kSplit}) {
+    ForgedModel model(layout);
+    model.variable({.name = "Speed", .key = "S"}).group("G", 1, {{"Speed", 1, 0}}).in_state(1, Result("G", 1));
+    ORVFiler filer(model.path().c_str());
+    Messages messages;
+    int next_id = 1;
+    ASSERT_EQ(filer.InitReader(next_id), 0);
+    EXPECT_THAT(messages.all(),
+                testing::Contains(Message(1, "Unable to locate variable key \"Speed\" in the \"G\" variable group")));
+    EXPECT_TRUE(filer.GetVariableGroup("G")->m_variables.empty());
+    EXPECT_EQ(filer.GetNumExtVariables(), 0U);
+  }
+}
+
 TEST_F(StartUp, TakesTheFirstVariableOfAKeyIntoAGroupAsOftenAsItIsListed) {
   ForgedModel model = GoodFile();
   model.variable({.name = "Another", .key = "AAA"})
