@@ -342,6 +342,20 @@ TEST_F(VariableUnit, IsExactIfItsLastDerivedUnitIsWhateverItsBaseUnitsAre) {
   EXPECT_TRUE(FactorsOf(unit).exact);
 }
 
+TEST_F(VariableUnit, NeverGivesTheShiftOfAUnitInIt) {
+  Scaled shifted(2, 5);
+  ORVDUnit derived;
+  derived.SetShiftFactor(7);
+  derived.AppendBaseUnitInfo(&shifted, 1);
+  EXPECT_EQ(FactorsOf(derived).shift, 0.0);
+  ORVVariableUnit unit;
+  unit.AppendBaseUnit(&shifted, 1);
+  EXPECT_EQ(FactorsOf(unit).shift, 0.0);
+  unit.AppendDeriveUnit(&derived, 1);
+  EXPECT_EQ(FactorsOf(unit).shift, 0.0);
+  EXPECT_FALSE(FactorsOf(unit).exact);
+}
+
 TEST_F(VariableUnit, GivesItsUnitsAndIgnoresNull) {
   Scaled plain(3);
   ORVDUnit derived;
