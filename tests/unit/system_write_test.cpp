@@ -228,6 +228,16 @@ TEST_F(SystemWrite, OfTheHeaderAloneStoresNoTables) {
   EXPECT_FALSE(RawFile(file_.path()).exists(Data()));
 }
 
+TEST_F(SystemWrite, OfTheDataAloneLeavesTheHeader) {
+  ASSERT_EQ(Write(), 0);
+  std::strcpy(system_.m_title, "Another");
+  ubid_[0] = 21;
+  ASSERT_EQ(Write(ORV_WRITE_DATA), 0);
+  const RawFile raw(file_.path());
+  EXPECT_EQ(raw.attribute_text(Header(), "title"), Padded("A plate"));
+  EXPECT_THAT(raw.values<std::int32_t>(Data() + "/ubid"), ElementsAre(21, 2));
+}
+
 TEST_F(SystemWrite, DataFollowOnlyACleanHeader) {
   file_.at(Header()).text("nbunit", "two");
   EXPECT_EQ(Write(), 1);
