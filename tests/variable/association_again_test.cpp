@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "orvio/orv_filer.h"
@@ -45,6 +46,86 @@ TEST_F(AssociationAgain, MarksAllHandlesOfAGroup) {
   EXPECT_FALSE(serves("B", 2));
   EXPECT_FALSE(serves("C", 1));
   EXPECT_TRUE(serves("C", 2));
+}
+
+TEST_F(AssociationAgain, MarksAllHandlesOfAVariable) {
+  ForgedModel model;
+  model.variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Z"}});
+  model.in_state(1, OneNodeResult("Speed", 3)).in_multistate(OneNodeHistory("Speed", 3));
+  Opened opened(model);
+  ASSERT_EQ(opened.filer.GetNumExtVariables(), 4U);
+  for (const ORVExtVar* handle : opened.filer.GetExtVariables()) {
+    EXPECT_TRUE(handle->IsApplicable(1)) << handle->GetName();
+    EXPECT_TRUE(handle->IsApplicable(2)) << handle->GetName();
+  }
+}
+
+TEST_F(AssociationAgain, OfANameThatNothingHasTakesTheFormerDefinitionAway) {
+  for (const bool grouped : {false, true}) {
+    ForgedModel model;
+    model.variable({.name = "Speed", .key = "S"}).in_state(1, OneNodeResult("Speed", 1));
+    if (grouped) model.group("Speed", 1, {{"S", 1, 0}});
+    Opened opened(model);
+    ORVResult& result = *opened.filer.GetResultList(1).at(0);
+    ASSERT_EQ(result.m_variable != nullptr, !grouped);
+    ASSERT_EQ(result.m_variableGrp != nullptr, grouped);
+    std::strcpy(result.m_etypvar, "Gone");
+    std::vector<ORVResult*> results = {&result};
+    EXPECT_EQ(opened.filer.AssociateVariables(results, opened.next_id, 1), 0);
+    EXPECT_EQ(result.m_variable, nullptr);
+    EXPECT_EQ(result.m_variableGrp, nullptr);
+    EXPECT_EQ(opened.filer.GetNumExtVariables(), 1U);
+  }
+}
+
+TEST_F(AssociationAgain, OfAGroupWithoutCountsOrOffsetsMakesNoHandles) {
+  for (int* ORVVariableGrp::*array : {&ORVVariableGrp::m_pCnt, &ORVVariableGrp::m_pOffs}) {
+    ForgedModel model;
+    model.variable({.name = "A", .key = "A"}).group("G", 1, {{"A", 1, 0}}).in_state(1, OneNodeResult("G", 1));
+    Opened opened(model);
+    ORVVariableGrp& group = *opened.filer.GetVariableGroup("G");
+    ORVVariable& variable = *opened.filer.GetVariable("A");
+    variable.ClearExtVariables();
+    int* const kept = std::exchange(group.*array, nullptr);
+    std::vector<ORVResult*> results = opened.filer.GetResultList(1);
+    EXPECT_EQ(opened.filer.AssociateVariables(results, opened.next_id, 1), 0);
+    EXPECT_EQ(results.at(0)->m_variableGrp, &group);
+    EXPECT_EQ(variable.GetNumExtVar(), 0U);
+    group.*array = kept;
+  }
+}
+
+TEST_F(AssociationAgain, InTheSplitLayoutWithoutStoredNamesLeavesTheNamesEmpty) {
+  ForgedModel model(ForgedModel::kSplit);
+  model.variable({.name = "SPEED", .ncoo = 2, .labels = {"u", "v"}}).in_state(1, OneNodeResult("SPEED", 2));
+  Opened opened(model);
+  ORVVariable& speed = *opened.filer.GetVariable("SPEED");
+  speed.ClearExtVariables();
+  char* const kept = std::exchange(speed.m_pCname, nullptr);
+  std::vector<ORVResult*> results = opened.filer.GetResultList(1);
+  EXPECT_EQ(opened.filer.AssociateVariables(results, opened.next_id, 1), 0);
+  EXPECT_THAT(NamesOf(speed.GetExtVariables()), ElementsAre("", ""));
+  speed.m_pCname = kept;
+}
+
+/// Whether the handles of a variable fit another group is told by the first of them.
+TEST_F(AssociationAgain, DoesNotCopyAVariableWhoseFirstHandleIsComputed) {
+  ForgedModel model;
+  model.variable({.name = "Speed", .key = "S", .ncoo = 3, .rank = 1, .tensor = 1, .labels = {"X", "Y", "Z"}});
+  model.group("G", 3, {{"S", 3, 0}}).group("H", 6, {{"S", 3, 3}}).in_state(1, OneNodeResult("G", 3));
+  Opened opened(model);
+  std::vector<ORVExtVar*>& handles = opened.filer.GetVariable("Speed")->GetExtVariables();
+  ASSERT_EQ(handles.size(), 4U);
+  std::swap(handles.front(), handles.back());
+  ORVResult& result = *opened.filer.GetResultList(1).at(0);
+  std::strcpy(result.m_etypvar, "H");
+  result.m_ncoo = 6;
+  std::vector<ORVResult*> results = {&result};
+  EXPECT_EQ(opened.filer.AssociateVariables(results, opened.next_id, 1), 0);
+  EXPECT_EQ(opened.filer.GetVariables().size(), 1U);
+  std::swap(handles.front(), handles.back());
+  EXPECT_EQ(opened.filer.AssociateVariables(results, opened.next_id, 1), 0);
+  EXPECT_EQ(opened.filer.GetVariables().size(), 2U);
 }
 
 TEST_F(AssociationAgain, InAnotherOrderGivesOtherNamesToComponentsWithoutLabels) {
