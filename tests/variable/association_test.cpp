@@ -58,6 +58,18 @@ TEST_F(Association, BindsAResultToTheFirstVariableOfItsNameWhateverTheCase) {
   EXPECT_EQ(result->m_variableGrp, nullptr);
 }
 
+TEST_F(Association, BindsAResultToTheFirstGroupOfItsNameWhateverTheCase) {
+  ForgedModel model;
+  model.variable({.name = "Speed", .key = "S"});
+  model.group("LOADS", 1, {{"S", 1, 0}}).group("Loads", 1, {{"S", 1, 0}}).in_state(1, OneNodeResult("loads", 1));
+  Opened opened(model);
+  ASSERT_EQ(opened.status, 0);
+  ASSERT_EQ(opened.filer.GetVariableGroups().size(), 2U);
+  const ORVResult* result = opened.filer.GetResultList(1).at(0);
+  EXPECT_EQ(result->m_variableGrp, opened.filer.GetVariableGroups()[0]);
+  EXPECT_EQ(result->m_variable, nullptr);
+}
+
 TEST_F(Association, ToldOfAMissingVariableLeavesTheResultWithoutHandles) {
   ForgedModel model;
   model.variable({.name = "Speed"}).variable({.name = "Other", .key = "O"}).in_state(1, OneNodeResult("Force", 1));
@@ -461,7 +473,17 @@ TEST_F(Association, OfAGroupThatListsAKeyTwiceMakesHandlesAtTheFirstOffsetOnly) 
   EXPECT_THAT(IndexesOf(opened.filer.GetExtVariables()), ElementsAre(0));
 }
 
-TEST_F(Association, InTheSplitLayoutAppendsALabelToTheStoredNameAndNoIdWithoutOne) {
+TEST_F(Association, InTheSplitLayoutAppendsALabelToTheStoredName) {
+  ForgedModel model(ForgedModel::kSplit);
+  model.variable({.name = "SPEED", .ncoo = 2, .labels = {"u", "v"}}).file().integer32("subslen", 3);
+  model.file().at(model.Part("/post/constant/variables/SPEED", "data")).texts("subscr", 1, {3}, {"X", "Y", "Z"});
+  model.file().dataset<std::int32_t>("subscnt", {2}, {1, 2}).dataset<std::int32_t>("subsoffs", {2}, {0, 1});
+  model.in_state(1, OneNodeResult("SPEED", 2));
+  Opened opened(model);
+  EXPECT_THAT(NamesOf(opened.filer.GetExtVariables()), ElementsAre("u_X", "v_YZ"));
+}
+
+TEST_F(Association, InTheSplitLayoutWithANegativeLabelLengthAppendsNoId) {
   ForgedModel model(ForgedModel::kSplit);
   model.variable({.name = "SPEED", .ncoo = 2, .labels = {"u", "v"}});
   model.file().dataset<std::int32_t>("mbunit", {2}, {0, 0}).integer32("subslen", -4);
