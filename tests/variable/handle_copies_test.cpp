@@ -82,6 +82,20 @@ TEST_F(HandleCopies, AreAsManyAsTheShortestOfCountNamesAndTypes) {
   EXPECT_EQ(filer_->GetNumExtVariables(), 7U);
   EXPECT_EQ(Copy({1, 2, 3}, 0, 1, {"D", "E", "F"}, {0, 0}), 0);
   EXPECT_EQ(filer_->GetNumExtVariables(), 8U);
+  EXPECT_EQ(Copy({1, 2, 3}, 0, 3, {"G", "H"}, {0, 0, 0}), 0);
+  EXPECT_EQ(filer_->GetNumExtVariables(), 10U);
+}
+
+TEST_F(HandleCopies, TakeNamesAndTypesFromTheFirstOnWhereverTheIdsStart) {
+  EXPECT_EQ(Copy({9, 9, 2, 3}, 2, 2, {"A", "B", "C", "D"}, {71, 72, 73, 74}), 0);
+  ASSERT_EQ(filer_->GetNumExtVariables(), 7U);
+  const ORVExtVar& first = *filer_->GetExtVariables()[5];
+  EXPECT_EQ(first.GetName(), "A");
+  EXPECT_EQ(first.GetType(), 71);
+  EXPECT_EQ(first.GeIndex(), 1);
+  EXPECT_EQ(Last().GetName(), "B");
+  EXPECT_EQ(Last().GetType(), 72);
+  EXPECT_EQ(Last().GeIndex(), 2);
 }
 
 TEST_F(HandleCopies, OfEmptyListsOrARangeBeyondThemAreRefused) {
@@ -133,6 +147,23 @@ TEST_F(HandleCopies, OfResultsWithoutComponentsKnowNoClash) {
   EXPECT_EQ(Copy({1}, 0, 1, {"Temperature"}, {0}, 1), 0);
 }
 
+TEST_F(HandleCopies, OfANameThatNoHandleBearsKnowNoClashWhateverResultGoesByIt) {
+  ASSERT_TRUE(filer_->GetResultList(1).at(0)->IsKeyOrVariableAvailable("S"));
+  ASSERT_EQ(filer_->GetExtVariable("S"), nullptr);
+  EXPECT_EQ(Copy({1}, 0, 1, {"S"}, {0}, 1), 0);
+  EXPECT_EQ(Copy({1}, 0, 1, {"S"}, {0}, 1), 1);  // the copy bears it
+}
+
+TEST_F(HandleCopies, OfAFilerWithoutHandlesHaveTheIdOne) {
+  std::vector<ORVExtVar*> kept;
+  kept.swap(filer_->GetExtVariables());
+  EXPECT_EQ(Copy({2}, 0, 1, {"A"}, {0}), 0);  // the variable has its handles still
+  std::vector<ORVExtVar*>& made = filer_->GetExtVariables();
+  EXPECT_EQ(made.size(), 1U);
+  for (const ORVExtVar* handle : made) EXPECT_EQ(handle->GetIID(), 1);
+  made.insert(made.end(), kept.begin(), kept.end());
+}
+
 TEST_F(HandleCopies, NeverHaveAnIdBelowTwo) {
   for (ORVExtVar* handle : filer_->GetExtVariables()) handle->SetIID(handle->GetIID() - 100);
   EXPECT_EQ(Copy({-99}, 0, 1, {"A"}, {0}), 0);
@@ -165,6 +196,13 @@ TEST_F(FilerHandles, AreFoundByEitherId) {
   EXPECT_EQ(filer_->GetVariableFrmID(50, false), filer_->GetVariable("Speed"));
   EXPECT_EQ(filer_->GetVariableFrmID(5, true), filer_->GetVariable("Temperature"));
   EXPECT_EQ(filer_->GetVariableFrmID(6, true), nullptr);
+}
+
+TEST_F(FilerHandles, OfOneNameOrIdAreTheFirst) {
+  EXPECT_EQ(Copy({1}, 0, 1, {"Speed_Y"}, {0}), 0);
+  EXPECT_EQ(filer_->GetExtVariable("Speed_Y")->GetIID(), 2);
+  for (const int iid : {4, 3}) filer_->GetExtVariable(iid, true)->SetEID(50);
+  EXPECT_EQ(filer_->GetExtVariable(50, false)->GetIID(), 3);
 }
 
 TEST_F(FilerHandles, OfTwoVariablesBelongToTheFirst) {
