@@ -98,6 +98,20 @@ TEST_F(MissingDefinitions, OfAVariableAreAGroupThatHoldsIt) {
   orvio::FreeBuffers(*group);
 }
 
+TEST_F(MissingDefinitions, OfAVariableWithoutAKeyAreAGroupOfItsNameAndItsOriginalCount) {
+  ORVVariable variable;
+  SetText(variable.m_varnam, "Speed");
+  variable.m_ncoo = 3;
+  variable.SetOriginalCount(2);
+  const auto group = orvio::CreateGroupForVariable(variable);
+  ASSERT_NE(group, nullptr);
+  EXPECT_STREQ(group->m_grpName, "Speed");
+  EXPECT_STREQ(group->m_pKeys, "Speed");
+  EXPECT_EQ(group->m_ncoo, 2);
+  EXPECT_EQ(group->m_pCnt[0], 2);
+  orvio::FreeBuffers(*group);
+}
+
 // ---- Prefix
 
 class KeyPrefix : public orv_test::OrvTest {
