@@ -123,6 +123,26 @@ TEST_F(VariableGroupOverwrite, ReplacesHeaderAndData) {
   EXPECT_EQ(raw.texts(at + "varkey")[0], "K" + std::string(255, 'k'));
 }
 
+TEST_F(VariableGroupOverwrite, OfTheHeaderOrTheDataLeavesTheOtherAlone) {
+  const std::string path = Write(), counts = std::string(kSingle) + "/cnt";
+  group_.m_ncoo = 11;
+  counts_[0] = 4;
+  EXPECT_EQ(WriteAgain(path, ORV_WRITE_DATA), 0);
+  EXPECT_EQ(RawFile(path).attribute_int(kSingle, "ncoo"), 9);
+  EXPECT_THAT(RawFile(path).values<std::int32_t>(counts), ElementsAre(4, 6));
+  counts_[0] = 5;
+  EXPECT_EQ(WriteAgain(path, ORV_WRITE_HEADER), 0);
+  EXPECT_EQ(RawFile(path).attribute_int(kSingle, "ncoo"), 11);
+  EXPECT_THAT(RawFile(path).values<std::int32_t>(counts), ElementsAre(4, 6));
+}
+
+TEST_F(VariableGroupOverwrite, PutsADifferentKindOfBlocktypeAside) {
+  ForgedModel model;
+  model.file().at(kSingle).integer("blocktype", 3);
+  EXPECT_EQ(WriteAgain(model.path(), ORV_WRITE_HEADER), 0);
+  EXPECT_EQ(RawFile(model.path()).attribute_text(kSingle, "blocktype"), "variablegroup" + std::string(243, ' '));
+}
+
 TEST_F(VariableGroupOverwrite, ByAShorterOneFailsAndKeepsTheData) {
   Point(3);
   const std::string path = Write();
