@@ -159,6 +159,34 @@ TEST_F(VariableGroupQuery, TakesThePrefixOfTheFirstKeyThatHasOne) {
   EXPECT_EQ(prefix, "before");
 }
 
+TEST_F(VariableGroupQuery, TakesThePrefixOfALaterKeyWhereTheFirstHasNone) {
+  SetText(speed_.m_varkey, "V");
+  SetText(stress_.m_varkey, "ABC:S");
+  std::string prefix;
+  EXPECT_EQ(group_.GetVariableKeyPrefix(prefix), 0);
+  EXPECT_EQ(prefix, "ABC");
+}
+
+TEST_F(VariableGroupQuery, AddsUpOriginalCountsWhateverTheCountsOfComponentsAre) {
+  speed_.SetOriginalCount(2);
+  group_.m_ncoo = 1;
+  EXPECT_EQ(group_.GetNumOrgCmpCnt(), 8U);
+}
+
+TEST_F(VariableGroupQuery, OfAKeyThatIsListedTwiceTellsTheFirstPosition) {
+  SetKey(1, "S");
+  int index = 5;
+  EXPECT_TRUE(group_.IsVariableKeyAvailable("S", index));
+  EXPECT_EQ(index, 1);
+}
+
+TEST_F(VariableGroupQuery, ForgettingTheHeaderKeepsTheArrays) {
+  group_.ReSetBlock(ORV_READ_HEADER);
+  EXPECT_EQ(group_.m_pCnt, counts_);
+  EXPECT_EQ(group_.m_pOffs, offsets_);
+  EXPECT_EQ(group_.m_pKeys, keys_);
+}
+
 TEST_F(VariableGroupQuery, ForgetsByParts) {
   group_.ReSetBlock(ORV_READ_DATA);
   EXPECT_EQ(group_.m_pCnt, nullptr);
@@ -229,6 +257,16 @@ TEST_F(VariableGroupQuery, BehindTheLastVariableIsAScalarOfNoClass) {
   EXPECT_EQ(info.var_class, 0);
   EXPECT_EQ(info.count, 6);
   EXPECT_EQ(info.offset, 7);
+}
+
+TEST_F(VariableGroupQuery, OfAMissingVariableTellsAScalarAtItsPlace) {
+  group_.m_variables[1] = nullptr;
+  Info info;
+  EXPECT_EQ(group_.GetVariableInfo(info.shape, info.var_class, info.count, info.offset, 1), 0);
+  EXPECT_EQ(info.shape, ORV_VARTYPE_SCALAR);
+  EXPECT_EQ(info.var_class, 0);
+  EXPECT_EQ(info.count, 4);
+  EXPECT_EQ(info.offset, 3);
 }
 
 TEST_F(VariableGroupQuery, RefusesAPositionThatIsNotListed) {
@@ -337,6 +375,14 @@ TEST_F(VariableGroupHandles, AreFoundByEitherId) {
   EXPECT_EQ(group_.GetExtVarId(5, true), -1);
 }
 
+TEST_F(VariableGroupHandles, OfOneIdOrNameInTwoVariablesAreThoseOfTheFirst) {
+  handles_[3]->SetIID(10);
+  handles_[3]->SetName("Speed_X");
+  EXPECT_EQ(group_.GetExtVarFrmId(10, true), handles_[0].get());
+  EXPECT_EQ(group_.GetExtVarId(10, true), 100);
+  EXPECT_EQ(group_.GetExtVariableFrmCmp("speed_x"), handles_[0].get());
+}
+
 TEST_F(VariableGroupHandles, LeadToTheLastVariableThatHasThem) {
   EXPECT_EQ(group_.GetVariableFrmId(10, true), &speed_);
   stress_.AppendExtVar(handles_[0].get());
@@ -386,6 +432,15 @@ TEST_F(VariableGroupHandles, GiveTheFirstUnitThatThereIs) {
   handles_[3]->SetUnit(&unit);
   EXPECT_EQ(group_.GetUnitPtr(200), &unit);
   EXPECT_EQ(group_.GetUnitPtr(100), nullptr);
+}
+
+TEST_F(VariableGroupHandles, OfOneIdInTwoVariablesGiveTheFirstUnitThatThereIs) {
+  ORVUnit first, second;
+  handles_[3]->SetEID(100);
+  handles_[3]->SetUnit(&second);
+  EXPECT_EQ(group_.GetUnitPtr(100), &second);  // the first variable has the handle, but no unit for it
+  handles_[0]->SetUnit(&first);
+  EXPECT_EQ(group_.GetUnitPtr(100), &first);
 }
 
 TEST_F(VariableGroupHandles, OfAVariableAtOffsetZeroBecomeInputs) {
