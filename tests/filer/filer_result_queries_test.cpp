@@ -63,6 +63,20 @@ TEST_F(FilerQueries, FindDisplacementsOfNodesByFiveNames) {
   EXPECT_EQ(Displacements(true), expected);
 }
 
+TEST_F(FilerQueries, FindDisplacementsOfThreeTypesOfNodesAndAppendThem) {
+  ORVResult* before = filer_.Add("Velocity");
+  Results expected = {before};
+  for (const int type : {50, 1009, 1010}) expected.push_back(filer_.Add("DISPLACEMENTS_NOD", 1000, type));
+  filer_.Add("DISPLACEMENTS_NOD", 1000, 51);
+  Results found = {before};
+  filer_.GetNodeDisplacementBlocks(found, false);
+  EXPECT_EQ(found, expected);
+  ORVResult* coordinate = filer_.Add("COORDINATE");
+  filer_.GetNodeCoordinateBlocks(found);
+  expected.push_back(coordinate);
+  EXPECT_EQ(found, expected);
+}
+
 TEST_F(FilerQueries, TellOfEachDisplacementByItself) {
   EXPECT_FALSE(HasDisplacement(true));
   filer_.Add("Complex_Translational_Acceleration");
@@ -70,6 +84,15 @@ TEST_F(FilerQueries, TellOfEachDisplacementByItself) {
   filer_.Add("ZPS:TranslationalDisplacementVector");
   EXPECT_FALSE(HasDisplacement(false));
   EXPECT_TRUE(HasDisplacement(true));
+}
+
+TEST_F(FilerQueries, TellOfDisplacementsByAnyOfFiveNamesAlone) {
+  for (const char* name : {"Translational_Displacement", "DISPLACEMENTS_NOD", "Complex_Translational_Displacement",
+                           "Complex Translational Displacements", "DISPLACEMENTS_NOD_CMPLX"}) {
+    FilerWithResults filer;
+    filer.Add(name);
+    EXPECT_TRUE(filer.IsDisplacementAvailable(entities_, base_types_, false, 1)) << name;
+  }
 }
 
 TEST_F(FilerQueries, TellOfDisplacementsOfAListAndOfTypes) {
@@ -237,6 +260,16 @@ TEST_P(FilerPrecision, OfNodesIsThatOfCoordinatesAndDisplacementsInTheFirstState
   (void)model_.path();
   EXPECT_FALSE(filer.HasDoublePrecisionNodeCoordinates());
   AddDouble(filer, "DISPLACEMENTS_NOD");
+  (void)model_.path();
+  EXPECT_TRUE(filer.HasDoublePrecisionNodeCoordinates());
+}
+
+TEST_P(FilerPrecision, OfNodesIsThatOfCoordinatesBesideSingleDisplacements) {
+  FilerWithResults filer(model_.path().c_str());
+  AddSingle(filer, "DISPLACEMENTS_NOD");
+  (void)model_.path();
+  EXPECT_FALSE(filer.HasDoublePrecisionNodeCoordinates());
+  AddDouble(filer, "COORDINATE");
   (void)model_.path();
   EXPECT_TRUE(filer.HasDoublePrecisionNodeCoordinates());
 }
