@@ -67,6 +67,29 @@ TEST_F(FilerResults, AreAppendedToTheCallersVector) {
   EXPECT_EQ(out, (Results{cplx_, shells_}));
 }
 
+TEST_F(FilerResults, StandBehindWhatTheVectorHeldAfterEveryLookup) {
+  Entities nodes = {Entity(50)};
+  std::vector<int> base_types = {1}, handles = {1};
+  Names names = {"SPEED"}, types = {"NODE"}, components = {"Speed_X"};
+  const auto expect_appended = [&](auto lookup) {
+    Results out = {cplx_};
+    lookup(out);
+    EXPECT_EQ(out, (Results{cplx_, speed_}));
+  };
+  expect_appended([&](Results& out) { filer_.GetResultBlks(nodes, names, out, -1, 1); });
+  expect_appended([&](Results& out) { filer_.GetResultBlks(base_types, names, out, -1, 1); });
+  expect_appended([&](Results& out) { filer_.GetResultBlks(names, out, -1, 1, true); });
+  expect_appended([&](Results& out) { filer_.GetResultBlksByName(types, names, out, -1, 1); });
+  expect_appended([&](Results& out) { filer_.GetResultBlksByVariableNameFlag(base_types, names, out, -1, 1, true); });
+  expect_appended([&](Results& out) { filer_.GetResultBlksFrmCmp(base_types, components, out, -1, 1); });
+  expect_appended([&](Results& out) { filer_.GetResultBlksFrmCmp(nodes, components, out, -1, 1); });
+  expect_appended([&](Results& out) { filer_.GetResultBlksFrmCmp(nodes, base_types, handles, out, -1, 1); });
+  expect_appended([&](Results& out) { filer_.GetResultBlksFrmResBlk(*speed_, out, true); });
+  Results out = {speed_};
+  filer_.GetUniqueSeriesMultistateBlocks(out);
+  EXPECT_EQ(out, (Results{speed_, history_}));
+}
+
 TEST_F(FilerResults, ByEntityTypeAndName) {
   Entities nodes = {Entity(50)}, no_types;
   Names names = {"SPEED"}, none;
