@@ -1,6 +1,7 @@
 // The value fetch over a list of blocks: states, counts, ids, types, and blocks that give nothing. What is selected of a
 // block is in value_fetch_selection_test, arrays and bounds are in value_fetch_arrays_test.
 
+#include "orvio/orv_buffer.h"
 #include "result/value_fetch_test.h"
 
 namespace {
@@ -38,6 +39,37 @@ TEST_P(ValueFetchBlocks, ReadsConstantBlocksOfTheListAmongTheConstants) {
   values_.m_state = 2;
   EXPECT_EQ(Fetch({&fixed, &nodes}, {.ext_id = kThird}), 0);
   EXPECT_EQ(values_.values(), (Floats{43, 13}));
+}
+
+TEST_P(ValueFetchBlocks, TakesTheEntityCountOfAConstantBlockFromTheConstants) {
+  file_.Add(kConstant, Nodes(3, "Fixed", 4)).Add(kState1, Nodes(2, "Fixed", 8));
+  ORVResult fixed = Listed("Fixed", 1);
+  fixed.SetConstantBlk(true);
+  EXPECT_EQ(Fetch({&fixed}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.values(), (Floats{41, 51, 61}));
+  EXPECT_EQ(values_.ids(), (Ints{400, 500, 600}));
+  EXPECT_EQ(fixed.m_nent, 3);
+}
+
+TEST_P(ValueFetchBlocks, LeavesOutABlockWithoutEntitiesInTheAskedState) {
+  file_.Add(kState1, Nodes(2)).Add(kState2, StoredBlock<float>{.nent = 0}).Add(kState2, Nodes(1, "Mass", 6));
+  ORVResult nodes = Listed("Node", 2);
+  ORVResult masses = Listed("Mass");
+  values_.m_state = 2;
+  EXPECT_EQ(Fetch({&nodes, &masses}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.values(), (Floats{61}));
+  EXPECT_EQ(values_.ids(), (Ints{600}));
+  EXPECT_EQ(nodes.m_nent, 0);
+  EXPECT_EQ(nodes.m_fetchSkip, 1);
+  values_.DeleteAllocation(true);
+  EXPECT_EQ(Fetch({&nodes, &masses}, {.variable = "SPEED"}), 0);
+  EXPECT_EQ(values_.values(), (Floats{61, 62, 63}));
+  EXPECT_EQ(values_.ids(), (Ints{600}));
+  values_.DeleteAllocation(true);
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 1);
+  EXPECT_EQ(Fetch({&nodes}, {.variable = "SPEED"}), 1);
+  ExpectNoAnswer();
+  EXPECT_TRUE(messages_.all().empty());
 }
 
 TEST_P(ValueFetchBlocks, BelowTheFirstStateReadsAllBlocksAmongTheConstants) {
@@ -167,6 +199,24 @@ TEST_P(ValueFetchBlocks, LeavesAFormerAnswerAloneWhereThereIsNone) {
   EXPECT_EQ(nodes.m_entid, nullptr);
 }
 
+TEST_P(ValueFetchBlocks, PutsANewAnswerInPlaceOfTheFormerOneWithoutFreeingThat) {
+  file_.Add(kState1, Nodes(2)).Add(kState2, Nodes(2, "Node", 5));
+  ORVResult nodes = Listed();
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  float* const former_values = values_.m_values;
+  int* const former_ids = values_.m_ids;
+  ASSERT_TRUE(former_values && former_ids);
+  values_.m_state = 2;
+  EXPECT_EQ(Fetch({&nodes}, {.ext_id = kFirst}), 0);
+  EXPECT_NE(values_.m_values, former_values);
+  EXPECT_NE(values_.m_ids, former_ids);
+  EXPECT_EQ(values_.values(), (Floats{51, 61}));
+  EXPECT_EQ(Floats(former_values, former_values + 2), (Floats{11, 21}));
+  EXPECT_EQ(Ints(former_ids, former_ids + 2), (Ints{100, 200}));
+  std::free(former_values);
+  std::free(former_ids);
+}
+
 TEST_P(ValueFetchBlocks, ReadsStoredDoublesAsFloats) {
   StoredBlock<double> block{.nent = 2, .shape = {2, 3}, .values = {1.5, 0, 0, 2.5, 0, 0}};
   file_.Add(kState1, block);
@@ -254,6 +304,26 @@ TEST_P(ValueFetchBlocks, LeavesNoBlockPointingAtTheAnswerBeforeIt) {
   EXPECT_EQ(nodes.m_entid, nullptr);
   EXPECT_EQ(nodes.m_fetchSkip, 1);
   EXPECT_EQ(masses.m_res, values_.m_values);
+}
+
+TEST_P(ValueFetchBlocks, ReadsMultiStateElementsFromTheFileThoughTheyAreHeldInMemory) {
+  StoredBlock<float> stored{.kind = 1150, .etyp = "SHELL", .nent = 2, .shape = {2, 2, 1, 1}, .values = {1, 2, 3, 4}};
+  file_.Add(kMultistate, stored);
+  ORVBufferManager manager;
+  ORVResult shells = ListedBlock(1150, "SHELL", "SPEED", 2, 1, speed_.get());
+  shells.m_numl = 1;
+  shells.m_nstate = 2;
+  std::vector<std::string> names = {"res"};
+  ASSERT_EQ(shells.CacheData(manager, file_.path().c_str(), 1, false, &names), 0);
+  stored.values = {5, 6, 7, 8};
+  file_.Add(kMultistate, stored);
+  values_.m_wantIds = 0;
+  EXPECT_EQ(Fetch({&shells}, {.ext_id = kFirst}), 0);
+  EXPECT_EQ(values_.values(), (Floats{5, 6, 7, 8}));
+  Floats held(4, -1);
+  shells.m_res = held.data();
+  EXPECT_EQ(shells.FillFromCacheData(1, ORV_ATT_RES, 0, nullptr, nullptr), 0);
+  EXPECT_EQ(held, (Floats{1, 2, 3, 4}));
 }
 
 /// One row per kind of result: what its first component delivers.
