@@ -67,6 +67,20 @@ TEST_P(ValueFetchPaths, PacksValuesIdsAndIndexRows) {
   EXPECT_EQ(IndexIdents(4), (Ints{2, 2, 1, 1}));
 }
 
+TEST_P(ValueFetchPaths, AreFloatsAndIntsOfStoredDoublesAndLongs) {
+  ORVResult block = Add("A", {1, 2}, {10, 20}, {0.5F});
+  file_.file().at(file_.Part(kState1, 1000, "A", "SPEED", "data")).dataset<double>("res", {2, 1}, {1.5, 2.5});
+  file_.file().dataset<std::int64_t>("entid", {2}, {30, 40});
+  file_.file().at(file_.Part(kState1, 1000, "A", "SPEED", "index")).dataset<double>("indexval", {1}, {0.25});
+  file_.file().dataset<std::int64_t>("indexident", {1}, {9});
+  values_.m_wantIds = 1;
+  EXPECT_EQ(Fetch({&block}), 0);
+  EXPECT_EQ(Values(), (Floats{1.5F, 2.5F}));
+  EXPECT_EQ(Ids(), (Ints{30, 40}));
+  EXPECT_EQ(IndexValues(1), (Floats{0.25F}));
+  EXPECT_EQ(IndexIdents(1), (Ints{9}));
+}
+
 TEST_P(ValueFetchPaths, WithoutIdsHasNoneButTheirNumber) {
   ORVResult block = Add("A", {1, 2}, {10, 20}, {});
   EXPECT_EQ(Fetch({&block}), 0);
