@@ -526,6 +526,23 @@ TEST_F(MultiStateGroup, WhoseComponentsLieBeyondTheBlockGivesNothing) {
   EXPECT_THAT(all_.shape, IsEmpty());
 }
 
+/// The same variables in a file without groups.
+using MultiStateKeyedVariable = MultiStateGroup;
+
+TEST_F(MultiStateKeyedVariable, IsFoundByItsNameAlone) {
+  ForgedValues block{.kind = 1050, .variable = "Speed", .nent = 1, .ncoo = 2, .nstate = 2};
+  block.values = Counted(4);
+  block.ids = {10};
+  block.index = {.5F, 1};
+  model_.in_multistate(block);
+  ASSERT_EQ(Read("speed"), 0);
+  EXPECT_THAT(all_.values, ElementsAre(1, 2, 3, 4));
+  EXPECT_THAT(all_.shape, ElementsAre(2, 1, 2));
+  EXPECT_THAT(all_.ids, ElementsAre(10));
+  EXPECT_EQ(Read("V"), 1);
+  EXPECT_THAT(all_.values, IsEmpty());
+}
+
 // ---- Damaged files. Without a bound each of these would ask for terabytes, which the sanitizer takes for a fault.
 
 TEST_P(MultiStateValues, OfCountsThatNothingStandsBehindAreNothing) {
