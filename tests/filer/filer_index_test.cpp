@@ -87,6 +87,23 @@ TEST_P(FilerIndex, HoldsDoublesBesideFloats) {
   EXPECT_THAT(ValuesOf(*filer().GetStateIndex(false)), ElementsAre(0.1F, 0.2F));
 }
 
+TEST_P(FilerIndex, HoldsIdentifiersBesideDoubles) {
+  AddHeat(1, {0.5, 1});
+  AddHeat(2, {0.75, 2});
+  const auto* index = filer().GetStateIndexDP(false);
+  ASSERT_NE(index, nullptr);
+  EXPECT_EQ(index->GetNumIndex(), 2);
+  ASSERT_EQ(index->GetNumState(), 2);
+  EXPECT_THAT(std::vector<int>(index->GetIndexIds(), index->GetIndexIds() + 4), ElementsAre(50, 100, 75, 200));
+}
+
+TEST_P(FilerIndex, HoldsARowForEachStateWhateverTheHeadersSayOfTheirNumber) {
+  for (const int state : {1, 2}) AddHeat(state, {0.5 * state}).integer("nstate", 7);
+  EXPECT_EQ(filer().GetStateIndex(false)->GetNumState(), 2);
+  EXPECT_THAT(ValuesOf(*filer().GetStateIndex(false)), ElementsAre(0.5F, 1));
+  EXPECT_THAT(ValuesOf(*filer().GetStateIndexDP(false)), ElementsAre(0.5, 1));
+}
+
 TEST_P(FilerIndex, IsReadOnce) {
   AddHeat(1, {0.5});
   const auto* index = filer().GetStateIndex(false);
@@ -96,6 +113,15 @@ TEST_P(FilerIndex, IsReadOnce) {
   EXPECT_EQ(index->GetNumState(), 1);
   EXPECT_EQ(filer().GetStateIndexDP(false), index_dp);
   EXPECT_EQ(index_dp->GetNumState(), 1);
+}
+
+TEST_P(FilerIndex, IsNotReadAgainUnaskedThoughItIsEmpty) {
+  ExpectEmpty(filer().GetStateIndex(false));
+  ExpectEmpty(filer().GetStateIndexDP(false));
+  AddHeat(1, {0.5});
+  ExpectEmpty(filer().GetStateIndex(false));
+  ExpectEmpty(filer().GetStateIndexDP(false));
+  EXPECT_EQ(filer().GetStateIndex(true)->GetNumState(), 1);
 }
 
 TEST_P(FilerIndex, IsReadAgainIntoTheSameHolderOnDemand) {
