@@ -62,10 +62,11 @@ int WriteStages(ORVBlock& block, const BlockParts& parts, int what) {
   return status;
 }
 
-int WriteIntoFixedGroup(ORVBlock& block, const char* file, h5::OH5GroupId group, int what) {
+int WriteIntoFixedGroup(ORVBlock& block, const char* file, h5::OH5GroupId group, int what,
+                        const WrittenShapes& shapes) {
   h5::WriteFile opened(h5::OpenFile(file, H5F_ACC_RDWR));
   h5::Group home = opened ? h5::OpenGroup(opened.get(), h5::GroupPath(group).c_str()) : h5::Group();
-  if (!home) return kFail;
+  if (!home || (what & ORV_WRITE_DATA && !FitsStoredData(home.get(), shapes))) return kFail;
   int status = kFail;
   {
     BlockParts parts(home.get(), nullptr, what);

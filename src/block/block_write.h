@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "block/stored_shapes.h"
 #include "filer/process_state.h"
 #include "h5/file_access.h"
 #include "h5/group_paths.h"
@@ -70,7 +71,8 @@ class BlockParts {
 [[nodiscard]] int WriteStages(ORVBlock& block, const BlockParts& parts, int what);
 
 /// Writes a block without a name of its own into a group that the file has from the start, such as "./post/constant/
-/// indices". 1 when file or group cannot be opened.
-[[nodiscard]] int WriteIntoFixedGroup(ORVBlock& block, const char* file, h5::OH5GroupId group, int what);
+/// indices". 1 when file or group cannot be opened, or when other data than those of `shapes` are stored there.
+[[nodiscard]] int WriteIntoFixedGroup(ORVBlock& block, const char* file, h5::OH5GroupId group, int what,
+                                      const WrittenShapes& shapes);
 
 }  // namespace orvio

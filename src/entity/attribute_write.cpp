@@ -4,7 +4,7 @@
 
 #include "block/block_keys.h"
 #include "block/home_group.h"
-#include "entity/stored_shapes.h"
+#include "block/stored_shapes.h"
 #include "filer/process_state.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "block/home_group.h"
-#include "entity/stored_shapes.h"
+#include "block/stored_shapes.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
 #include "h5/header_io.h"

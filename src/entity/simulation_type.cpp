@@ -63,6 +63,7 @@ int ORVSimulationType::WriteData(hid_t data) {
 int ORVSimulationType::WriteBlock(const char* path, int /*state*/, int flags) {
   if (!path) return kFail;
   return h5::Entry(kFail, [&] {
-    return WriteIntoFixedGroup(*this, path, h5::kIndices, flags & (ORV_WRITE_HEADER | ORV_WRITE_DATA));
+    return WriteIntoFixedGroup(*this, path, h5::kIndices, flags & (ORV_WRITE_HEADER | ORV_WRITE_DATA),
+                               {{disk::etypindex, {m_nindex}, disk::kTextWidth}});
   });
 }

@@ -2,9 +2,11 @@
 
 #include <climits>
 #include <string>
+#include <utility>
 
 #include "block/block_keys.h"
 #include "block/home_group.h"
+#include "block/stored_shapes.h"
 #include "h5/dataset_reader.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
@@ -98,8 +100,11 @@ int ORVText::WriteBlock(const char* path, int state, int flags) {
   const int what = flags & (ORV_WRITE_HEADER | ORV_WRITE_DATA);
   return h5::Entry(kFail, [&] {
     const WriteAccess access;
-    return WriteIntoHome(*this, OpenHome(path, state, kTextHome), Content(m_etyptext), ExistingName::kIsWrittenInto,
-                         what);
+    Home home = OpenHome(path, state, kTextHome);
+    const std::string_view name = Content(m_etyptext);
+    const WrittenShapes lines = {{disk::line, {m_nlines}, static_cast<std::size_t>(m_length)}};
+    if (!home.group || (what & ORV_WRITE_DATA && !FitsStoredBlock(home.group.get(), name, lines))) return kFail;
+    return WriteIntoHome(*this, std::move(home), name, ExistingName::kIsWrittenInto, what);
   });
 }
 

@@ -1,6 +1,9 @@
 // Writing of the unit system block.
 
+#include <optional>
+
 #include "block/block_write.h"
+#include "block/stored_shapes.h"
 #include "filer/versions.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
@@ -16,6 +19,7 @@ using namespace orvio;
 namespace {
 
 constexpr std::size_t kDateWidth = 8;
+constexpr int kNameWidth = static_cast<int>(disk::kTextWidth);
 constexpr std::int64_t kUnknownVersion = -1;
 
 /// Writes the tables, each of them whatever became of those before it: a reader does more with a part than with none.
@@ -30,8 +34,8 @@ class TableWriter {
   void Floats(const char* name, hsize_t count, _ORVDataType type, const float* values) {
     Keep(OH5Write_FLOAT(data_, name, 1, &count, CellType(type), values));
   }
-  void Texts(const char* name, hsize_t count, const char* values) {
-    Keep(OH5Write_CHAR(data_, name, 1, &count, static_cast<int>(disk::kTextWidth), values));
+  void Texts(const char* name, hsize_t count, int width, const char* values) {
+    Keep(OH5Write_CHAR(data_, name, 1, &count, width, values));
   }
   void Number(const char* name, int value) {
     h5::HeaderWriter out(data_);
@@ -49,25 +53,40 @@ class TableWriter {
   int status_ = kOk;
 };
 
-void WriteBaseUnits(const ORVSystem& system, TableWriter& out) {
+template <class Tables>
+void PutBaseUnits(const ORVSystem& system, Tables& out) {
   const auto count = static_cast<hsize_t>(system.m_nbunit);
   out.Integers(disk::ubid, count, system.m_ubidType, system.m_pUbid);
-  out.Texts(disk::ubtyp, count, system.m_pUbtyp);
-  out.Texts(disk::ubnam, count, system.m_pUbnam);
+  out.Texts(disk::ubtyp, count, kNameWidth, system.m_pUbtyp);
+  out.Texts(disk::ubnam, count, kNameWidth, system.m_pUbnam);
   // Readers take a missing table for shifts of 0.
   if (system.m_pUbshift) out.Floats(disk::ubshift, count, system.m_ubshiftType, system.m_pUbshift);
   out.Floats(disk::ubcon, count, system.m_ubconType, system.m_pUbcon);
 }
 
-void WriteDerivedUnits(const ORVSystem& system, TableWriter& out, std::int64_t entries) {
+template <class Tables>
+void PutDerivedUnits(const ORVSystem& system, Tables& out, std::int64_t entries) {
   const auto count = static_cast<hsize_t>(system.m_ndunit);
   out.Integers(disk::udid, count, system.m_udidType, system.m_pUdid);
-  out.Texts(disk::udnam, count, system.m_pUdnam);
+  out.Texts(disk::udnam, count, kNameWidth, system.m_pUdnam);
   out.Floats(disk::udscal, count, system.m_udscalType, system.m_pUdscal);
   out.Integers(disk::ndbunit, count, system.m_ndbunitType, system.m_pNdbunit);
   if (entries == 0) return;
   out.Integers(disk::udbid, static_cast<hsize_t>(entries), system.m_udbidType, system.m_pUdbid);
   out.Floats(disk::udbexp, static_cast<hsize_t>(entries), system.m_udbexpType, system.m_pUdbexp);
+}
+
+/// `entries` of the derived units: nothing where these cannot be told.
+template <class Tables>
+void PutTables(const ORVSystem& system, Tables& out, std::optional<std::int64_t> entries) {
+  if (system.m_nbunit > 0) PutBaseUnits(system, out);
+  if (system.m_ndunit > 0 && entries) PutDerivedUnits(system, out, *entries);
+}
+
+WrittenShapes ShapesOf(const ORVSystem& system) {
+  TableShapes tables;
+  PutTables(system, tables, EntriesOfDerivedUnits(system));
+  return tables.shapes();
 }
 
 }  // namespace
@@ -94,8 +113,7 @@ int ORVSystem::WriteData(hid_t data) {
   return h5::Entry(kFail, [&] {
     const auto entries = EntriesOfDerivedUnits(*this);
     TableWriter out(data);
-    if (m_nbunit > 0) WriteBaseUnits(*this, out);
-    if (m_ndunit > 0 && entries) WriteDerivedUnits(*this, out, *entries);
+    PutTables(*this, out, entries);
     if (process().g_nWriterVersion >= kFirstSingleLayoutVersion) {
       out.Number(disk::lenudb, static_cast<int>(entries.value_or(0)));
     }
@@ -108,6 +126,7 @@ int ORVSystem::WriteIndex(hid_t /*index*/) { return kOk; }
 int ORVSystem::WriteBlock(const char* path, int /*state*/, int flags) {
   if (!path) return kFail;
   return h5::Entry(kFail, [&] {
-    return WriteIntoFixedGroup(*this, path, h5::kSystem, flags & (ORV_WRITE_HEADER | ORV_WRITE_DATA));
+    const WrittenShapes shapes = flags & ORV_WRITE_DATA ? ShapesOf(*this) : WrittenShapes();
+    return WriteIntoFixedGroup(*this, path, h5::kSystem, flags & (ORV_WRITE_HEADER | ORV_WRITE_DATA), shapes);
   });
 }

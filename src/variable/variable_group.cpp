@@ -7,6 +7,7 @@
 #include "block/block_keys.h"
 #include "block/block_write.h"
 #include "block/reader_lease.h"
+#include "block/stored_shapes.h"
 #include "h5/dataset_reader.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
@@ -143,6 +144,9 @@ int WriteInto(hid_t file, ORVVariableGrp& group, int what) {
   if (!place) return kFail;
   const std::string name(Content(group.m_grpName, sizeof group.m_grpName));
   if (name.empty()) return kFail;
+  const WrittenShapes shapes = {
+      {disk::cnt, {group.m_nvar}}, {disk::offs, {group.m_nvar}}, {disk::varkey, {group.m_nvar}, disk::kTextWidth}};
+  if (what & ORV_WRITE_DATA && !FitsStoredBlock(place.get(), name, shapes)) return kFail;
   int status = kFail;
   {
     BlockParts parts(place.get(), name.c_str(), what);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "block/block_write.h"
+#include "block/stored_shapes.h"
 #include "filer/versions.h"
 #include "h5/disk_names.h"
 #include "h5/entry.h"
@@ -54,7 +55,15 @@ class TableWriter {
   int status_ = kOk;
 };
 
-void WriteUnits(const ORVVariable& variable, TableWriter& out, std::uint64_t base, std::uint64_t derived) {
+/// Takes the same tables for what they would be in the file.
+class VariableShapes : public TableShapes {
+ public:
+  void Map(const MapShape& shape, const float* /*values*/) { Add({disk::vmap, {shape.dims, shape.dims + shape.rank}}); }
+  void TotalUnlessThere(const char* /*name*/, std::uint64_t /*total*/) {}
+};
+
+template <class Tables>
+void PutUnits(const ORVVariable& variable, Tables& out, std::uint64_t base, std::uint64_t derived) {
   const hsize_t components = ComponentsOf(variable);
   if (variable.m_pMbunit) out.Integers(disk::mbunit, components, variable.m_mbunitType, variable.m_pMbunit);
   if (variable.m_pMdunit) out.Integers(disk::mdunit, components, variable.m_mdunitType, variable.m_pMdunit);
@@ -68,7 +77,8 @@ void WriteUnits(const ORVVariable& variable, TableWriter& out, std::uint64_t bas
   }
 }
 
-void WriteLabelsAndMap(const ORVVariable& variable, TableWriter& out) {
+template <class Tables>
+void PutLabelsAndMap(const ORVVariable& variable, Tables& out) {
   const hsize_t components = ComponentsOf(variable);
   if (variable.m_subslen > 0) {
     out.Texts(disk::subscr, LabelBytesOf(variable), 1, variable.m_pSubscr);
@@ -78,12 +88,35 @@ void WriteLabelsAndMap(const ORVVariable& variable, TableWriter& out) {
   if (const auto shape = MapShapeOf(variable)) out.Map(*shape, variable.m_pVmap);
 }
 
+template <class Tables>
+void PutTables(const ORVVariable& variable, Tables& out) {
+  const hsize_t components = ComponentsOf(variable);
+  const std::uint64_t base = SumOfCounts(variable.m_pMbunit, components);
+  const std::uint64_t derived = SumOfCounts(variable.m_pMdunit, components);
+  PutUnits(variable, out, base, derived);
+  if (process().g_nWriterVersion < kFirstSingleLayoutVersion) {
+    out.Integers(disk::cid, components, variable.m_cidType, variable.m_pCid);
+    out.Texts(disk::cname, components, static_cast<int>(disk::kTextWidth), variable.m_pCname);
+    return;
+  }
+  out.TotalUnlessThere(disk::lenb, base);
+  out.TotalUnlessThere(disk::lend, derived);
+  PutLabelsAndMap(variable, out);
+}
+
+WrittenShapes ShapesOf(const ORVVariable& variable) {
+  VariableShapes tables;
+  if (variable.m_ncoo > 0) PutTables(variable, tables);
+  return tables.shapes();
+}
+
 /// The group is named before the header is written: that fills an empty key with blanks.
 int WriteInto(hid_t file, ORVVariable& variable, int what) {
   const bool single = process().g_nWriterVersion >= kFirstSingleLayoutVersion;
   h5::Group type_group = h5::OpenGroup(file, h5::GroupPath(single ? h5::kVariable : h5::kVariables).c_str());
   if (!type_group) return kFail;
   const std::string name(GroupNameOf(variable));
+  if (what & ORV_WRITE_DATA && !FitsStoredBlock(type_group.get(), name, ShapesOf(variable))) return kFail;
   int status = kFail;
   {
     BlockParts parts(type_group.get(), name.c_str(), what);
@@ -97,18 +130,8 @@ int WriteInto(hid_t file, ORVVariable& variable, int what) {
 int ORVVariable::WriteData(hid_t data) {
   if (m_ncoo <= 0) return kFail;
   return h5::Entry(kFail, [&] {
-    const hsize_t components = ComponentsOf(*this);
-    const std::uint64_t base = SumOfCounts(m_pMbunit, components), derived = SumOfCounts(m_pMdunit, components);
     TableWriter out(data);
-    WriteUnits(*this, out, base, derived);
-    if (process().g_nWriterVersion < kFirstSingleLayoutVersion) {
-      out.Integers(disk::cid, components, m_cidType, m_pCid);
-      out.Texts(disk::cname, components, static_cast<int>(disk::kTextWidth), m_pCname);
-      return out.status();
-    }
-    out.TotalUnlessThere(disk::lenb, base);
-    out.TotalUnlessThere(disk::lend, derived);
-    WriteLabelsAndMap(*this, out);
+    PutTables(*this, out);
     return out.status();
   });
 }

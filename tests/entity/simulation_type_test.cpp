@@ -222,16 +222,14 @@ TEST_P(SimulationTypeWrite, IsReadBackAsItWas) {
   }
 }
 
-TEST_P(SimulationTypeWrite, OverMoreNamesFailsWhereTheNamesAreStored) {
+TEST_P(SimulationTypeWrite, OverMoreNamesFailsAndChangesNothingWhereTheNamesAreStored) {
   ASSERT_EQ(Write(), 0);
+  const std::string before = orv_test::BytesOf(file_.path());
   names_ = Padded("STEP");
   types_.m_pEtypindex = names_.data();
   types_.m_nindex = 1;
   EXPECT_EQ(Write(), IsSplit() ? 1 : 0);
-  if (IsSplit()) {
-    EXPECT_THAT(RawFile(file_.path()).texts(Part("data") + "/etypindex"),
-                ElementsAre(Padded("TIME"), Padded("Load case")));
-  }
+  EXPECT_EQ(orv_test::BytesOf(file_.path()) == before, IsSplit());
 }
 
 TEST_P(SimulationTypeWrite, WithoutAFileOrItsGroupFails) {

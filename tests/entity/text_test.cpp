@@ -320,13 +320,17 @@ TEST_P(TextWriteVersion, IsReadBackAsItWas) {
   EXPECT_EQ(read.lines, "hellob    ");
 }
 
-TEST_P(TextWriteVersion, OverMoreLinesFailsAndKeepsThem) {
+TEST_P(TextWriteVersion, OverOtherLinesThanThoseOfItsCountsFailsAndChangesNothing) {
   ASSERT_EQ(Write(), 0);
-  lines_ = "other";
-  text_.m_pLines = lines_.data();
+  const std::string before = orv_test::BytesOf(file_.path());
   text_.m_nlines = 1;
   EXPECT_EQ(Write(), 1);
-  EXPECT_THAT(RawFile(file_.path()).texts(Part(kNotes, "data") + "/line"), ElementsAre("hello", "b    "));
+  EXPECT_TRUE(orv_test::BytesOf(file_.path()) == before);
+  lines_ = "one  two  three";
+  text_.m_pLines = lines_.data();
+  text_.m_nlines = 3;
+  EXPECT_EQ(Write(), 1);
+  EXPECT_TRUE(orv_test::BytesOf(file_.path()) == before);
 }
 
 TEST_F(TextWrite, DoesNotTellThatItIsIncremental) {

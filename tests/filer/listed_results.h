@@ -16,6 +16,7 @@ namespace orv_test {
 class FilerWithResults : public ORVFiler {
  public:
   explicit FilerWithResults(const char* path = "/not/there") : ORVFiler(path) {}
+  using ORVFiler::ClearAll;
 
   ORVContainer& data() { return *m_pData; }
 

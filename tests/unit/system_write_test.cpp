@@ -254,11 +254,20 @@ TEST_F(SystemWrite, OverTheSameTablesPutsTheNewValues) {
   EXPECT_EQ(raw.attribute_text(Header(), "title"), Padded("Another"));
 }
 
-TEST_F(SystemWrite, OverLargerTablesFails) {
-  ASSERT_EQ(Write(), 0);
-  system_.m_nbunit = 1;
-  EXPECT_EQ(Write(), 1);
-  EXPECT_THAT(RawFile(file_.path()).values<std::int32_t>(Data() + "/ubid"), ElementsAre(1, 2));
+TEST_F(SystemWrite, OverLargerOrSmallerTablesFailsAndChangesNothing) {
+  for (const int version : {1, 5}) {
+    ORVSetCurrentWriterVersion(version);
+    system_.m_nbunit = 2;
+    ASSERT_EQ(Write(), 0);
+    const std::string before = orv_test::BytesOf(file_.path());
+    system_.m_nbunit = 1;
+    EXPECT_EQ(Write(), 1);
+    system_.m_nbunit = 2;
+    ndbunit_[1] = 0;
+    EXPECT_EQ(Write(), 1);
+    ndbunit_[1] = 1;
+    EXPECT_TRUE(orv_test::BytesOf(file_.path()) == before);
+  }
 }
 
 TEST_F(SystemWrite, WiderTypesOfTheObjectDoNotOverrunItsTables) {

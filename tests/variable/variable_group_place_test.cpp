@@ -152,6 +152,16 @@ TEST_F(VariableGroupOverwrite, ByAShorterOneFailsAndKeepsTheData) {
   EXPECT_THAT(RawFile(path).values<std::int32_t>(std::string(kSingle) + "/cnt"), ElementsAre(3, 6, 1));
 }
 
+TEST_F(VariableGroupOverwrite, ByAShorterOrALongerOneChangesNothing) {
+  const std::string path = Write();
+  const std::string before = orv_test::BytesOf(path);
+  for (const int count : {1, 3}) {
+    Point(count);
+    EXPECT_EQ(WriteAgain(path), 1) << count;
+    EXPECT_TRUE(orv_test::BytesOf(path) == before) << count;
+  }
+}
+
 TEST_F(VariableGroupOverwrite, EndsAtTheFirstArrayThatIsMissing) {
   const std::string path = Write(), at = std::string(kSingle) + "/";
   keys_[0] = 'K';

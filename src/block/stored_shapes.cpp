@@ -1,6 +1,6 @@
 // Comparison of a block that is written with the one that is there.
 
-#include "entity/stored_shapes.h"
+#include "block/stored_shapes.h"
 
 #include <algorithm>
 #include <string>
@@ -8,6 +8,7 @@
 #include "filer/process_state.h"
 #include "filer/versions.h"
 #include "h5/disk_names.h"
+#include "h5/extents.h"
 #include "h5/file_access.h"
 #include "h5/stored_dataset.h"
 
@@ -18,7 +19,7 @@ h5::Group OpenExisting(hid_t parent, const char* name) {
   return h5::LinkExists(parent, name) ? h5::OpenGroup(parent, name) : h5::Group();
 }
 
-bool HasExtents(const h5::Extents& stored, std::initializer_list<std::int64_t> extents) {
+bool HasExtents(const h5::Extents& stored, const std::vector<std::int64_t>& extents) {
   return std::equal(stored.dims, stored.dims + stored.rank, extents.begin(), extents.end(),
                     [](hsize_t dim, std::int64_t extent) { return dim == static_cast<hsize_t>(extent); });
 }
@@ -27,17 +28,23 @@ bool Fits(hid_t data, const WrittenShape& shape) {
   if (std::ranges::count(shape.extents, 0) > 0) return true;
   h5::StoredDataset dataset(data, shape.dataset);
   if (dataset.is_missing()) return true;
-  if (!dataset || !HasExtents(dataset.extents(), shape.extents)) return false;
-  return shape.width == 0 || H5Tget_size(dataset.type()) == shape.width;
+  const bool same = dataset && HasExtents(dataset.extents(), shape.extents) &&
+                    (shape.width == 0 || H5Tget_size(dataset.type()) == shape.width);
+  if (!same) SetLastError("ORVBlock::WriteBlock::\n\t \"%s\" is stored with other extents", shape.dataset);
+  return same;
 }
 
 }  // namespace
 
-bool FitsStoredBlock(hid_t home, std::string_view name, std::initializer_list<WrittenShape> shapes) {
+bool FitsStoredData(hid_t block, const WrittenShapes& shapes) {
   const bool split = process().g_nWriterVersion < kFirstSingleLayoutVersion;
-  const h5::Group block = OpenExisting(home, std::string(name).c_str());
-  const h5::Group data = block ? OpenExisting(block.get(), split ? disk::data : disk::orvblock) : h5::Group();
+  const h5::Group data = OpenExisting(block, split ? disk::data : disk::orvblock);
   return !data || std::ranges::all_of(shapes, [&](const WrittenShape& shape) { return Fits(data.get(), shape); });
+}
+
+bool FitsStoredBlock(hid_t home, std::string_view name, const WrittenShapes& shapes) {
+  const h5::Group block = OpenExisting(home, std::string(name).c_str());
+  return !block || FitsStoredData(block.get(), shapes);
 }
 
 }  // namespace orvio
