@@ -15,6 +15,8 @@ class ORVIO_EXPORT ORVSimulationType : public ORVBlock {
   int ReadHeader(hid_t header, int flags) override;
   /// Reads the names where the file holds them; later files name a variable group instead.
   int ReadData(hid_t data, int flags) override;
+  /// Writes the names below the constant section whatever the state. Another number of them than is there already
+  /// answers 1.
   int WriteBlock(const char* path, int state, int flags) override;
   int WriteHeader(hid_t header) override;
   /// Writes the names in files up to version 1.2 and nothing in later ones.
@@ -44,7 +46,8 @@ class ORVIO_EXPORT ORVText : public ORVBlock {
   /// Reads this text in each state.
   int ReadBlockOver(const char* file, int stages, ORVIterationCallBack action, int first, int last, int step,
                     const char* name) override;
-  /// Writes the text into the constant section below state 1, else into a state that is there.
+  /// Writes the text into the constant section below state 1, else into a state that is there. Data of other extents than
+  /// those that are there already answer 1.
   int WriteBlock(const char* path, int state, int flags) override;
   int WriteHeader(hid_t header) override;
   int WriteData(hid_t data) override;

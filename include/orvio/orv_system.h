@@ -18,7 +18,8 @@ class ORVIO_EXPORT ORVSystem : public ORVBlock {
 
   int ReadHeader(hid_t header, int flags) override;
   int ReadData(hid_t data, int flags) override;
-  /// Writes the block below the constant section whatever the state.
+  /// Writes the block below the constant section whatever the state. Data of other extents than those that are there
+  /// already answer 1.
   int WriteBlock(const char* path, int state, int flags) override;
   int WriteHeader(hid_t header) override;
   int WriteData(hid_t data) override;

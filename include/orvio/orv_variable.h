@@ -47,7 +47,7 @@ class ORVIO_EXPORT ORVVariable : public ORVBlock {
   int ReadData(hid_t data, int flags) override;
   int IterateBlock(const char* path, int state, int flags, ORVIterationCallBack action) override;
   /// Writes the variable below the constant section whatever the state. An empty key, class or type is blanks
-  /// afterwards, in the object too.
+  /// afterwards, in the object too. Data of other extents than those that are there already answer 1.
   int WriteBlock(const char* path, int state, int flags) override;
   int WriteHeader(hid_t header) override;
   int WriteData(hid_t data) override;

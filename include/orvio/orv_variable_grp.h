@@ -25,7 +25,8 @@ class ORVIO_EXPORT ORVVariableGrp : public ORVBlock {
   int ReadHeader(hid_t header, int flags) override;
   int ReadData(hid_t data, int flags) override;
   int IterateBlock(const char* path, int state, int flags, ORVIterationCallBack action) override;
-  /// Writes the group below the constant section whatever the state.
+  /// Writes the group below the constant section whatever the state. Data of other extents than those that are there
+  /// already answer 1.
   int WriteBlock(const char* path, int state, int flags) override;
   int WriteHeader(hid_t header) override;
   int WriteData(hid_t data) override;
