@@ -81,16 +81,6 @@ TEST_F(BlockOver, ReadsFromFirstToLastInSteps) {
   EXPECT_THAT(States(), IsEmpty());
 }
 
-TEST_F(BlockOver, GoesThroughTheStatesWhateverSectionItsKeyBelongsTo) {
-  RecordingBlock history(1050);
-  const std::string path = file_.path();
-  EXPECT_EQ(history.ReadBlockOver(path.c_str(), 1, RecordIndex, 2, 3, 1, "attributes/NODE"), 0);
-  EXPECT_EQ(history.IterateBlockOver(path.c_str(), 1, RecordEither, 5, 0, 1, "attributes", 0), 0);
-  EXPECT_THAT(history.calls, ElementsAre("header 1 /post/singlestate/state000000000002/attributes/NODE/header",
-                                         "header 1 /post/singlestate/state000000000003/attributes/NODE/header",
-                                         "header 1 /post/singlestate/state000000000005/attributes/NODE/header"));
-}
-
 TEST_F(BlockOver, FailsWithoutACallForWrongArguments) {
   const std::string path = file_.path();
   EXPECT_EQ(Read(1, 0, 0, 1), 1);

@@ -1,12 +1,11 @@
 // What the reader asks of itself: through its interface, so that a class derived from it is asked. And the places of
 // its operations, by which hosts that are built already call them.
 
-#include <cstddef>
-#include <cstring>
 #include <string>
 
 #include "h5/h5_test.h"
 #include "orvio/oh5_reader.h"
+#include "support/virtual_place.h"
 
 namespace {
 
@@ -91,16 +90,6 @@ TEST_F(ReaderInterface, AnswersTheFailureOfThatPathForTheVersion) {
   EXPECT_EQ(major, 0);
   EXPECT_EQ(minor, 0);
   EXPECT_EQ(patch, 0);
-}
-
-/// Place of a virtual operation in the table of its class: the Itanium C++ ABI, which GCC and Clang follow, keeps it in
-/// the first word of a pointer to the operation, as an offset in bytes that may have its lowest bit set.
-template <class Operation>
-std::ptrdiff_t PlaceOf(Operation operation) {
-  std::ptrdiff_t words[2] = {};
-  static_assert(sizeof operation == sizeof words);
-  std::memcpy(words, &operation, sizeof words);
-  return words[0] / static_cast<std::ptrdiff_t>(sizeof(void*));
 }
 
 TEST_F(ReaderInterface, KeepsItsOperationsInTheirPlaces) {

@@ -9,6 +9,7 @@
 
 #include "orvio/orv_result.h"
 #include "support/orv_test.h"
+#include "support/virtual_place.h"
 
 namespace {
 
@@ -238,15 +239,6 @@ TEST_F(ResultIdentity, FindsTheLoadCaseInAFieldWithoutATerminator) {
   EXPECT_EQ(number, 0);
 }
 
-#ifdef __x86_64__  // elsewhere the numbers are encoded otherwise
-/// Position of a virtual operation in the table of its class, where two entries for the destructor come first.
-template <class Operation>
-std::ptrdiff_t PositionOf(Operation operation) {
-  std::ptrdiff_t word = 0;
-  std::memcpy(&word, &operation, sizeof word);
-  return (word - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
-
 /// A block that can name what is protected.
 struct Operations : ORVResult {
   using Select = int (ORVResult::*)(const char*, int, int, _ORVBlockAtt, int, std::uint64_t*, std::uint64_t*,
@@ -254,35 +246,34 @@ struct Operations : ORVResult {
   using SelectSlab = int (ORVResult::*)(const char*, int, int, _ORVBlockAtt, ORVHyperSlab&, bool);
 
   static std::vector<std::ptrdiff_t> OfABlock() {
-    return {PositionOf(&ORVResult::ReadBlock),        PositionOf(&ORVResult::ReadBlockAt),
-            PositionOf(&ORVResult::ReadNumBlock),     PositionOf(&ORVResult::ReadHeader),
-            PositionOf(&ORVResult::ReadData),         PositionOf(&ORVResult::ReadIndex),
-            PositionOf(&ORVResult::ReadBlockOver),    PositionOf(&ORVResult::IterateBlock),
-            PositionOf(&ORVResult::IterateBlockOver), PositionOf(&ORVResult::ReadBlockByBlockPath),
-            PositionOf(&ORVResult::WriteBlock),       PositionOf(&ORVResult::WriteHeader),
-            PositionOf(&ORVResult::WriteData),        PositionOf(&ORVResult::WriteIndex),
-            PositionOf(&ORVResult::DeleteLinks),      PositionOf(&ORVBlock::CacheData),
-            PositionOf(&ORVResult::ClearCacheMap),    PositionOf(&Operations::ReadBlockStep),
-            PositionOf(&Operations::OpenBlockGroup),  PositionOf(&Operations::AppendBlockSchema),
-            PositionOf(&Operations::ReadIndexComm)};
+    return {PlaceOf(&ORVResult::ReadBlock),        PlaceOf(&ORVResult::ReadBlockAt),
+            PlaceOf(&ORVResult::ReadNumBlock),     PlaceOf(&ORVResult::ReadHeader),
+            PlaceOf(&ORVResult::ReadData),         PlaceOf(&ORVResult::ReadIndex),
+            PlaceOf(&ORVResult::ReadBlockOver),    PlaceOf(&ORVResult::IterateBlock),
+            PlaceOf(&ORVResult::IterateBlockOver), PlaceOf(&ORVResult::ReadBlockByBlockPath),
+            PlaceOf(&ORVResult::WriteBlock),       PlaceOf(&ORVResult::WriteHeader),
+            PlaceOf(&ORVResult::WriteData),        PlaceOf(&ORVResult::WriteIndex),
+            PlaceOf(&ORVResult::DeleteLinks),      PlaceOf(&ORVBlock::CacheData),
+            PlaceOf(&ORVResult::ClearCacheMap),    PlaceOf(&Operations::ReadBlockStep),
+            PlaceOf(&Operations::OpenBlockGroup),  PlaceOf(&Operations::AppendBlockSchema),
+            PlaceOf(&Operations::ReadIndexComm)};
   }
   static std::vector<std::ptrdiff_t> OfAResult() {
-    return {PositionOf(&ORVResult::ReadAttribute),
-            PositionOf(static_cast<SelectSlab>(&ORVResult::ReadSelectiveAttribute)),
-            PositionOf(static_cast<Select>(&ORVResult::ReadSelectiveAttribute)),
-            PositionOf(&ORVResult::ReadAtt),
-            PositionOf(&ORVResult::ReadSelAtt),
-            PositionOf(&ORVResult::WriteSelectiveAttribute)};
+    return {PlaceOf(&ORVResult::ReadAttribute),
+            PlaceOf(static_cast<SelectSlab>(&ORVResult::ReadSelectiveAttribute)),
+            PlaceOf(static_cast<Select>(&ORVResult::ReadSelectiveAttribute)),
+            PlaceOf(&ORVResult::ReadAtt),
+            PlaceOf(&ORVResult::ReadSelAtt),
+            PlaceOf(&ORVResult::WriteSelectiveAttribute)};
   }
 };
 
 TEST_F(ResultIdentity, HasTheOperationsOfABlockBeforeItsOwnInTheOrderThatHostsAreBuiltWith) {
-  using Positions = std::vector<std::ptrdiff_t>;
+  using Places = std::vector<std::ptrdiff_t>;
   EXPECT_EQ(Operations::OfABlock(),
-            (Positions{2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22}));
-  EXPECT_EQ(Operations::OfAResult(), (Positions{23, 24, 25, 26, 27, 28}));
+            (Places{2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22}));
+  EXPECT_EQ(Operations::OfAResult(), (Places{23, 24, 25, 26, 27, 28}));
 }
-#endif
 
 struct TailRow {
   int key;
