@@ -300,23 +300,25 @@ TEST_F(FilerWriting, DeletesLinksInTheVersionItWasToldAndPutsTheOldOneBack) {
   EXPECT_EQ(ORVGetCurrentWriterVersion(), 1);
 }
 
+/// Two values of one component, into state 1.
+int WriteBothValues(ORVFiler& filer, ORVResult* result) {
+  std::uint64_t start[] = {0, 0};
+  std::uint64_t count[] = {2, 1};
+  return filer.WriteSelectiveResultAttribute(result, 1, ORV_WRITE_DATA, ORV_ATT_RES, 2, start, count, nullptr, nullptr,
+                                             nullptr);
+}
+
 TEST_F(FilerWriting, ASelectiveWriteFollowsTheVersionOfTheFileThatIsRead) {
   const std::string path = Make(ORV_VERSION_1_2);
   ORVFiler filer(path.c_str());
   std::vector<float> values = {1.5F, 2.5F};
   ORVResult result = TemperatureBlock(values);
-  std::uint64_t start[] = {0, 0};
-  std::uint64_t count[] = {2, 1};
-  EXPECT_EQ(filer.WriteSelectiveResultAttribute(&result, 1, ORV_WRITE_DATA, ORV_ATT_RES, 2, start, count, nullptr,
-                                                nullptr, nullptr),
-            0);
+  EXPECT_EQ(WriteBothValues(filer, &result), 0);
   EXPECT_EQ(ORVGetCurrentWriterVersion(), 1);
   const RawFile file(path);
   EXPECT_EQ(file.values<float>("/post/singlestate/state000000000001/entityresults/NODE/TEMP/data/res"),
             (std::vector<float>{1.5F, 2.5F}));
-  EXPECT_EQ(filer.WriteSelectiveResultAttribute(nullptr, 1, ORV_WRITE_DATA, ORV_ATT_RES, 2, start, count, nullptr,
-                                                nullptr, nullptr),
-            1);
+  EXPECT_EQ(WriteBothValues(filer, nullptr), 1);
 }
 
 TEST_F(FilerWriting, ASelectiveWriteIntoAFileOfTheSingleLayoutMakesItsOneGroup) {
@@ -324,11 +326,7 @@ TEST_F(FilerWriting, ASelectiveWriteIntoAFileOfTheSingleLayoutMakesItsOneGroup) 
   ORVFiler filer(path.c_str());
   std::vector<float> values = {1.5F, 2.5F};
   ORVResult result = TemperatureBlock(values);
-  std::uint64_t start[] = {0, 0};
-  std::uint64_t count[] = {2, 1};
-  EXPECT_EQ(filer.WriteSelectiveResultAttribute(&result, 1, ORV_WRITE_DATA, ORV_ATT_RES, 2, start, count, nullptr,
-                                                nullptr, nullptr),
-            0);
+  EXPECT_EQ(WriteBothValues(filer, &result), 0);
   EXPECT_EQ(ORVGetCurrentWriterVersion(), 1);
   const std::string block = "/post/singlestate/state000000000001/entityresults/NODE/TEMP";
   EXPECT_EQ(RawFile(path).children(block), (std::vector<std::string>{"orvblock"}));
@@ -338,17 +336,11 @@ TEST_F(FilerWriting, ASelectiveWriteIntoAFileOfTheSingleLayoutMakesItsOneGroup) 
 TEST_F(FilerWriting, ASelectiveWriteNeedsAFileToReadAndMakesNone) {
   std::vector<float> values = {1.5F, 2.5F};
   ORVResult result = TemperatureBlock(values);
-  std::uint64_t start[] = {0, 0};
-  std::uint64_t count[] = {2, 1};
-  const auto write = [&](ORVFiler& filer) {
-    return filer.WriteSelectiveResultAttribute(&result, 1, ORV_WRITE_DATA, ORV_ATT_RES, 2, start, count, nullptr,
-                                               nullptr, nullptr);
-  };
   ORVFiler none(nullptr);
-  EXPECT_EQ(write(none), 1);
+  EXPECT_EQ(WriteBothValues(none, &result), 1);
   const std::string path = TempPath("missing.orv");
   ORVFiler missing(path.c_str());
-  EXPECT_EQ(write(missing), 1);
+  EXPECT_EQ(WriteBothValues(missing, &result), 1);
   EXPECT_FALSE(std::ifstream(path).is_open());
   EXPECT_EQ(ORVGetCurrentWriterVersion(), 1);
 }
